@@ -1,0 +1,201 @@
+// Bit reader. The cache holds its bits left-justified with zeros below; the readers rely on shifts
+// by 32 and by negative counts yielding 0.
+#include "simd/cpu.h"
+#include "tavu.h"
+
+namespace tavu {
+namespace {
+
+constexpr int32_t CACHE_BYTES = 4;
+
+// Bytes not yet loaded. By integers, for an empty buffer may be null.
+intptr_t remaining(const tavu_bsr_t *bs) {
+    return static_cast<intptr_t>(reinterpret_cast<uintptr_t>(bs->end) + 1 -
+                                 reinterpret_cast<uintptr_t>(bs->cur));
+}
+
+void consume(tavu_bsr_t *bs, int32_t bits) {
+    bs->code = shift_left(bs->code, bits);
+    bs->leftbits -= bits;
+}
+
+int32_t refill(tavu_bsr_t *bs) { return bs->flush(bs, CACHE_BYTES); }
+
+uint32_t top_bits(uint32_t code, int32_t n) { return shift_right(code, 32 - n); }
+
+int32_t read(tavu_bsr_t *bs, int32_t size) {
+    if (bs->leftbits >= size) {
+        const uint32_t value = top_bits(bs->code, size);
+        consume(bs, size);
+        return static_cast<int32_t>(value);
+    }
+    const uint32_t high = top_bits(bs->code, size);
+    const int32_t missing = size - bs->leftbits;
+    if (refill(bs) != 0) return -1;
+    const uint32_t value = high | top_bits(bs->code, missing);
+    consume(bs, missing);
+    return static_cast<int32_t>(value);
+}
+
+int32_t read1(tavu_bsr_t *bs) {
+    // Only an exactly empty cache is refilled: past the end of the data this keeps returning 0.
+    if (bs->leftbits == 0 && refill(bs) != 0) return -1;
+    const uint32_t bit = bs->code >> 31;
+    consume(bs, 1);
+    return static_cast<int32_t>(bit);
+}
+
+// Tops the cache up with whole bytes, keeping what it holds.
+void top_up(tavu_bsr_t *bs) {
+    const int32_t free_bytes = (32 - bs->leftbits) >> 3;
+    if (free_bytes <= 0) return;
+    const uint32_t old = bs->code;
+    const int32_t valid = bs->leftbits;
+    bs->flush(bs, free_bytes);
+    bs->code = old | shift_right(bs->code, valid);
+    bs->leftbits += valid;
+}
+
+uint32_t peek(tavu_bsr_t *bs, int32_t size) {
+    if (bs->leftbits < size) top_up(bs);
+    uint32_t value = top_bits(bs->code, size);
+    const int32_t missing = size - bs->leftbits;
+    if (missing > 0 && remaining(bs) > 0) value |= shift_right(*bs->cur, 8 - missing);
+    return value;
+}
+
+int32_t read_ue(tavu_bsr_t *bs) {
+    if (bs->code >> 31) {  // a set bit is always valid
+        consume(bs, 1);
+        return 0;
+    }
+    int32_t dropped = 0;  // zeros of the prefix that a refill has dropped
+    if (bs->code == 0) {
+        dropped = bs->leftbits;
+        refill(bs);
+    }
+    const int32_t zeros = count_leading_zeros(bs->code);
+    if (zeros + dropped == 0) {
+        consume(bs, 1);
+        return 0;
+    }
+    const int32_t value = read(bs, 2 * zeros + 1 + dropped);
+    return static_cast<int32_t>(static_cast<uint32_t>(value) - 1);
+}
+
+// Whether a run of ones ends within the cache. The test spans one bit beyond the valid ones, where
+// a 0 always stands, so it fails for 0 and 32 valid bits only; callers rely on the counts that
+// follow.
+bool run_ends_in_cache(const tavu_bsr_t *bs) {
+    return bs->leftbits != 0 && shift_right(~bs->code, 31 - bs->leftbits) != 0;
+}
+
+int32_t read_un(tavu_bsr_t *bs) {
+    int32_t dropped = 0;
+    if (!run_ends_in_cache(bs)) {
+        dropped = bs->leftbits;
+        refill(bs);
+    }
+    const int32_t ones = count_leading_zeros(~bs->code);
+    consume(bs, ones + 1);
+    return ones + dropped;
+}
+
+int32_t read_tu(tavu_bsr_t *bs, int32_t max) {
+    if (max == 0) return 0;
+    int32_t dropped = 0;
+    if (!run_ends_in_cache(bs)) {
+        if (bs->leftbits >= max) {
+            consume(bs, max);
+            return max;
+        }
+        dropped = bs->leftbits;
+        refill(bs);
+    }
+    const int32_t ones = count_leading_zeros(~bs->code);
+    if (max < ones + dropped) {
+        consume(bs, max);  // of the new cache, although the dropped ones counted; kept as it is
+        return max;
+    }
+    consume(bs, ones + 1);
+    return ones + dropped;
+}
+
+}  // namespace
+}  // namespace tavu
+
+void tavu_bsr_init(tavu_bsr_t *bs, const void *buf, int32_t size, tavu_bsr_flush_fn flush) {
+    bs->size = size;
+    bs->beg = static_cast<const uint8_t *>(buf);
+    bs->cur = bs->beg;
+    bs->end = reinterpret_cast<const uint8_t *>(reinterpret_cast<uintptr_t>(buf) +
+                                                static_cast<uintptr_t>(size) - 1);
+    bs->code = 0;
+    bs->leftbits = 0;
+    bs->flush = flush != nullptr ? flush : tavu_bsr_flush;
+}
+
+int32_t tavu_bsr_flush(tavu_bsr_t *bs, int32_t bytes) {
+    const intptr_t left = tavu::remaining(bs);
+    const int32_t n = bytes < left ? bytes : static_cast<int32_t>(left);
+    bs->code = 0;
+    bs->leftbits = 0;
+    if (n <= 0) return -1;
+    for (int32_t i = 0; i < n; i++) bs->code |= tavu::shift_left(bs->cur[i], 24 - 8 * i);
+    bs->leftbits = 8 * n;
+    bs->cur += n;
+    return 0;
+}
+
+int32_t tavu_bsr_read(tavu_bsr_t *bs, int32_t size) { return tavu::read(bs, size); }
+
+int32_t tavu_bsr_read1(tavu_bsr_t *bs) { return tavu::read1(bs); }
+
+void tavu_bsr_skip(tavu_bsr_t *bs, int32_t size) {
+    if (bs->leftbits < size) {
+        size -= bs->leftbits;
+        if (tavu::refill(bs) != 0) return;
+    }
+    tavu::consume(bs, size);
+}
+
+uint32_t tavu_bsr_peek(tavu_bsr_t *bs, int32_t size) { return tavu::peek(bs, size); }
+
+uint32_t tavu_bsr_skip_peek(tavu_bsr_t *bs, int32_t skip, int32_t size) {
+    if (bs->leftbits < skip) {
+        skip -= bs->leftbits;
+        if (tavu::refill(bs) != 0) return 0;
+    }
+    tavu::consume(bs, skip);
+    return tavu::peek(bs, size);
+}
+
+void tavu_bsr_skip_align8(tavu_bsr_t *bs) { tavu::consume(bs, bs->leftbits & 7); }
+
+int32_t tavu_bsr_read_align8(tavu_bsr_t *bs, int32_t *bits) {
+    const int32_t n = bs->leftbits & 7;
+    const uint32_t value = tavu::top_bits(bs->code, n);
+    tavu::consume(bs, n);
+    if (bits != nullptr) *bits = n;
+    return static_cast<int32_t>(value);
+}
+
+int32_t tavu_bsr_read_ue(tavu_bsr_t *bs) { return tavu::read_ue(bs); }
+
+int32_t tavu_bsr_read_se(tavu_bsr_t *bs) {
+    const int32_t v = tavu::read_ue(bs);
+    // Odd values: (v + 1) / 2; at the end of the data v is -2 and the result +1.
+    if (v & 1) return static_cast<int32_t>(static_cast<uint32_t>(v) + 1) >> 1;
+    return -(v >> 1);
+}
+
+int32_t tavu_bsr_read_te(tavu_bsr_t *bs, int32_t range) {
+    if (range < 1) return 0;
+    return range == 1 ? 1 - tavu::read1(bs) : tavu::read_ue(bs);
+}
+
+int32_t tavu_bsr_read_un(tavu_bsr_t *bs) { return tavu::read_un(bs); }
+
+int32_t tavu_bsr_read_tu(tavu_bsr_t *bs, int32_t max) { return tavu::read_tu(bs, max); }
+
+int32_t tavu_bsr_clz_in_code(uint32_t code) { return tavu::count_leading_zeros(code); }

@@ -1,0 +1,8 @@
+#include "core/alloc.h"
+
+#include "tavu.h"
+
+void *tavu_malloc_align32(uint32_t size) { return tavu::malloc_align32(size); }
+void tavu_mfree_align32(void *block) { tavu::free_align32(block); }
+void *tavu_malloc_fast_align32(uint32_t size) { return tavu::malloc_align32(size); }
+void tavu_mfree_fast_align32(void *block) { tavu::free_align32(block); }

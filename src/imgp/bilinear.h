@@ -1,0 +1,47 @@
+// Bilinear sampling: fixed-point steps and weights.
+//
+// A position has 18 fraction bits and counts in units of 1 << shift source pixels. Its upper three
+// fraction bits choose the weights. As the step spans source - 1, a sample's right-hand and lower
+// neighbours lie inside the source; a source of one pixel has step 0 and no neighbour.
+#ifndef TAVU_IMGP_BILINEAR_H
+#define TAVU_IMGP_BILINEAR_H
+
+#include "core/integer.h"
+
+namespace tavu {
+
+constexpr int POSITION_BITS = 18;
+
+// One axis of a resize.
+struct Step {
+    int32_t step;
+    int32_t shift;  // log2 of the source pixels per unit
+
+    static Step unpack(int32_t packed) { return {packed >> 3, packed & 7}; }
+    int32_t pack() const { return wrap_shift_left(step, 3) | shift; }
+
+    int32_t sample(int32_t position) const { return (position >> POSITION_BITS) * (1 << shift); }
+    // Distance to the neighbour; with step 0 its weight is 0 and it may not exist.
+    int32_t next() const { return step == 0 ? 0 : 1 << shift; }
+};
+
+// The weight group's offset for a horizontal and for a vertical position.
+inline int32_t weight_column(int32_t x) { return x >> (POSITION_BITS - 8) & 0xE0; }
+inline int32_t weight_row(int32_t y) { return y >> (POSITION_BITS - 5) & 0x1C; }
+
+// floor(log2(ratio - 1)), at most 4.
+inline int32_t decimation_shift(int32_t src, int32_t dst) {
+    constexpr uint8_t SHIFTS[32] = {0, 0, 0, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3, 3, 3, 3,
+                                    3, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4};
+    const int32_t ratio = divide(src, dst);
+    return SHIFTS[ratio < 0 ? 0 : ratio > 31 ? 31 : ratio];
+}
+
+inline Step step_for(int32_t src, int32_t dst) {
+    const int32_t shift = decimation_shift(src, dst);
+    return {divide(wrap_shift_left((src - 1) >> shift, POSITION_BITS), dst), shift};
+}
+
+}  // namespace tavu
+
+#endif

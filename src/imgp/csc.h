@@ -1,0 +1,40 @@
+// What every conversion routine shares: its arguments in one record, and its export.
+#ifndef TAVU_IMGP_CSC_H
+#define TAVU_IMGP_CSC_H
+
+#include <cstddef>
+
+#include "simd/kernel.h"
+#include "tavu.h"
+
+namespace tavu {
+
+struct Csc {
+    uint8_t *const *src;
+    int32_t src_w, src_h;
+    const int32_t *src_stride;
+    uint8_t *const *dst;
+    int32_t dst_w, dst_h;
+    const int32_t *dst_stride;
+    int32_t dst_cs;
+
+    const uint8_t *src_row(int plane, int32_t row) const {
+        return src[plane] + static_cast<ptrdiff_t>(row) * src_stride[plane];
+    }
+    uint8_t *dst_row(int plane, int32_t row) const {
+        return dst[plane] + static_cast<ptrdiff_t>(row) * dst_stride[plane];
+    }
+};
+
+}  // namespace tavu
+
+// Exports NAME as a call of a function on the record: TAVU_CSC(tavu_csc_x, convert<Format>).
+#define TAVU_CSC(name, ...)                                                                        \
+    TAVU_KERNEL(void, name,                                                                        \
+                (uint8_t *const src[4], int32_t src_w, int32_t src_h, const int32_t src_stride[4], \
+                 int32_t, uint8_t *const dst[4], int32_t dst_w, int32_t dst_h,                     \
+                 const int32_t dst_stride[4], int32_t dst_cs)) {                                   \
+        __VA_ARGS__(Csc{src, src_w, src_h, src_stride, dst, dst_w, dst_h, dst_stride, dst_cs});    \
+    }
+
+#endif

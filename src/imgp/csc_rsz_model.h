@@ -1,0 +1,79 @@
+// Conversion and bilinear resize in one pass, scalar.
+//
+// Each plane is interpolated as by the resizer, (w0 tl + w1 tr + w2 bl + w3 br) >> 6. Of a row of
+// YUV samples the full groups of eight pixels are converted in wrapping 16-bit arithmetic and the
+// rest exactly; callers rely on both. Reads nothing beyond the neighbours of the last pixel, writes
+// exactly dst_w pixels a row.
+#ifndef TAVU_IMGP_CSC_RSZ_MODEL_H
+#define TAVU_IMGP_CSC_RSZ_MODEL_H
+
+#include "imgp/bilinear.h"
+#include "imgp/bilinear_weights.h"
+#include "imgp/color.h"
+#include "imgp/csc.h"
+
+namespace tavu {
+namespace {
+
+// Not the resizer's table, which callers may write to.
+constexpr uint8_t CSC_RSZ_WEIGHTS[256] = {TAVU_WEIGHTS};
+
+// One source plane at one target row.
+struct Rows {
+    const uint8_t *top, *bottom;
+
+    uint8_t interpolate(int32_t left, int32_t right, const uint8_t *w) const {
+        return static_cast<uint8_t>(
+            (w[0] * top[left] + w[1] * top[right] + w[2] * bottom[left] + w[3] * bottom[right]) >>
+            6);
+    }
+};
+
+template <class Space>
+Rgb convert_pixel(const uint8_t (&c)[4], bool in_group) {
+    if constexpr (std::is_same_v<Space, FromYuv>) {
+        if (in_group) return yuv_to_rgb_wrap16(c[0], c[1], c[2]);
+    }
+    return Space::rgb(c[0], c[1], c[2]);
+}
+
+// Bytes: of a target pixel; the fourth is plane 3 if AlphaPlane, else 255.
+template <class Space, int Bytes, bool AlphaPlane>
+void convert_resize_row(const Rows *planes, const uint8_t *weights, Step step, int32_t width,
+                        uint8_t *out) {
+    const int32_t grouped = width & ~7;
+    int32_t x = 0;
+    for (int32_t i = 0; i < width; i++, x = wrap_add(x, step.step), out += Bytes) {
+        const int32_t left = step.sample(x), right = left + step.next();
+        uint8_t c[4] = {0, 0, 0, 255};
+        for (int p = 0; p < (AlphaPlane ? 4 : 3); p++) {
+            c[p] = planes[p].interpolate(left, right, weights + weight_column(x));
+        }
+        const Rgb rgb = convert_pixel<Space>(c, i < grouped);
+        out[0] = rgb.r;
+        out[1] = rgb.g;
+        out[2] = rgb.b;
+        if constexpr (Bytes == 4) out[3] = c[3];
+    }
+}
+
+template <class Space, int Bytes, bool AlphaPlane = false>
+void convert_resize(const Csc &c) {
+    const Step step_x = step_for(c.src_w, c.dst_w);
+    const Step step_y = step_for(c.src_h, c.dst_h);
+    int32_t y = 0;
+    for (int32_t j = 0; j < c.dst_h; j++, y = wrap_add(y, step_y.step)) {
+        Rows planes[4] = {};
+        for (int p = 0; p < (AlphaPlane ? 4 : 3); p++) {
+            const int32_t row = step_y.sample(y);
+            planes[p] = {c.src_row(p, row), c.src_row(p, row + step_y.next())};
+        }
+        convert_resize_row<Space, Bytes, AlphaPlane>(planes, CSC_RSZ_WEIGHTS + weight_row(y),
+                                                     step_x, c.dst_w, c.dst_row(0, j));
+    }
+}
+
+}  // namespace
+}  // namespace tavu
+
+#endif

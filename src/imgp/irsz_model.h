@@ -1,0 +1,107 @@
+// Bilinear resize of packed pixels, scalar.
+//
+//     out[k] = (w0 tl[k] + w1 tr[k] + w2 bl[k] + w3 br[k]) >> 6      for each channel k
+//
+// The weights sum to 64 and are not rounded. Reads nothing beyond the neighbours of the last pixel,
+// writes exactly dst_w pixels.
+#ifndef TAVU_IMGP_IRSZ_MODEL_H
+#define TAVU_IMGP_IRSZ_MODEL_H
+
+#include "imgp/bilinear.h"
+
+namespace tavu {
+namespace {
+
+// Four neighbouring source pixels and their weights.
+struct Quad {
+    const uint8_t *tl, *tr, *bl, *br;
+    const uint8_t *weights;
+
+    // Weighted sum of byte k, with 6 fraction bits.
+    uint32_t sum(int k) const {
+        return static_cast<uint32_t>(weights[0] * tl[k] + weights[1] * tr[k] + weights[2] * bl[k] +
+                                     weights[3] * br[k]);
+    }
+};
+
+// A pixel format: bytes per source and target pixel, the unit in which line sizes are counted, and
+// how a target pixel is made.
+template <int N>
+struct Bytes {
+    static constexpr int SRC = N, DST = N, LINE_UNIT = 1;
+    static void store(const Quad &q, uint8_t *out) {
+        for (int k = 0; k < N; k++) out[k] = static_cast<uint8_t>(q.sum(k) >> 6);
+    }
+};
+
+// Bytes to 5-6-5, whole images: the upper bits of c1 stand twice. Callers rely on it.
+struct PackFull {
+    static constexpr int SRC = 3, DST = 2, LINE_UNIT = 1;
+    static void store(const Quad &q, uint8_t *out) {
+        const uint32_t c0 = q.sum(0) >> 6, c1 = q.sum(1) >> 6, c2 = q.sum(2) >> 9;
+        out[0] = static_cast<uint8_t>((c1 & 0xE0) | c2);
+        out[1] = static_cast<uint8_t>((c0 & 0xF8) | c1 >> 5);
+    }
+};
+
+// Bytes to 5-6-5, lines: bytes swapped, and another mask. Callers rely on it.
+struct PackLine {
+    static constexpr int SRC = 3, DST = 2, LINE_UNIT = 1;
+    static void store(const Quad &q, uint8_t *out) {
+        const uint32_t c0 = q.sum(0) >> 6, c1 = q.sum(1) >> 6, c2 = q.sum(2) >> 9;
+        out[0] = static_cast<uint8_t>((c0 & 0x8F) | c1 >> 5);
+        out[1] = static_cast<uint8_t>((c1 & 0xE0) | c2);
+    }
+};
+
+// 5-6-5 to 5-6-5: widened with zero low bits; line sizes count pixels.
+struct Rgb565 {
+    static constexpr int SRC = 2, DST = 2, LINE_UNIT = 2;
+    struct Wide {
+        uint8_t rgb[3];
+        explicit Wide(const uint8_t *p)
+            : rgb{static_cast<uint8_t>(p[1] & 0xF8),
+                  static_cast<uint8_t>(p[1] << 5 | (p[0] >> 3 & 0x1C)),
+                  static_cast<uint8_t>(p[0] << 3)} {}
+    };
+    static void store(const Quad &q, uint8_t *out) {
+        const Wide tl(q.tl), tr(q.tr), bl(q.bl), br(q.br);
+        const Quad wide{tl.rgb, tr.rgb, bl.rgb, br.rgb, q.weights};
+        const uint32_t r = wide.sum(0) >> 9, g = wide.sum(1) >> 8, b = wide.sum(2) >> 9;
+        const uint32_t unit = r << 11 | g << 5 | b;
+        out[0] = static_cast<uint8_t>(unit);
+        out[1] = static_cast<uint8_t>(unit >> 8);
+    }
+};
+
+// One target row. `next` is the distance to the right-hand neighbour in pixels.
+template <class Pixel>
+void resize_line(const uint8_t *top, const uint8_t *bottom, const uint8_t *weights, int32_t dst_w,
+                 Step step, int32_t next, uint8_t *out) {
+    const ptrdiff_t right = step.step == 0 ? 0 : static_cast<ptrdiff_t>(next) * Pixel::SRC;
+    int32_t x = 0;
+    for (int32_t i = 0; i < dst_w; i++, x = wrap_add(x, step.step), out += Pixel::DST) {
+        const ptrdiff_t left = static_cast<ptrdiff_t>(step.sample(x)) * Pixel::SRC;
+        Pixel::store({top + left, top + left + right, bottom + left, bottom + left + right,
+                      weights + weight_column(x)},
+                     out);
+    }
+}
+
+template <class Pixel>
+void resize_full(const uint8_t *src, int32_t src_line, int32_t dst_w, int32_t dst_h,
+                 int32_t dst_line, uint8_t *dst, Step x, Step y, const uint8_t *weights) {
+    const ptrdiff_t src_stride = static_cast<ptrdiff_t>(src_line) * Pixel::LINE_UNIT;
+    const ptrdiff_t dst_stride = static_cast<ptrdiff_t>(dst_line) * Pixel::LINE_UNIT;
+    int32_t pos = 0;
+    for (int32_t j = 0; j < dst_h; j++, pos = wrap_add(pos, y.step), dst += dst_stride) {
+        const uint8_t *top = src + y.sample(pos) * src_stride;
+        resize_line<Pixel>(top, top + y.next() * src_stride, weights + weight_row(pos), dst_w, x,
+                           1 << x.shift, dst);
+    }
+}
+
+}  // namespace
+}  // namespace tavu
+
+#endif

@@ -1,0 +1,36 @@
+// The vector layer: one register of bytes and the operations that the kernels are written in.
+//
+//     LANES                    bytes in a register: 16 (NEON, x86-64-v2) or 32 (x86-64-v3)
+//     U8, I16                  a register of unsigned bytes, of signed 16-bit lanes; GNU vector
+//     types,
+//                              so that + - * << >> and scalars on one side work on each lane
+//     Wide                     LANES 16-bit values in two registers, in an order that only widen()
+//                              and narrow() know
+//     load(p), splat(x)        LANES bytes from any address; one byte in every lane
+//     widen(v), narrow(w)      to 16 bits, zero-extended; back, saturated to 0..255
+//     multiply_round15(a, k)   (a * k + 2^14) >> 15 in each lane, without wrapping
+//     round_shift8(a)          (a + 128) >> 8 in each lane; the caller keeps a + 128 within 16 bits
+//     store_interleaved(p, a, b, c[, d])
+//                              a0 b0 c0 [d0] a1 b1 c1 ... to any address, 3 or 4 times LANES bytes
+//
+// TAVU_VEC is 1 where the layer exists; elsewhere kernels are their scalar models. All of it lies
+// in unnamed namespaces: the linker must not merge a body compiled for v3 into a caller compiled
+// for v2.
+#ifndef TAVU_SIMD_VEC_H
+#define TAVU_SIMD_VEC_H
+
+#include <cstdint>
+
+#define TAVU_VEC_INLINE __attribute__((always_inline)) inline
+
+#if TAVU_SIMD && defined(__ARM_NEON)
+#define TAVU_VEC 1
+#include "simd/vec_neon.h"
+#elif TAVU_SIMD && defined(__SSE4_1__)
+#define TAVU_VEC 1
+#include "simd/vec_x86.h"
+#else
+#define TAVU_VEC 0
+#endif
+
+#endif
