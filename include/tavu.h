@@ -566,10 +566,11 @@ TAVU_API tavu_irsz_t *tavu_irsz_create(const tavu_irsz_param *param, int32_t *er
  * equals band_h. Pass bands in order until `out_row` reaches `dst_h`. A target row whose lower
  * source row lies in the next band is written by the next call.
  *
- * Band mode gives the same target as FULL while every pair of source rows lies in one band or two
- * neighbours of which the next target row needs the second (band_h above the row step is enough),
- * and, for #TAVU_IRSZ_5B6B5B, only if no row is carried: of a carried 5-6-5 row only the left half
- * is kept, the rest reads as 0. Band mode packs #TAVU_IRSZ_8B8B8B_5B6B5B its own way.
+ * Band mode gives the same target as FULL when a band has at least two rows and twice as many rows
+ * as a target row stands for (band_h >= 2 * src_h / dst_h, rounded up before doubling); shorter bands
+ * may leave rows out or take a wrong upper row. Two formats differ all the same: of a carried row of
+ * #TAVU_IRSZ_5B6B5B only the left half is kept and the rest reads as 0, and
+ * #TAVU_IRSZ_8B8B8B_5B6B5B packs as its line kernel does.
  * @return 0
  */
 TAVU_API int32_t tavu_irsz(tavu_irsz_t *rsz, const void *src, int32_t first_row, int32_t rows);

@@ -73,7 +73,7 @@ struct Shuffle {
 constexpr Shuffle interleave3_shuffle(int channel) {
     Shuffle s{};
     for (int j = 0; j < 32; j++) {
-        const int k = (channel + 32 - j % 16) % 3;
+        const int k = (channel + 48 - j % 16) % 3;
         s.bytes[j] = static_cast<uint8_t>((16 * k + j % 16) / 3);
     }
     return s;

@@ -1,0 +1,299 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "memory.h"
+#include "tavu.h"
+
+namespace {
+
+struct Release {
+    void operator()(tavu_imgb_t *imgb) const { imgb->release(imgb); }
+};
+using Image = std::unique_ptr<tavu_imgb_t, Release>;
+
+// A recording allocator: the payload is filled with 0xFF.
+struct {
+    int allocated, freed;
+    int32_t size;
+    uint32_t second, freed_second;
+    bool fail;
+} memory;
+
+void *allocate(int32_t size, uint32_t *second) {
+    memory.allocated++;
+    memory.size = size;
+    if (memory.fail) return nullptr;
+    *second = memory.second;
+    void *payload = malloc(static_cast<size_t>(size) + 1);
+    if (payload != nullptr) memset(payload, 0xFF, static_cast<size_t>(size));
+    return payload;
+}
+
+void release(void *payload, uint32_t second) {
+    memory.freed++;
+    memory.freed_second = second;
+    free(payload);
+}
+
+class Imgb : public testing::Test {
+  protected:
+    void SetUp() override { memory = {}; }
+
+    static Image create(int32_t w, int32_t h, int32_t cs, int32_t opt = 0,
+                        const uint32_t *align = nullptr, const uint32_t *pad = nullptr) {
+        return Image(tavu_imgb_create(w, h, cs, opt, align, pad, allocate, release, nullptr));
+    }
+};
+
+constexpr uint32_t pair(uint32_t horizontal, uint32_t vertical) {
+    return horizontal << 16 | vertical;
+}
+
+TEST_F(Imgb, LaysPlanesOutByColourSpace) {
+    struct {
+        int cs, planes, stride, chroma_stride, chroma_rows;
+    } const cases[] = {{10, 1, 5, 0, 0},   {11, 3, 5, 3, 2},   {12, 3, 5, 3, 3},
+                       {13, 3, 5, 5, 3},   {18, 3, 5, 5, 2},   {43, 4, 5, 5, 3},
+                       {100, 1, 10, 0, 0}, {299, 1, 10, 0, 0}, {300, 1, 20, 0, 0},
+                       {399, 1, 20, 0, 0}, {400, 1, 15, 0, 0}, {499, 1, 15, 0, 0},
+                       {500, 1, 20, 0, 0}, {599, 1, 20, 0, 0}};
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.cs);
+        const Image image = create(5, 3, c.cs);
+        ASSERT_NE(image, nullptr);
+        EXPECT_EQ(image->refcnt, 1);
+        int offset = 0;
+        for (int p = 0; p < 4; p++) {
+            const bool exists = p < c.planes;
+            EXPECT_EQ(image->stride[p], !exists ? 0 : p == 0 ? c.stride : c.chroma_stride);
+            EXPECT_EQ(image->rows[p], !exists ? 0 : p == 0 ? 3 : c.chroma_rows);
+            EXPECT_EQ(image->addr[p], exists ? image->base[0] + offset : nullptr);
+            EXPECT_EQ(image->base[p], image->addr[p]);
+            EXPECT_EQ(image->pbase[p], exists ? static_cast<uint32_t>(offset) : 0U);
+            offset += image->stride[p] * image->rows[p];
+        }
+        EXPECT_EQ(image->size, offset);
+        EXPECT_EQ(memory.size, offset);
+        EXPECT_EQ(image->aw, 5);
+        EXPECT_EQ(image->ah, 3);
+    }
+}
+
+TEST_F(Imgb, AlignsAndPadsEachPlane) {
+    const uint32_t align[] = {pair(16, 8), pair(8, 4), pair(1, 1)};
+    const uint32_t pad[] = {pair(3, 2), pair(1, 0), pair(0, 5)};
+    memory.second = 0x1000;
+    const Image image = create(20, 9, TAVU_CS_YUV420, 0, align, pad);
+    EXPECT_EQ(image->aw, 32);
+    EXPECT_EQ(image->ah, 16);
+    const int strides[] = {38, 18, 10}, rows[] = {20, 8, 15}, offsets[] = {2 * 38 + 3, 1, 50};
+    uint32_t base = 0;
+    for (int p = 0; p < 3; p++) {
+        EXPECT_EQ(image->stride[p], strides[p]);
+        EXPECT_EQ(image->rows[p], rows[p]);
+        EXPECT_EQ(image->base[p], image->base[0] + base);
+        EXPECT_EQ(image->addr[p], image->base[p] + offsets[p]);
+        EXPECT_EQ(image->pbase[p], 0x1000 + base);
+        EXPECT_EQ(image->paddr[p], image->pbase[p] + static_cast<uint32_t>(offsets[p]));
+        base += static_cast<uint32_t>(strides[p] * rows[p]);
+    }
+
+    // Packed formats pad in pixels and use the first entry alone.
+    const Image packed = create(20, 9, TAVU_CS_RGB888, 0, align, pad);
+    EXPECT_EQ(packed->stride[0], (32 + 6) * 3);
+    EXPECT_EQ(packed->addr[0] - packed->base[0], 2 * 38 * 3 + 3 * 3);
+
+    // Without a second address only the first plane's offset is left out.
+    memory.second = 0;
+    const Image none = create(20, 9, TAVU_CS_YUV420, 0, align, pad);
+    EXPECT_EQ(none->paddr[0], 0U);
+    EXPECT_EQ(none->pbase[1], 38U * 20);
+    EXPECT_EQ(none->paddr[1], 38U * 20 + 1);
+}
+
+// Every byte of the payload is as `is_cleared(plane, row, byte)` says, rows and bytes counted from
+// the plane's base.
+template <class Rule>
+void expect_cleared(const tavu_imgb_t &image, int planes, Rule is_cleared) {
+    for (int p = 0; p < planes; p++) {
+        for (int r = 0; r < image.rows[p]; r++) {
+            for (int b = 0; b < image.stride[p]; b++) {
+                const int value = image.base[p][r * image.stride[p] + b];
+                ASSERT_EQ(value, is_cleared(p, r, b) ? 0 : 0xFF) << p << ' ' << r << ' ' << b;
+            }
+        }
+    }
+}
+
+TEST_F(Imgb, ClearsAlignmentSlack) {
+    const uint32_t align[] = {pair(8, 4), pair(8, 8), pair(4, 4)};
+    const Image planar = create(5, 3, TAVU_CS_YUV420, TAVU_IMGB_OPT_CLEAR_ALIGN, align);
+    const int w[] = {5, 3, 3}, h[] = {3, 2, 2};
+    expect_cleared(*planar, 3, [&](int p, int r, int b) { return r >= h[p] || b >= w[p]; });
+
+    // Packed: rows below the picture lose `aw` bytes, not pixels.
+    const Image packed = create(5, 3, TAVU_CS_RGBA8888, TAVU_IMGB_OPT_CLEAR_ALIGN, align);
+    expect_cleared(*packed, 1, [](int, int r, int b) { return r >= 3 ? b < 8 : b >= 20; });
+}
+
+TEST_F(Imgb, ClearsPadding) {
+    const uint32_t align[] = {pair(8, 4), pair(1, 1), pair(1, 1)};
+    const uint32_t pad[] = {pair(4, 2), 0, pair(2, 1)};
+    const Image planar = create(5, 3, TAVU_CS_YUV420, TAVU_IMGB_OPT_CLEAR_PAD, align, pad);
+    const int aw[] = {8, 3, 3}, ah[] = {4, 2, 2}, ph[] = {4, 0, 2}, pv[] = {2, 0, 1};
+    expect_cleared(*planar, 3, [&](int p, int r, int b) {
+        return r < pv[p] || r >= pv[p] + ah[p] || b < ph[p] || b >= ph[p] + aw[p];
+    });
+
+    // Packed: the side padding is counted in bytes.
+    const Image packed = create(8, 3, TAVU_CS_RGB565, TAVU_IMGB_OPT_CLEAR_PAD, nullptr, pad);
+    expect_cleared(*packed, 1, [](int, int r, int b) {
+        return r < 2 || r >= 5 || b < 4 || (b >= 12 && b < 16);
+    });
+
+    // No padding array, and no known flag: nothing to clear.
+    const Image none = create(5, 3, TAVU_CS_YUV420, TAVU_IMGB_OPT_CLEAR_PAD | 4, align);
+    expect_cleared(*none, 3, [](int, int, int) { return false; });
+}
+
+TEST_F(Imgb, OptionTakesItsGeometryFromTheCaller) {
+    const Image image = create(16, 4, TAVU_CS_RGB888);
+    const int32_t w = 3, h = 2, aw = 5, ah = 3;
+    const uint32_t unit = pair(3, 1);
+    EXPECT_EQ(tavu_imgb_option(image.get(), TAVU_IMGB_OPT_CLEAR_ALIGN, 1, &w, &h, &aw, &ah, nullptr,
+                               &unit),
+              TAVU_OK);
+    expect_cleared(*image, 1, [](int, int r, int b) {
+        return (r < 2 && b >= 9 && b < 15) || (r == 2 && b < 5);
+    });
+    EXPECT_EQ(tavu_imgb_option(nullptr, 1, 0, &w, &h, &aw, &ah, nullptr, &unit),
+              TAVU_ERR_INVALID_ARGUMENT);
+}
+
+TEST_F(Imgb, RefusesWhatItCannotHold) {
+    const uint32_t not_power[] = {pair(3, 1)}, none[] = {pair(0, 1)}, tall[] = {pair(1, 6)};
+    const uint32_t wide_pad[] = {pair(65535, 65535)};
+    struct {
+        int32_t w, h, cs;
+        const uint32_t *align, *pad;
+        int32_t status;
+    } const cases[] = {
+        {5, 3, 9, nullptr, nullptr, TAVU_ERR_UNSUPPORTED_CS},
+        {5, 3, 14, nullptr, nullptr, TAVU_ERR_UNSUPPORTED_CS},
+        {5, 3, 99, nullptr, nullptr, TAVU_ERR_UNSUPPORTED_CS},
+        {5, 3, 600, nullptr, nullptr, TAVU_ERR_UNSUPPORTED_CS},
+        {5, 3, -1, nullptr, nullptr, TAVU_ERR_UNSUPPORTED_CS},
+        {-1, 3, 10, nullptr, nullptr, TAVU_ERR_INVALID_ARGUMENT},
+        {5, -1, 10, nullptr, nullptr, TAVU_ERR_INVALID_ARGUMENT},
+        {INT32_MAX, 2, 10, nullptr, nullptr, TAVU_ERR_INVALID_ARGUMENT},
+        {0x20000000, 1, 500, nullptr, nullptr, TAVU_ERR_INVALID_ARGUMENT},
+        {65536, 65536, 10, nullptr, nullptr, TAVU_ERR_INVALID_ARGUMENT},
+        {40000, 40000, 11, nullptr, nullptr, TAVU_ERR_INVALID_ARGUMENT},
+        {INT32_MAX, INT32_MAX, 500, nullptr, nullptr, TAVU_ERR_INVALID_ARGUMENT},
+        {1, 1, 300, nullptr, wide_pad, TAVU_ERR_INVALID_ARGUMENT},
+        {1, INT32_MAX, 10, nullptr, wide_pad, TAVU_ERR_INVALID_ARGUMENT},
+        {5, 3, 10, not_power, nullptr, TAVU_ERR_INVALID_ARGUMENT},
+        {5, 3, 10, none, nullptr, TAVU_ERR_INVALID_ARGUMENT},
+        {5, 3, 10, tall, nullptr, TAVU_ERR_INVALID_ARGUMENT},
+    };
+    for (const auto &c : cases) {
+        int32_t status = 1;
+        EXPECT_EQ(tavu_imgb_create(c.w, c.h, c.cs, 0, c.align, c.pad, allocate, release, &status),
+                  nullptr);
+        EXPECT_EQ(status, c.status) << c.w << 'x' << c.h << ' ' << c.cs;
+    }
+    EXPECT_EQ(memory.allocated, 0);
+    int32_t status = 1;
+    EXPECT_EQ(tavu_imgb_create(5, 3, 10, 0, nullptr, nullptr, allocate, nullptr, &status), nullptr);
+    EXPECT_EQ(status, TAVU_ERR_INVALID_ARGUMENT);
+
+    // The largest picture reaches the allocator with its size in one piece.
+    memory.fail = true;
+    EXPECT_EQ(tavu_imgb_create(INT32_MAX, 1, 10, 0, nullptr, nullptr, allocate, release, &status),
+              nullptr);
+    EXPECT_EQ(memory.size, INT32_MAX);
+    EXPECT_EQ(status, TAVU_ERR_BUFFER_ALLOC);
+    EXPECT_EQ(memory.freed, 0);
+}
+
+TEST_F(Imgb, SurvivesEveryFailingAllocation) {
+    const int32_t expected[] = {TAVU_ERR_OUT_OF_MEMORY, TAVU_ERR_BUFFER_ALLOC, TAVU_OK};
+    for (int i = 0; i < 3; i++) {
+        int32_t status = 1;
+        tavu_imgb_t *image;
+        {
+            FailingAllocations failing(i);
+            image = tavu_imgb_create(8, 8, 11, 0, nullptr, nullptr, nullptr, nullptr, &status);
+        }
+        EXPECT_EQ(status, expected[i]);
+        EXPECT_EQ(image != nullptr, status == TAVU_OK);
+        if (image != nullptr) {
+            EXPECT_EQ(reinterpret_cast<uintptr_t>(image->base[0]) % 32, 0U);
+            EXPECT_EQ(image->release(image), 0);
+        }
+    }
+}
+
+TEST_F(Imgb, CountsReferences) {
+    memory.second = 77;
+    tavu_imgb_t *image = create(4, 4, 10).release();
+    EXPECT_EQ(image->addref(image), 2);
+    EXPECT_EQ(image->getref(image), 2);
+    EXPECT_EQ(image->release(image), 1);
+    EXPECT_EQ(memory.freed, 0);
+    const auto addref = image->addref, getref = image->getref, drop = image->release;
+    EXPECT_EQ(image->release(image), 0);
+    EXPECT_EQ(memory.freed, 1);
+    EXPECT_EQ(memory.freed_second, 77U);
+    EXPECT_EQ(addref(nullptr), TAVU_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(getref(nullptr), TAVU_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(drop(nullptr), TAVU_ERR_INVALID_ARGUMENT);
+}
+
+TEST_F(Imgb, RebirthLaysTheSamePayloadOutAnew) {
+    memory.second = 0x100;
+    const Image image = create(16, 8, 11);
+    image->x = image->y = 2;
+    uint8_t *const payload = image->base[0];
+    const uint32_t pad[] = {pair(4, 0), 0, 0};
+    ASSERT_EQ(
+        tavu_imgb_rebirth(image.get(), 8, 4, TAVU_CS_YUV444, TAVU_IMGB_OPT_CLEAR_PAD, nullptr, pad),
+        TAVU_OK);
+    EXPECT_EQ(image->w, 8);
+    EXPECT_EQ(image->h, 4);
+    EXPECT_EQ(image->x + image->y, 0);
+    EXPECT_EQ(image->cs, 13);
+    EXPECT_EQ(image->aw, 8);
+    EXPECT_EQ(image->ah, 4);
+    EXPECT_EQ(image->size, 192);
+    EXPECT_EQ(image->refcnt, 1);
+    EXPECT_EQ(image->base[0], payload);
+    EXPECT_EQ(image->stride[0], 16);
+    EXPECT_EQ(image->rows[0], 4);
+    EXPECT_EQ(image->base[1], payload + 64);
+    EXPECT_EQ(image->pbase[2], 0x100U + 96);
+    EXPECT_EQ(image->paddr[0], 0x104U);
+    expect_cleared(*image, 3, [](int p, int, int b) { return p == 0 && (b < 4 || b >= 12); });
+
+    // To one plane: the others' entries are cleared.
+    ASSERT_EQ(tavu_imgb_rebirth(image.get(), 192, 1, 10, 0, nullptr, nullptr), TAVU_OK);
+    EXPECT_EQ(image->base[1], nullptr);
+    EXPECT_EQ(image->stride[1], 0);
+    EXPECT_EQ(memory.allocated, 1);
+}
+
+TEST_F(Imgb, FailedRebirthLeavesTheBufferUnchanged) {
+    const Image image = create(16, 8, 11);
+    const tavu_imgb_t before = *image;
+    EXPECT_EQ(tavu_imgb_rebirth(image.get(), 193, 1, 10, 1, nullptr, nullptr),
+              TAVU_ERR_OUT_OF_MEMORY);
+    EXPECT_EQ(tavu_imgb_rebirth(image.get(), 8, 8, 14, 0, nullptr, nullptr),
+              TAVU_ERR_UNSUPPORTED_CS);
+    EXPECT_EQ(tavu_imgb_rebirth(image.get(), -8, 8, 10, 0, nullptr, nullptr),
+              TAVU_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(tavu_imgb_rebirth(nullptr, 8, 8, 10, 0, nullptr, nullptr), TAVU_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(memcmp(&before, image.get(), sizeof before), 0);
+}
+
+}  // namespace

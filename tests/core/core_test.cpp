@@ -1,0 +1,108 @@
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "memory.h"
+#include "tavu.h"
+
+namespace {
+
+TEST(Alloc, BlocksAreAlignedAndWhollyUsable) {
+    for (uint32_t size = 0; size < 200; size++) {
+        auto *plain = static_cast<uint8_t *>(tavu_malloc_align32(size));
+        auto *fast = static_cast<uint8_t *>(tavu_malloc_fast_align32(size));
+        ASSERT_NE(plain, nullptr);
+        ASSERT_NE(fast, nullptr);
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(plain) % 32, 0U);
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(fast) % 32, 0U);
+        memset(plain, 0xFF, size);
+        memset(fast, 0xFF, size);
+        tavu_mfree_fast_align32(plain);  // the pairs are interchangeable
+        tavu_mfree_align32(fast);
+    }
+    tavu_mfree_align32(nullptr);
+    tavu_mfree_fast_align32(nullptr);
+}
+
+TEST(Alloc, RefusesWhatTheHeaderWouldWrapAndWhatMallocRefuses) {
+    for (uint32_t size : {UINT32_MAX, UINT32_MAX - 35}) {
+        FailingAllocations none(-1);
+        EXPECT_EQ(tavu_malloc_align32(size), nullptr);
+        EXPECT_EQ(none.count(), 0) << size;
+    }
+    FailingAllocations first(0);
+    EXPECT_EQ(tavu_malloc_align32(1), nullptr);
+}
+
+TEST(Version, IsRewrittenByEachCall) {
+    const char *text = tavu_version();
+    const_cast<char *>(text)[0] = '?';
+    EXPECT_EQ(tavu_version(), text);
+    EXPECT_STREQ(text, "Dec 27 2013 13:23:55\n");
+}
+
+TEST(Log2, RoundsDownAndUpAtEveryPowerOfTwo) {
+    EXPECT_EQ(tavu_floor_log2(0), -1);
+    EXPECT_EQ(tavu_ceil_log2(0), -1);
+    for (int n = 0; n < 32; n++) {
+        const uint32_t power = 1U << n;
+        EXPECT_EQ(tavu_floor_log2(power), n);
+        EXPECT_EQ(tavu_ceil_log2(power), n);
+        if (n == 0) continue;
+        EXPECT_EQ(tavu_ceil_log2(power + 1), n + 1);
+        EXPECT_EQ(tavu_floor_log2(power + 1), n);
+        EXPECT_EQ(tavu_floor_log2(power - 1), n - 1);
+        EXPECT_EQ(tavu_ceil_log2(power - 1), n == 1 ? 0 : n);
+    }
+}
+
+TEST(Atomic, CountsFromSeveralThreadsAndWraps) {
+    int32_t word = INT32_MAX;
+    EXPECT_EQ(tavu_atomic_inc(&word), INT32_MIN);
+    EXPECT_EQ(tavu_atomic_dec(&word), INT32_MAX);
+
+    word = 0;
+    const auto work = [&word] {
+        for (int i = 0; i < 3000; i++) {
+            tavu_atomic_inc(&word);
+            tavu_atomic_inc(&word);
+            tavu_atomic_dec(&word);
+        }
+    };
+    std::thread other(work);
+    work();
+    other.join();
+    EXPECT_EQ(word, 6000);
+}
+
+TEST(Sync, AnswersAtOnceWhenTheWordDecides) {
+    int32_t word = 7;
+    EXPECT_EQ(tavu_sync_wait(&word, 7), TAVU_OK);
+    EXPECT_EQ(tavu_sync_wake(&word, -1), 0);
+    EXPECT_EQ(word, -1);
+    EXPECT_EQ(tavu_sync_wait(&word, 7), TAVU_ERR);
+    EXPECT_EQ(tavu_sync_wait(&word, -1), TAVU_ERR);  // -1 is always the sign to give up
+}
+
+TEST(Sync, HandsAWordToAndFro) {
+    int32_t word = 0;
+    int data = 0;
+    std::thread other([&] {
+        for (int i = 1; i < 200; i += 2) {
+            EXPECT_EQ(tavu_sync_wait(&word, i), TAVU_OK);
+            __atomic_thread_fence(__ATOMIC_ACQUIRE);
+            EXPECT_EQ(data, i);
+            tavu_sync_wake(&word, i + 1);
+        }
+        EXPECT_EQ(tavu_sync_wait(&word, 1000), TAVU_ERR);
+    });
+    for (int i = 1; i < 200; i += 2) {
+        data = i;
+        tavu_sync_wake(&word, i);
+        EXPECT_EQ(tavu_sync_wait(&word, i + 1), TAVU_OK);
+    }
+    tavu_sync_wake(&word, -1);
+    other.join();
+}
+
+}  // namespace

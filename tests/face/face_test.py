@@ -1,0 +1,72 @@
+"""The shared library as the outside sees it: exported names, needs, hardening.
+
+usage: face_test.py LIBRARY HEADER [COMPILER FLAGS]
+"""
+
+import re
+import subprocess
+import sys
+import unittest
+
+LIBRARY, HEADER = sys.argv[1:3]
+SANITIZED = any("-fsanitize" in flag for flag in sys.argv[3:])
+WRITABLE = {"tavu_irsz_tbl_rsz_weight"}
+# A library has no business printing or ending the process.
+FORBIDDEN = re.compile(r"^(abort|exit|_exit|puts|putchar|printf|fprintf|vfprintf|fwrite|write)$")
+
+
+def run(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
+def symbols(*flags):
+    """(kind, name) of dynamic symbols, versions cut off."""
+    rows = (line.split() for line in run("nm", "-D", *flags, LIBRARY).splitlines())
+    return [(row[-2], row[-1].split("@")[0]) for row in rows]
+
+
+class Face(unittest.TestCase):
+    def test_exported_names_are_those_of_the_header(self):
+        text = re.sub(r"/\*.*?\*/", "", open(HEADER, encoding="utf-8").read(), flags=re.S)
+        declared = set()
+        for declaration in re.findall(r"TAVU_API\s([^;]*);", text):
+            declared.add(re.search(r"(\w+)\s*(\(|\[|$)", declaration).group(1))
+        self.assertGreater(len(declared), 80)
+        exported = {name for kind, name in symbols("--defined-only") if kind != "A"}
+        self.assertEqual(exported, declared)
+
+    def test_only_promised_data_is_writable(self):
+        data = {name for kind, name in symbols("--defined-only") if kind in "DBGSdb"}
+        sections = run("readelf", "-SW", LIBRARY)
+        rows = re.findall(r"\s(\.data\.rel\.ro\S*)\s+\w+\s+(\w+)\s+\w+\s+(\w+)", sections)
+        relro = [(int(at, 16), int(at, 16) + int(size, 16)) for _, at, size in rows]
+        table = run("nm", "-D", "--defined-only", LIBRARY)
+        for name in list(data):
+            at = int(re.search(rf"^(\w+) \w {name}\b", table, flags=re.M).group(1), 16)
+            if any(low <= at < high for low, high in relro):
+                data.remove(name)
+        self.assertEqual(data, WRITABLE)
+
+    @unittest.skipIf(SANITIZED, "sanitizers add needs of their own")
+    def test_needs_nothing_but_the_c_library(self):
+        needed = re.findall(r"\(NEEDED\).*\[(.*)\]", run("readelf", "-dW", LIBRARY))
+        self.assertEqual(needed, ["libc.so.6"])
+        undefined = {name for kind, name in symbols("--undefined-only")}
+        self.assertFalse([name for name in undefined if FORBIDDEN.match(name)])
+
+    def test_dynamic_section(self):
+        dynamic = run("readelf", "-dW", LIBRARY)
+        self.assertIn("Library soname: [libtavu.so.1]", dynamic)
+        self.assertRegex(dynamic, r"\(FLAGS(_1)?\).*NOW")
+        self.assertNotIn("TEXTREL", dynamic)
+
+    def test_segments(self):
+        segments = run("readelf", "-lW", LIBRARY)
+        self.assertIn("GNU_RELRO", segments)
+        stack = re.search(r"GNU_STACK.*", segments).group(0)
+        self.assertRegex(stack, r"\bRW\b")
+        self.assertNotIn("RWE", stack)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])

@@ -1,0 +1,270 @@
+// The scalar meaning of the conversions: values worked by hand, properties, and the oddities.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+
+#include "memory.h"
+#include "tavu.h"
+
+namespace {
+
+using Pixel = std::array<int, 4>;
+
+// Converts a picture of one pixel; planes of up to four samples in, `bytes` bytes out.
+Bytes convert_one(tavu_fn_csc_t routine, const Pixel &in, int32_t code, size_t bytes) {
+    uint8_t samples[4], *src[4], *dst[4];
+    Bytes out(4);
+    for (size_t p = 0; p < 4; p++) {
+        samples[p] = static_cast<uint8_t>(in[p]);
+        src[p] = &samples[p];
+        dst[p] = &out[p];
+    }
+    // Each target plane has a byte of its own, the first one all that remain.
+    dst[0] = dst[2] = out.data();
+    const int32_t stride[4] = {};
+    routine(src, 1, 1, stride, 0, dst, 0, 0, stride, code);
+    out.resize(bytes);
+    return out;
+}
+
+TEST(YuvToRgb, KnownColours) {
+    const struct {
+        Pixel yuv;
+        Bytes rgb;
+    } cases[] = {{{255, 128, 128}, {255, 255, 255}}, {{0, 128, 128}, {0, 0, 0}},
+                 {{77, 128, 128}, {77, 77, 77}},     {{255, 128, 255}, {255, 164, 255}},
+                 {{0, 128, 0}, {0, 91, 0}},          {{76, 85, 255}, {254, 0, 0}},
+                 {{150, 44, 21}, {0, 255, 1}},       {{29, 255, 107}, {0, 0, 254}}};
+    for (const auto &c : cases) {
+        EXPECT_EQ(convert_one(tavu_csc_yuv444_to_rgb888, c.yuv, 400, 3), c.rgb) << c.yuv[0];
+    }
+}
+
+// The equations of the standard, in real numbers.
+TEST(YuvToRgb, StaysWithinOneOfTheRealMatrix) {
+    for (int i = 0; i < 4096; i++) {
+        const int y = i * 37 % 256, u = i * 101 % 256, v = i * 59 % 253;
+        const Bytes rgb = convert_one(tavu_csc_yuv444_to_rgb888, {y, u, v}, 400, 3);
+        const double real[] = {y + 1.402 * (v - 128),
+                               y - 0.714136 * (v - 128) - 0.344136 * (u - 128),
+                               y + 1.772 * (u - 128)};
+        for (size_t k = 0; k < 3; k++) {
+            EXPECT_NEAR(rgb[k], std::min(255.0, std::max(0.0, real[k])), 1.01) << y << u << v;
+        }
+    }
+}
+
+TEST(RgbToYuv, KnownColoursAndSaturation) {
+    const struct {
+        Pixel rgb;
+        Bytes yuv;
+    } cases[] = {{{255, 255, 255}, {255, 128, 128}},
+                 {{0, 0, 0}, {0, 128, 128}},
+                 {{255, 0, 0}, {77, 85, 255}},
+                 {{0, 255, 0}, {149, 43, 21}},
+                 // A chroma of 256 is stored as 255.
+                 {{0, 0, 255}, {29, 255, 107}},
+                 {{0, 255, 255}, {178, 171, 1}},
+                 {{255, 255, 0}, {226, 1, 149}}};
+    for (const auto &c : cases) {
+        uint8_t in[3] = {static_cast<uint8_t>(c.rgb[0]), static_cast<uint8_t>(c.rgb[1]),
+                         static_cast<uint8_t>(c.rgb[2])};
+        Bytes out(3);
+        uint8_t *src[4] = {in, in + 1, in + 2}, *dst[4] = {&out[0], &out[1], &out[2]};
+        const int32_t stride[4] = {};
+        tavu_csc_r8g8b8_to_yuv444(src, 1, 1, stride, 0, dst, 0, 0, stride, 13);
+        EXPECT_EQ(out, c.yuv) << c.rgb[0] << ' ' << c.rgb[1] << ' ' << c.rgb[2];
+    }
+}
+
+TEST(RgbToYuv, IsExactOnEveryStepOfEveryChannel) {
+    const auto chroma = [](double t) { return t + 128 > 255 ? 255 : static_cast<int>(t) + 128; };
+    for (int i = 0; i < 256 * 27; i++) {
+        const int value = i % 256, r = i / 256 % 3 ? value : 255, g = i / 768 % 3 ? value / 2 : 200,
+                  b = i / 2304 ? 255 - value : 0;
+        uint8_t in[4] = {static_cast<uint8_t>(r), static_cast<uint8_t>(g), static_cast<uint8_t>(b),
+                         9};
+        Bytes out(4);
+        uint8_t *src[4] = {in, in + 1, in + 2, in + 3},
+                *dst[4] = {&out[0], &out[1], &out[2], &out[3]};
+        const int32_t stride[4] = {};
+        tavu_csc_r8g8b8a8_to_yuv444a8(src, 1, 1, stride, 0, dst, 0, 0, stride, 43);
+        ASSERT_EQ(out[0], std::floor((77 * r + 150 * g + 29 * b + 128) / 256.0));
+        ASSERT_EQ(out[1], chroma(std::floor((-43 * r - 85 * g + 128 * b + 128) / 256.0)));
+        ASSERT_EQ(out[2], chroma(std::floor((128 * r - 107 * g - 21 * b + 128) / 256.0)));
+        ASSERT_EQ(out[3], 9);
+    }
+}
+
+// A picture of `w` x 2 with its own stride for each plane.
+struct Planes {
+    Planes(int w, int step) {
+        for (int p = 0; p < 4; p++) {
+            stride[p] = w * step + 3 + p;
+            bytes[p] = random_bytes(static_cast<size_t>(2 * stride[p]), static_cast<unsigned>(p));
+            at[p] = bytes[p].data();
+        }
+    }
+    int sample(int plane, int x, int y) const {
+        return bytes[plane][static_cast<size_t>(y * stride[plane] + x)];
+    }
+    Bytes bytes[4];
+    uint8_t *at[4];
+    int32_t stride[4];
+};
+
+TEST(RgbToYuv, EveryPlaneHasItsOwnStride) {
+    Planes src(7 * 3, 1), dst(7, 1);
+    tavu_csc_r8g8b8_to_yuv444(src.at, 7, 2, src.stride, 0, dst.at, 0, 0, dst.stride, 13);
+    const Planes untouched(7, 1);
+    for (int y = 0; y < 2; y++) {
+        for (int x = 0; x < dst.stride[0]; x++) {
+            const int r = src.sample(0, 3 * x % 21, y), g = src.sample(1, 3 * x % 21, y),
+                      b = src.sample(2, 3 * x % 21, y);
+            const int luma = (77 * r + 150 * g + 29 * b + 128) >> 8;
+            EXPECT_EQ(dst.sample(0, x, y), x < 7 ? luma : untouched.sample(0, x, y));
+        }
+    }
+    EXPECT_EQ(dst.bytes[3], untouched.bytes[3]);
+}
+
+TEST(ToYuv, CopiesThreePlanesAndAFourthOnlyIfBothSidesHaveIt) {
+    for (int32_t code : {13, 43}) {
+        for (bool alpha : {false, true}) {
+            Planes src(9, 1), dst(9, 2);
+            const Planes before(9, 2);
+            if (!alpha) src.at[3] = nullptr;
+            tavu_csc_yuv444x_to_yuv444x(src.at, 9, 2, src.stride, 43, dst.at, 9, 2, dst.stride,
+                                        code);
+            for (int p = 0; p < 4; p++) {
+                const bool copied = p < 3 || (alpha && code == 43);
+                for (int x = 0; x < dst.stride[p]; x++) {
+                    for (int y = 0; y < 2; y++) {
+                        EXPECT_EQ(dst.sample(p, x, y),
+                                  copied && x < 9 ? src.sample(p, x, y) : before.sample(p, x, y));
+                    }
+                }
+            }
+        }
+    }
+}
+
+// Each 5-6-5 routine against the 8-bit result cut to 5, 6 and 5 bits, and its alpha rule.
+TEST(To565, CutsTheEightBitResult) {
+    enum AlphaRule { NONE, OPAQUE, PLANE };
+    const struct {
+        tavu_fn_csc_t routine;
+        tavu_fn_csc_t eight_bits;  // null: plane 0 is all three
+        AlphaRule alpha;
+        int alpha_step;
+    } cases[] = {{tavu_csc_yuv444_to_rgb565, tavu_csc_yuv444_to_rgb888, NONE, 1},
+                 {tavu_csc_yuv444_to_rgb565a8, tavu_csc_yuv444_to_rgb888, OPAQUE, 1},
+                 {tavu_csc_yuv444a8_to_rgb565a8, tavu_csc_yuv444_to_rgb888, PLANE, 1},
+                 {tavu_csc_yuv444a8_to_rgba5658, tavu_csc_yuv444_to_rgb888, PLANE, 3},
+                 {tavu_csc_r8g8b8_to_rgb565, tavu_csc_r8g8b8_to_rgb888, NONE, 1},
+                 {tavu_csc_x8y8z8_to_xyz565a8, tavu_csc_r8g8b8_to_rgb888, OPAQUE, 1},
+                 {tavu_csc_x8y8z8a8_to_xyz565a8, tavu_csc_r8g8b8_to_rgb888, PLANE, 1},
+                 {tavu_csc_r8g8b8a8_to_rgba5658, nullptr, PLANE, 3}};
+    constexpr int W = 11;
+    for (size_t i = 0; i < std::size(cases); i++) {
+        const auto &c = cases[i];
+        SCOPED_TRACE(i);
+        Planes src(W, 1);
+        if (c.eight_bits == nullptr) src.at[1] = src.at[2] = nullptr;
+        // Rows of units without padding, and of alpha with a stride of their own.
+        GuardedBytes units(2 * 2 * W), alpha(static_cast<size_t>(40 + (W - 1) * c.alpha_step + 1));
+        uint8_t *dst[4] = {units.data(), c.alpha == NONE ? nullptr : alpha.data()};
+        const int32_t dst_stride[4] = {2 * W, 40};
+        c.routine(src.at, W, 2, src.stride, 0, dst, 0, 0, dst_stride, 0);
+        Bytes expected_alpha(alpha.bytes().size(), GuardedBytes::CANARY);
+        for (int y = 0; y < 2; y++) {
+            for (int x = 0; x < W; x++) {
+                const int p0 = src.sample(0, x, y), p1 = src.sample(1, x, y),
+                          p2 = src.sample(2, x, y), a = src.sample(3, x, y);
+                const Bytes rgb = c.eight_bits == nullptr
+                                      ? Bytes(3, static_cast<uint8_t>(p0))
+                                      : convert_one(c.eight_bits, {p0, p1, p2}, 400, 3);
+                const uint8_t *unit = units.data() + 2 * (y * W + x);
+                EXPECT_EQ(unit[0] | unit[1] << 8, rgb[0] / 8 << 11 | rgb[1] / 4 << 5 | rgb[2] / 8);
+                if (c.alpha != NONE) {
+                    expected_alpha[static_cast<size_t>(40 * y + x * c.alpha_step)] =
+                        static_cast<uint8_t>(c.alpha == PLANE ? a : 255);
+                }
+            }
+        }
+        EXPECT_EQ(alpha.bytes(), expected_alpha);
+    }
+}
+
+// The padding of a row of units counts twice.
+TEST(To565, RowsAdvanceByTwiceTheStrideLessTheWidth) {
+    Planes src(5, 1);
+    constexpr int STRIDE = 2 * 5 + 8, ROW_1 = 2 * STRIDE - 2 * 5;
+    Bytes out(ROW_1 + 10, 0xEE), row_1(10);
+    uint8_t *dst[4] = {out.data()};
+    const int32_t dst_stride[4] = {STRIDE};
+    tavu_csc_r8g8b8_to_rgb565(src.at, 5, 2, src.stride, 600, dst, 0, 0, dst_stride, 200);
+    for (int p = 0; p < 3; p++) src.at[p] += src.stride[p];
+    dst[0] = row_1.data();
+    tavu_csc_r8g8b8_to_rgb565(src.at, 5, 1, src.stride, 600, dst, 0, 0, dst_stride, 200);
+    EXPECT_EQ(Bytes(out.begin() + ROW_1, out.end()), row_1);
+    EXPECT_EQ(Bytes(out.begin() + 10, out.begin() + ROW_1), Bytes(ROW_1 - 10, 0xEE));
+}
+
+// The target code chooses order and pointer; other codes than the named ones too.
+TEST(ToPacked, OrderAndPointerFollowTheTargetCode) {
+    const struct {
+        tavu_fn_csc_t routine;
+        int32_t code;
+        bool bgr;
+    } cases[] = {
+        {tavu_csc_r8g8b8_to_rgb888, 400, false},    {tavu_csc_r8g8b8_to_rgb888, 401, true},
+        {tavu_csc_r8g8b8_to_rgb888, 0, true},       {tavu_csc_yuv444_to_rgb888, 401, true},
+        {tavu_csc_yuv444_to_rgb888, 402, false},    {tavu_csc_r8g8b8_to_rgba8888, 500, false},
+        {tavu_csc_r8g8b8_to_rgba8888, 501, true},   {tavu_csc_r8g8b8_to_rgba8888, 502, false},
+        {tavu_csc_r8g8b8a8_to_rgba8888, 501, true}, {tavu_csc_r8g8b8a8_to_rgba8888, 430, false},
+        {tavu_csc_yuv444_to_rgba8888, 501, true},   {tavu_csc_yuv444_to_rgba8888, 503, false},
+        {tavu_csc_yuv444a8_to_rgba8888, 501, true}};
+    for (const auto &c : cases) {
+        uint8_t samples[4] = {100, 100, 200, 7}, first[4] = {}, third[4] = {};
+        uint8_t *src[4] = {samples, samples + 1, samples + 2, samples + 3};
+        uint8_t *dst[4] = {first, nullptr, third, nullptr};
+        const int32_t stride[4] = {};
+        c.routine(src, 1, 1, stride, 0, dst, 0, 0, stride, c.code);
+        const uint8_t *written = c.bgr ? third : first, *other = c.bgr ? first : third;
+        EXPECT_EQ(other[0] | other[1] | other[2], 0) << c.code;
+        // Blue is above red in these planes, and red above blue in this colour.
+        const bool yuv = c.routine == tavu_csc_yuv444_to_rgb888 ||
+                         c.routine == tavu_csc_yuv444_to_rgba8888 ||
+                         c.routine == tavu_csc_yuv444a8_to_rgba8888;
+        EXPECT_EQ(written[0] < written[2], yuv == c.bgr) << c.code;
+    }
+}
+
+TEST(ToPacked, AlphaIsThePlaneOrOpaque) {
+    const Pixel in = {10, 20, 30, 40};
+    EXPECT_EQ(convert_one(tavu_csc_r8g8b8a8_to_rgba8888, in, 500, 4), (Bytes{10, 20, 30, 40}));
+    EXPECT_EQ(convert_one(tavu_csc_r8g8b8a8_to_rgba8888, in, 501, 4), (Bytes{30, 20, 10, 40}));
+    EXPECT_EQ(convert_one(tavu_csc_r8g8b8_to_rgba8888, in, 501, 4), (Bytes{30, 20, 10, 255}));
+    EXPECT_EQ(convert_one(tavu_csc_yuv444a8_to_rgba8888, in, 500, 4)[3], 40);
+    EXPECT_EQ(convert_one(tavu_csc_yuv444_to_rgba8888, in, 500, 4)[3], 255);
+}
+
+TEST(Conversions, WriteNothingForNoWidthOrHeight) {
+    const tavu_fn_csc_t routines[] = {tavu_csc_yuv444_to_rgb888, tavu_csc_r8g8b8a8_to_rgba8888,
+                                      tavu_csc_yuv444a8_to_rgba5658, tavu_csc_r8g8b8a8_to_yuv444a8,
+                                      tavu_csc_yuv444x_to_yuv444x};
+    for (tavu_fn_csc_t routine : routines) {
+        Planes src(4, 4), dst(4, 4);
+        const Planes before(4, 4);
+        for (int n : {0, -1, INT32_MIN}) {
+            routine(src.at, 4, n, src.stride, 0, dst.at, 4, 4, dst.stride, 43);
+            routine(src.at, n == INT32_MIN ? -5 : n, 2, src.stride, 0, dst.at, 4, 4, dst.stride,
+                    43);
+        }
+        for (int p = 0; p < 4; p++) EXPECT_EQ(dst.bytes[p], before.bytes[p]);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,67 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "tavu.h"
+
+namespace {
+
+tavu_fn_csc_t find(int32_t src_cs, int32_t dst_cs, bool resize, int32_t *err) {
+    return tavu_imgp_get_fn_csc(8, 8, src_cs, 8, resize ? 4 : 8, dst_cs, err);
+}
+
+TEST(Lookup, FindsEveryPairThatExistsAndNoOther) {
+    struct {
+        int32_t src, dst;
+        tavu_fn_csc_t same, resize;
+    } const pairs[] = {
+        {600, 400, tavu_csc_r8g8b8_to_rgb888, tavu_csc_rsz_r8g8b8_to_rgb888},
+        {600, 500, tavu_csc_r8g8b8_to_rgba8888, tavu_csc_rsz_r8g8b8_to_rgba8888},
+        {600, 200, tavu_csc_r8g8b8_to_rgb565, nullptr},
+        {600, 650, tavu_csc_x8y8z8_to_xyz565a8, nullptr},
+        {700, 500, tavu_csc_r8g8b8a8_to_rgba8888, tavu_csc_rsz_r8g8b8a8_to_rgba8888},
+        {700, 430, tavu_csc_r8g8b8a8_to_rgba8888, nullptr},
+        {700, 650, tavu_csc_x8y8z8a8_to_xyz565a8, nullptr},
+        {13, 400, tavu_csc_yuv444_to_rgb888, tavu_csc_rsz_yuv444_to_rgb888},
+        {13, 500, tavu_csc_yuv444_to_rgba8888, tavu_csc_rsz_yuv444_to_rgba8888},
+        {13, 200, tavu_csc_yuv444_to_rgb565, nullptr},
+        {13, 650, tavu_csc_yuv444_to_rgb565a8, nullptr},
+        {43, 500, tavu_csc_yuv444a8_to_rgba8888, tavu_csc_rsz_yuv444a8_to_rgba8888},
+        {43, 430, tavu_csc_yuv444a8_to_rgba5658, nullptr},
+        {43, 650, tavu_csc_yuv444a8_to_rgb565a8, nullptr},
+        {13, 13, tavu_csc_yuv444x_to_yuv444x, nullptr},
+        {43, 13, tavu_csc_yuv444x_to_yuv444x, nullptr},
+        {43, 43, tavu_csc_yuv444x_to_yuv444x, nullptr},
+    };
+    const int32_t codes[] = {-1,  0,   10,  11,  13,  43,   99,        100,
+                             199, 200, 201, 400, 401, 430,  500,       501,
+                             600, 650, 700, 799, 800, 1000, INT32_MAX, INT32_MIN};
+    for (int32_t src : codes) {
+        for (int32_t dst : codes) {
+            const auto *pair = std::find_if(std::begin(pairs), std::end(pairs), [&](const auto &p) {
+                return p.src == src && p.dst == dst;
+            });
+            for (bool resize : {false, true}) {
+                const bool known = pair != std::end(pairs);
+                const tavu_fn_csc_t expected = !known   ? nullptr
+                                               : resize ? pair->resize
+                                                        : pair->same;
+                int32_t err = 1;
+                EXPECT_EQ(find(src, dst, resize, &err), expected) << src << " to " << dst;
+                EXPECT_EQ(err, expected != nullptr ? 1 : TAVU_ERR_UNSUPPORTED_CS);
+            }
+        }
+    }
+    EXPECT_EQ(find(13, 14, false, nullptr), nullptr);
+    EXPECT_EQ(tavu_imgp_get_fn_csc(8, 8, 13, 4, 8, 400, nullptr), tavu_csc_rsz_yuv444_to_rgb888);
+}
+
+TEST(Lookup, TablesHoldTheRoutinesThatTheLookupDoesNotReach) {
+    EXPECT_EQ(tavu_tbl_fn_csc_to_yuvplanar[0], tavu_csc_r8g8b8_to_yuv444);
+    EXPECT_EQ(tavu_tbl_fn_csc_to_yuvplanar[3], tavu_csc_r8g8b8a8_to_yuv444a8);
+    EXPECT_EQ(std::count(tavu_tbl_fn_csc_to_yuvplanar, tavu_tbl_fn_csc_to_yuvplanar + 16, nullptr),
+              11);
+    EXPECT_EQ(std::count(tavu_tbl_fn_csc_to_rgb, tavu_tbl_fn_csc_to_rgb + 40, nullptr), 20);
+}
+
+}  // namespace

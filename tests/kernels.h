@@ -1,0 +1,26 @@
+// The table of kernels that have vector forms: their models, the variants that the processor has,
+// and what to feed them. It drives the kernel test and the kernel benchmark.
+#ifndef TAVU_TESTS_KERNELS_H
+#define TAVU_TESTS_KERNELS_H
+
+#include <vector>
+
+#include "tavu.h"
+
+struct CscVariant {
+    const char *level;
+    tavu_fn_csc_t run;
+};
+
+struct CscKernel {
+    const char *name;
+    tavu_fn_csc_t model;
+    std::vector<CscVariant> variants;
+    int src_planes;
+    int dst_bytes;               // per pixel
+    std::vector<int32_t> codes;  // target codes that differ in effect
+};
+
+std::vector<CscKernel> csc_kernels();
+
+#endif

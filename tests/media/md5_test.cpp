@@ -1,0 +1,163 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "memory.h"
+#include "tavu.h"
+
+namespace {
+
+std::string hex(const uint8_t *digest) {
+    std::string text;
+    for (int i = 0; i < 16; i++) {
+        char two[3];
+        snprintf(two, sizeof two, "%02x", digest[i]);
+        text += two;
+    }
+    return text;
+}
+
+// Feeds `data` in pieces of `piece` bytes.
+std::string md5(const void *data, size_t size, size_t piece) {
+    tavu_md5_t context;
+    tavu_md5_init(&context);
+    for (size_t at = 0; at < size; at += piece) {
+        tavu_md5_update(&context, static_cast<const uint8_t *>(data) + at,
+                        static_cast<uint32_t>(std::min(piece, size - at)));
+    }
+    uint8_t digest[16];
+    tavu_md5_finish(&context, digest);
+    return hex(digest);
+}
+
+std::string md5(const std::string &text, size_t piece = 1000) {
+    return md5(text.data(), text.size(), piece);
+}
+
+// RFC 1321, A.5.
+TEST(Md5, KnownDigests) {
+    EXPECT_EQ(md5(""), "d41d8cd98f00b204e9800998ecf8427e");
+    EXPECT_EQ(md5("a"), "0cc175b9c0f1b6a831c399e269772661");
+    EXPECT_EQ(md5("abc"), "900150983cd24fb0d6963f7d28e17f72");
+    EXPECT_EQ(md5("abc", 1), "900150983cd24fb0d6963f7d28e17f72");
+    EXPECT_EQ(md5("message digest"), "f96b697d7cb7938d525a2f31aaf161d0");
+    EXPECT_EQ(
+        md5("12345678901234567890123456789012345678901234567890123456789012345678901234567890"),
+        "57edf4a22be3c955ac49da2e2107b67a");
+    EXPECT_EQ(md5(std::string(1000000, 'a')), "7707d6ae4e027c70eea2a935c2296f21");
+}
+
+// The digest of all digests of the prefixes of a pattern, made by an independent implementation.
+TEST(Md5, EveryLengthUpTo300InPiecesOfAnySizeAndAlignment) {
+    std::string pattern;
+    for (int i = 0; i < 300; i++) pattern += static_cast<char>((i * 7 + 3) % 256);
+    for (size_t piece : {1, 3, 63, 64, 65, 300}) {
+        tavu_md5_t all;
+        tavu_md5_init(&all);
+        for (size_t n = 0; n <= 300; n++) {
+            const Bytes shifted(pattern.begin(), pattern.begin() + static_cast<int>(n));
+            tavu_md5_t one;
+            tavu_md5_init(&one);
+            for (size_t at = 0; at < n; at += piece) {
+                tavu_md5_update(&one, shifted.data() + at,
+                                static_cast<uint32_t>(std::min(piece, n - at)));
+            }
+            uint8_t digest[16];
+            tavu_md5_finish(&one, digest);
+            tavu_md5_update(&all, digest, 16);
+        }
+        uint8_t digest[16];
+        tavu_md5_finish(&all, digest);
+        EXPECT_EQ(hex(digest), "bbc8219ce2f09cb1b1235ce3b7ef018c") << piece;
+    }
+}
+
+TEST(Md5, CountsBitsInTwoWordsAndForgetsEverythingAtTheEnd) {
+    tavu_md5_t context;
+    tavu_md5_init(&context);
+    context.bits[0] = 0xFFFFFE00;
+    const Bytes block(64, 0);
+    tavu_md5_update(&context, block.data(), 64);
+    EXPECT_EQ(context.bits[0], 0U);
+    EXPECT_EQ(context.bits[1], 1U);
+    tavu_md5_update(&context, nullptr, 0);
+    tavu_md5_update(&context, block.data(), 3);
+    EXPECT_EQ(context.bits[0], 24U);
+    uint8_t digest[16];
+    tavu_md5_finish(&context, digest);
+    const tavu_md5_t zero{};
+    EXPECT_EQ(memcmp(&context, &zero, sizeof zero), 0);
+}
+
+struct Picture {
+    explicit Picture(int w, int h, int cs, uint32_t padding) {
+        const uint32_t pad[] = {padding, padding, padding, padding};
+        image = tavu_imgb_create(w, h, cs, 0, nullptr, pad, nullptr, nullptr, nullptr);
+        memset(image->base[0], static_cast<int>(padding), static_cast<size_t>(image->size));
+        for (int p = 0; p < 4 && image->addr[p] != nullptr; p++) {
+            const int rows = image->rows[p] - 2 * static_cast<int>(padding & 0xFFFF);
+            const int bytes = image->stride[p] - 2 * static_cast<int>(padding >> 16);
+            for (int i = 0; i < rows * bytes; i++) {
+                image->addr[p][i / bytes * image->stride[p] + i % bytes] =
+                    static_cast<uint8_t>(i * 11 + p * 50);
+            }
+        }
+    }
+    ~Picture() { image->release(image); }
+    Picture(const Picture &) = delete;
+    Picture &operator=(const Picture &) = delete;
+
+    std::string digest() const {
+        uint8_t out[16];
+        EXPECT_EQ(tavu_md5_imgb(image, out), TAVU_OK);
+        return hex(out);
+    }
+    // The bytes that should be hashed: `rows` rows from `first` on, `bytes` each.
+    std::string region(int plane, int first, int rows, int bytes) const {
+        std::string text;
+        for (int r = first; r < first + rows; r++) {
+            const auto *row = image->addr[plane] + r * image->stride[plane];
+            text.append(row, row + bytes);
+        }
+        return text;
+    }
+    tavu_imgb_t *image;
+};
+
+TEST(Md5Imgb, HashesTheVisiblePictureWhateverTheStride) {
+    const Picture plain(3, 3, 11, 0), padded(3, 3, 11, 5 << 16 | 2);
+    EXPECT_EQ(plain.digest(),
+              md5(plain.region(0, 0, 3, 3) + plain.region(1, 0, 2, 2) + plain.region(2, 0, 2, 2)));
+    EXPECT_EQ(padded.digest(), plain.digest());
+}
+
+TEST(Md5Imgb, TakesChromaAsHalvedInEveryLayout) {
+    const Picture grey(5, 4, 10, 0), full(5, 4, 43, 0);
+    EXPECT_EQ(grey.digest(), md5(grey.region(0, 0, 4, 5)));
+    EXPECT_EQ(full.digest(),
+              md5(full.region(0, 0, 4, 5) + full.region(1, 0, 2, 3) + full.region(2, 0, 2, 3)));
+}
+
+TEST(Md5Imgb, RegionOfInterestStartsLowerAndShortensRows) {
+    const Picture p(9, 8, 11, 0);
+    p.image->x = 3;
+    p.image->y = 5;
+    EXPECT_EQ(p.digest(), md5(p.region(0, 5, 3, 6) + p.region(1, 2, 2, 3) + p.region(2, 2, 2, 3)));
+}
+
+TEST(Md5Imgb, RefusesPackedPictures) {
+    const Picture packed(4, 4, 300, 0);
+    uint8_t digest[16] = {1, 2, 3};
+    EXPECT_EQ(tavu_md5_imgb(packed.image, digest), TAVU_ERR_UNSUPPORTED_CS);
+    packed.image->cs = -1;
+    EXPECT_EQ(tavu_md5_imgb(packed.image, digest), TAVU_ERR_UNSUPPORTED_CS);
+    packed.image->cs = 100;
+    EXPECT_EQ(tavu_md5_imgb(packed.image, digest), TAVU_ERR_UNSUPPORTED_CS);
+    EXPECT_EQ(tavu_md5_imgb(nullptr, digest), TAVU_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(digest[0] + digest[1] + digest[2], 6);
+    packed.image->cs = 99;
+    packed.image->addr[1] = packed.image->addr[2] = packed.image->addr[0];
+    EXPECT_EQ(tavu_md5_imgb(packed.image, digest), TAVU_OK);
+}
+
+}  // namespace

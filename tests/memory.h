@@ -1,0 +1,73 @@
+// Memory for tests: guard pages, canaries, random bytes, allocations that fail.
+#ifndef TAVU_TESTS_MEMORY_H
+#define TAVU_TESTS_MEMORY_H
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <vector>
+
+using Bytes = std::vector<uint8_t>;
+
+inline Bytes random_bytes(size_t size, unsigned seed) {
+    std::mt19937 random(seed);
+    Bytes bytes(size);
+    for (uint8_t &b : bytes) b = static_cast<uint8_t>(random());
+    return bytes;
+}
+
+// `size` bytes that end at an unreadable page, after an unreadable page and a margin of canaries:
+// the sanitizers do not see what vector instructions read beyond a buffer.
+class GuardedBytes {
+  public:
+    explicit GuardedBytes(size_t size) : size_(size) {
+        const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+        mapped_ = (size + MARGIN + page - 1) / page * page + 2 * page;
+        void *map = mmap(nullptr, mapped_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (map == MAP_FAILED) throw std::bad_alloc();
+        map_ = static_cast<uint8_t *>(map);
+        usable_ = map_ + page;
+        end_ = map_ + mapped_ - page;
+        if (mprotect(usable_, mapped_ - 2 * page, PROT_READ | PROT_WRITE) != 0) {
+            throw std::bad_alloc();
+        }
+        memset(usable_, CANARY, static_cast<size_t>(end_ - usable_));
+    }
+    explicit GuardedBytes(const Bytes &content) : GuardedBytes(content.size()) {
+        if (size_ > 0) memcpy(data(), content.data(), size_);
+    }
+    GuardedBytes(const GuardedBytes &) = delete;
+    GuardedBytes &operator=(const GuardedBytes &) = delete;
+    ~GuardedBytes() { munmap(map_, mapped_); }
+
+    uint8_t *data() { return end_ - size_; }
+    Bytes bytes() { return Bytes(data(), end_); }
+    bool front_is_intact() {
+        for (const uint8_t *p = usable_; p < data(); p++) {
+            if (*p != CANARY) return false;
+        }
+        return true;
+    }
+
+    static constexpr uint8_t CANARY = 0xA5;
+
+  private:
+    static constexpr size_t MARGIN = 64;
+    size_t size_, mapped_;
+    uint8_t *map_, *usable_, *end_;
+};
+
+// While alive, allocation number `fail_at` (from 0) by malloc or calloc returns null. Counts them.
+class FailingAllocations {
+  public:
+    explicit FailingAllocations(int fail_at);
+    FailingAllocations(const FailingAllocations &) = delete;
+    FailingAllocations &operator=(const FailingAllocations &) = delete;
+    ~FailingAllocations();
+    int count() const;
+};
+
+#endif
