@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <random>
 #include <string>
 
@@ -11,12 +10,11 @@ namespace {
 
 // A reader over an exact-size heap copy, so that sanitizers see a read past the end.
 struct Reader : tavu_bsr_t {
-    explicit Reader(const Bytes &content) : copy(new uint8_t[content.size()]) {
-        std::copy(content.begin(), content.end(), copy.get());
-        tavu_bsr_init(this, copy.get(), static_cast<int32_t>(content.size()), nullptr);
+    explicit Reader(const Bytes &content) : copy(content) {
+        tavu_bsr_init(this, copy.data(), static_cast<int32_t>(copy.size()), nullptr);
     }
     int position() const { return static_cast<int>(cur - beg) * 8 - leftbits; }
-    std::unique_ptr<uint8_t[]> copy;
+    Bytes copy;
 };
 
 Bytes pack(std::string bits) {

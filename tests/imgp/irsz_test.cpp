@@ -253,8 +253,7 @@ TEST(Irsz, FailingAllocations) {
     {
         FailingAllocations first(0);
         EXPECT_EQ(tavu_irsz_create(&p, &err), nullptr);
-        EXPECT_EQ(tavu_irsz_create(&p, nullptr) == nullptr, false);
-        EXPECT_EQ(first.count(), 3);
+        EXPECT_EQ(first.count(), 1);
     }
     EXPECT_EQ(err, TAVU_IRSZ_ERR_ALLOC);
     // Creation does not check the carried row's memory.
@@ -280,11 +279,22 @@ TEST(Irsz, StepCalculator) {
     }
 }
 
-// The signal's default action ends the process, on every processor alike.
-TEST(IrszDeathTest, ZeroTargetRaisesTheArithmeticSignal) {
+TEST(Irsz, ZeroTargetRaisesTheArithmeticSignal) {
+    static volatile int raised = 0;
+    const auto before = signal(SIGFPE, [](int) { raised = raised + 1; });
     int32_t x = 0, y = 0;
-    EXPECT_EXIT(bilinear_rsz_step_size(4, 4, 0, 4, &x, &y), testing::KilledBySignal(SIGFPE), "");
-    EXPECT_EXIT(bilinear_rsz_step_size(4, 4, 4, 0, &x, &y), testing::KilledBySignal(SIGFPE), "");
+    bilinear_rsz_step_size(4, 4, 0, 4, &x, &y);
+    EXPECT_GT(raised, 0);
+    EXPECT_EQ(y, (3 << 18) / 4 << 3);
+    raised = 0;
+    bilinear_rsz_step_size(4, 4, 4, 0, &x, &y);
+    EXPECT_GT(raised, 0);
+    raised = 0;
+    uint8_t *planes[4] = {};
+    const int32_t stride[4] = {};
+    tavu_csc_rsz_r8g8b8_to_rgb888(planes, 4, 4, stride, 0, planes, 4, 0, stride, 0);
+    EXPECT_GT(raised, 0);
+    signal(SIGFPE, before);
 }
 
 TEST(Irsz, WeightTables) {

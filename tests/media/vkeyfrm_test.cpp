@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <initializer_list>
-#include <memory>
 
 #include "memory.h"
 #include "tavu.h"
@@ -10,9 +9,8 @@ namespace {
 
 // Asks with an exact-size heap copy, so that sanitizers see a read past the end.
 int32_t is_key(int32_t codec, const Bytes &unit) {
-    const std::unique_ptr<uint8_t[]> copy(new uint8_t[unit.size()]);
-    std::copy(unit.begin(), unit.end(), copy.get());
-    return tavu_is_vkeyfrm(codec, copy.get(), static_cast<int32_t>(unit.size()));
+    const Bytes copy(unit);
+    return tavu_is_vkeyfrm(codec, copy.data(), static_cast<int32_t>(copy.size()));
 }
 
 struct Case {
