@@ -567,9 +567,9 @@ TAVU_API tavu_irsz_t *tavu_irsz_create(const tavu_irsz_param *param, int32_t *er
  * source row lies in the next band is written by the next call.
  *
  * Band mode gives the same target as FULL when a band has at least two rows and twice as many rows
- * as a target row stands for (band_h >= 2 * src_h / dst_h, rounded up before doubling); shorter bands
- * may leave rows out or take a wrong upper row. Two formats differ all the same: of a carried row of
- * #TAVU_IRSZ_5B6B5B only the left half is kept and the rest reads as 0, and
+ * as a target row stands for (band_h >= 2 * src_h / dst_h, rounded up before doubling); shorter
+ * bands may leave rows out or take a wrong upper row. Two formats differ all the same: of a carried
+ * row of #TAVU_IRSZ_5B6B5B only the left half is kept and the rest reads as 0, and
  * #TAVU_IRSZ_8B8B8B_5B6B5B packs as its line kernel does.
  * @return 0
  */

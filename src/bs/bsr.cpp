@@ -128,8 +128,8 @@ void tavu_bsr_init(tavu_bsr_t *bs, const void *buf, int32_t size, tavu_bsr_flush
     bs->size = size;
     bs->beg = static_cast<const uint8_t *>(buf);
     bs->cur = bs->beg;
-    bs->end = reinterpret_cast<const uint8_t *>(reinterpret_cast<uintptr_t>(buf) +
-                                                static_cast<uintptr_t>(size) - 1);
+    const uintptr_t last = reinterpret_cast<uintptr_t>(buf) + static_cast<uintptr_t>(size) - 1;
+    bs->end = reinterpret_cast<const uint8_t *>(last);  // NOLINT: an empty buffer may be null
     bs->code = 0;
     bs->leftbits = 0;
     bs->flush = flush != nullptr ? flush : tavu_bsr_flush;

@@ -8,7 +8,7 @@
 
 namespace {
 
-// A reader over an exact-size heap copy, so that sanitizers see a read past the end.
+// A reader over a copy that fills its heap block, so that sanitizers see a read past the end.
 struct Reader : tavu_bsr_t {
     explicit Reader(const Bytes &content) : copy(content) {
         tavu_bsr_init(this, copy.data(), static_cast<int32_t>(copy.size()), nullptr);

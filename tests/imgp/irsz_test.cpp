@@ -304,9 +304,10 @@ TEST(Irsz, WeightTables) {
     EXPECT_EQ(memcmp(tavu_tbl_bilinear_rszw, tavu_irsz_tbl_rsz_weight, 256), 0);
 
     // The resizer reads the writable one.
+    const uint8_t lower_right[4] = {0, 0, 0, 64};
     uint8_t saved[4], in[4] = {10, 20, 30, 40}, out = 0;
     memcpy(saved, tavu_irsz_tbl_rsz_weight, 4);
-    memcpy(tavu_irsz_tbl_rsz_weight, "\0\0\0\x40", 4);
+    memcpy(tavu_irsz_tbl_rsz_weight, lower_right, 4);
     tavu_irsz8b_full(in, 2, 1, 1, 1, &out, 1 << 21, 1 << 21);
     memcpy(tavu_irsz_tbl_rsz_weight, saved, 4);
     EXPECT_EQ(out, 40);

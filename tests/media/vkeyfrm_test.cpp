@@ -7,10 +7,9 @@
 
 namespace {
 
-// Asks with an exact-size heap copy, so that sanitizers see a read past the end.
+// The unit fills its heap block, so that sanitizers see a read past the end.
 int32_t is_key(int32_t codec, const Bytes &unit) {
-    const Bytes copy(unit);
-    return tavu_is_vkeyfrm(codec, copy.data(), static_cast<int32_t>(copy.size()));
+    return tavu_is_vkeyfrm(codec, unit.data(), static_cast<int32_t>(unit.size()));
 }
 
 struct Case {
