@@ -27,31 +27,37 @@ struct RgbBlock {
 TAVU_VEC_INLINE RgbBlock block_to_rgb(FromRgb, U8 r, U8 g, U8 b) { return {r, g, b}; }
 
 TAVU_VEC_INLINE void lanes_to_rgb(I16 y, I16 u, I16 v, I16 *r, I16 *g, I16 *b) {
-    u -= 128;
-    v -= 128;
     *r = y + multiply_round15(v + v, 22976);
     *b = y + multiply_round15(u + u, 29056);
     *g = y - v - round_shift8(u * 88 - v * 73);
 }
 
 TAVU_VEC_INLINE RgbBlock block_to_rgb(FromYuv, U8 y8, U8 u8, U8 v8) {
-    const Wide y = widen(y8), u = widen(u8), v = widen(v8);
+    const Wide y = widen(y8), u = widen_minus(u8, 128), v = widen_minus(v8, 128);
     Wide r, g, b;
     lanes_to_rgb(y.lo, u.lo, v.lo, &r.lo, &g.lo, &b.lo);
     lanes_to_rgb(y.hi, u.hi, v.hi, &r.hi, &g.hi, &b.hi);
     return {narrow(r), narrow(g), narrow(b)};
 }
 
+// A place in a row of the planes and of the target.
+struct Cursor {
+    const uint8_t *c0, *c1, *c2, *c3;
+    uint8_t *out;
+};
+
+// Converts LANES pixels and moves on.
 template <class Format, bool Bgr>
-TAVU_VEC_INLINE void convert_block(const uint8_t *const c[4], int32_t x, uint8_t *out) {
-    const RgbBlock p =
-        block_to_rgb(typename Format::Space{}, load(c[0] + x), load(c[1] + x), load(c[2] + x));
+TAVU_VEC_INLINE void convert_block(Cursor &at) {
+    const U8 c0 = load(at.c0), c1 = load(at.c1), c2 = load(at.c2);
+    const RgbBlock p = block_to_rgb(typename Format::Space{}, c0, c1, c2);
     const U8 first = Bgr ? p.b : p.r, third = Bgr ? p.r : p.b;
     if constexpr (Format::BYTES == 3) {
-        store_interleaved(out + 3 * x, first, p.g, third);
+        store_interleaved(at.out, first, p.g, third);
+    } else if constexpr (Format::ALPHA_PLANE) {
+        store_interleaved(at.out, first, p.g, third, load(at.c3));
     } else {
-        const U8 alpha = Format::ALPHA_PLANE ? load(c[3] + x) : splat(255);
-        store_interleaved(out + 4 * x, first, p.g, third, alpha);
+        store_interleaved(at.out, first, p.g, third, splat(255));
     }
 }
 
@@ -59,8 +65,13 @@ template <class Format, bool Bgr>
 struct BestRow {
     static void convert(const uint8_t *const c[4], uint8_t *out, int32_t width) {
         if (width < LANES) return ModelRow<Format, Bgr>::convert(c, out, width);
-        for (int32_t x = 0; x <= width - LANES; x += LANES) convert_block<Format, Bgr>(c, x, out);
-        if (width % LANES != 0) convert_block<Format, Bgr>(c, width - LANES, out);
+        Cursor at = {c[0], c[1], c[2], c[3], out};
+        for (int32_t n = width / LANES; n > 0; n--) convert_block<Format, Bgr>(at);
+        if (width % LANES == 0) return;
+        const int32_t back = LANES - width % LANES;
+        at = {at.c0 - back, at.c1 - back, at.c2 - back,
+              Format::ALPHA_PLANE ? at.c3 - back : nullptr, at.out - back * Format::BYTES};
+        convert_block<Format, Bgr>(at);
     }
 };
 

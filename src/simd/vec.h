@@ -6,12 +6,15 @@
 //                              so that + - * << >> and scalars on one side work on each lane
 //     Wide                     LANES 16-bit values in two registers, in an order that only widen()
 //                              and narrow() know
-//     load(p), splat(x)        LANES bytes from any address; one byte in every lane
+//     load(p)                  LANES bytes from any address; p moves on behind them
+//     splat(x)                 one byte in every lane
 //     widen(v), narrow(w)      to 16 bits, zero-extended; back, saturated to 0..255
+//     widen_minus(v, x)        v - x in 16 bits
 //     multiply_round15(a, k)   (a * k + 2^14) >> 15 in each lane, without wrapping
 //     round_shift8(a)          (a + 128) >> 8 in each lane; the caller keeps a + 128 within 16 bits
 //     store_interleaved(p, a, b, c[, d])
-//                              a0 b0 c0 [d0] a1 b1 c1 ... to any address, 3 or 4 times LANES bytes
+//                              a0 b0 c0 [d0] a1 b1 c1 ... to any address, 3 or 4 times LANES bytes;
+//                              p moves on behind them
 //
 // TAVU_VEC is 1 where the layer exists; elsewhere kernels are their scalar models. All of it lies
 // in unnamed namespaces: the linker must not merge a body compiled for v3 into a caller compiled

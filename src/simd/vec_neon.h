@@ -14,7 +14,6 @@ struct Wide {
     I16 lo, hi;
 };
 
-TAVU_VEC_INLINE U8 load(const uint8_t *p) { return vld1q_u8(p); }
 TAVU_VEC_INLINE U8 splat(uint8_t x) { return vdupq_n_u8(x); }
 
 TAVU_VEC_INLINE Wide widen(U8 v) {
@@ -22,18 +21,77 @@ TAVU_VEC_INLINE Wide widen(U8 v) {
             vreinterpretq_s16_u16(vmovl_u8(vget_high_u8(v)))};
 }
 
-TAVU_VEC_INLINE U8 narrow(Wide w) { return vcombine_u8(vqmovun_s16(w.lo), vqmovun_s16(w.hi)); }
+TAVU_VEC_INLINE Wide widen_minus(U8 v, uint8_t x) {
+    const uint8x8_t d = vdup_n_u8(x);
+    return {vreinterpretq_s16_u16(vsubl_u8(vget_low_u8(v), d)),
+            vreinterpretq_s16_u16(vsubl_u8(vget_high_u8(v), d))};
+}
 
-TAVU_VEC_INLINE I16 multiply_round15(I16 a, int16_t k) { return vqrdmulhq_n_s16(a, k); }
+TAVU_VEC_INLINE I16 multiply_round15(I16 a, int16_t k) { return vqrdmulhq_s16(a, vdupq_n_s16(k)); }
+
 TAVU_VEC_INLINE I16 round_shift8(I16 a) { return vrshrq_n_s16(a, 8); }
 
-TAVU_VEC_INLINE void store_interleaved(uint8_t *p, U8 a, U8 b, U8 c) {
-    vst3q_u8(p, uint8x16x3_t{{a, b, c}});
+#if defined(__arm__)
+
+// In assembly, for compilers compute addresses anew instead of moving pointers on, join the halves
+// of registers by copies, and lay registers out for the interleaving stores through the stack.
+
+TAVU_VEC_INLINE U8 load(const uint8_t *&p) {
+    U8 v;
+    __asm__("vld1.8 {%e0, %f0}, [%1]!"
+            : "=w"(v), "+r"(p)
+            : "m"(*reinterpret_cast<const uint8_t(*)[LANES]>(p)));
+    return v;
 }
 
-TAVU_VEC_INLINE void store_interleaved(uint8_t *p, U8 a, U8 b, U8 c, U8 d) {
-    vst4q_u8(p, uint8x16x4_t{{a, b, c, d}});
+TAVU_VEC_INLINE U8 narrow(Wide w) {
+    U8 v;
+    __asm__("vqmovun.s16 %e0, %q1\n\tvqmovun.s16 %f0, %q2" : "=&w"(v) : "w"(w.lo), "w"(w.hi));
+    return v;
 }
+
+TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
+    register U8 q0 __asm__("q0") = a;
+    register U8 q1 __asm__("q1") = b;
+    register U8 q2 __asm__("q2") = c;
+    __asm__ volatile("vst3.8 {d0, d2, d4}, [%0]!\n\tvst3.8 {d1, d3, d5}, [%0]!"
+                     : "+r"(p)
+                     : "w"(q0), "w"(q1), "w"(q2)
+                     : "memory");
+}
+
+TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c, U8 d) {
+    register U8 q0 __asm__("q0") = a;
+    register U8 q1 __asm__("q1") = b;
+    register U8 q2 __asm__("q2") = c;
+    register U8 q3 __asm__("q3") = d;
+    __asm__ volatile("vst4.8 {d0, d2, d4, d6}, [%0]!\n\tvst4.8 {d1, d3, d5, d7}, [%0]!"
+                     : "+r"(p)
+                     : "w"(q0), "w"(q1), "w"(q2), "w"(q3)
+                     : "memory");
+}
+
+#else
+
+TAVU_VEC_INLINE U8 load(const uint8_t *&p) {
+    const U8 v = vld1q_u8(p);
+    p += LANES;
+    return v;
+}
+
+TAVU_VEC_INLINE U8 narrow(Wide w) { return vqmovun_high_s16(vqmovun_s16(w.lo), w.hi); }
+
+TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
+    vst3q_u8(p, uint8x16x3_t{{a, b, c}});
+    p += 3 * LANES;
+}
+
+TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c, U8 d) {
+    vst4q_u8(p, uint8x16x4_t{{a, b, c, d}});
+    p += 4 * LANES;
+}
+
+#endif
 
 }  // namespace
 }  // namespace tavu

@@ -32,26 +32,37 @@ TAVU_VEC_INLINE To as(From v) {
 }
 
 #if defined(__AVX2__)
-TAVU_VEC_INLINE U8 load(const uint8_t *p) {
-    return as<U8>(_mm256_loadu_si256(reinterpret_cast<const Register *>(p)));
+TAVU_VEC_INLINE Register load_register(const uint8_t *p) {
+    return _mm256_loadu_si256(reinterpret_cast<const Register *>(p));
 }
-TAVU_VEC_INLINE void store(uint8_t *p, Register v) {
+TAVU_VEC_INLINE void store_register(uint8_t *p, Register v) {
     _mm256_storeu_si256(reinterpret_cast<Register *>(p), v);
 }
 #else
-TAVU_VEC_INLINE U8 load(const uint8_t *p) {
-    return as<U8>(_mm_loadu_si128(reinterpret_cast<const Register *>(p)));
+TAVU_VEC_INLINE Register load_register(const uint8_t *p) {
+    return _mm_loadu_si128(reinterpret_cast<const Register *>(p));
 }
-TAVU_VEC_INLINE void store(uint8_t *p, Register v) {
+TAVU_VEC_INLINE void store_register(uint8_t *p, Register v) {
     _mm_storeu_si128(reinterpret_cast<Register *>(p), v);
 }
 #endif
+
+TAVU_VEC_INLINE U8 load(const uint8_t *&p) {
+    const U8 v = as<U8>(load_register(p));
+    p += LANES;
+    return v;
+}
 
 TAVU_VEC_INLINE U8 splat(uint8_t x) { return U8{} + x; }
 
 TAVU_VEC_INLINE Wide widen(U8 v) {
     const Register zero{}, r = as<Register>(v);
     return {as<I16>(TAVU_MM(unpacklo_epi8)(r, zero)), as<I16>(TAVU_MM(unpackhi_epi8)(r, zero))};
+}
+
+TAVU_VEC_INLINE Wide widen_minus(U8 v, uint8_t x) {
+    const Wide w = widen(v);
+    return {w.lo - x, w.hi - x};
 }
 
 TAVU_VEC_INLINE U8 narrow(Wide w) {
@@ -90,31 +101,32 @@ alignas(32) constexpr Shuffle INTERLEAVE3[3] = {interleave3_shuffle(0), interlea
 constexpr Shuffle EVERY_THIRD_1 = interleave3_mask(1), EVERY_THIRD_2 = interleave3_mask(2);
 
 TAVU_VEC_INLINE Register shuffle(U8 v, const Shuffle &s) {
-    return TAVU_MM(shuffle_epi8)(as<Register>(v), as<Register>(load(s.bytes)));
+    return TAVU_MM(shuffle_epi8)(as<Register>(v), load_register(s.bytes));
 }
 
 // The lanes of x, y and z at positions whose remainder by 3 is 0, 1 and 2.
 TAVU_VEC_INLINE Register every_third(Register x, Register y, Register z) {
-    x = TAVU_MM(blendv_epi8)(x, y, as<Register>(load(EVERY_THIRD_1.bytes)));
-    return TAVU_MM(blendv_epi8)(x, z, as<Register>(load(EVERY_THIRD_2.bytes)));
+    x = TAVU_MM(blendv_epi8)(x, y, load_register(EVERY_THIRD_1.bytes));
+    return TAVU_MM(blendv_epi8)(x, z, load_register(EVERY_THIRD_2.bytes));
 }
 
-TAVU_VEC_INLINE void store_interleaved(uint8_t *p, U8 a, U8 b, U8 c) {
+TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
     const Register x = shuffle(a, INTERLEAVE3[0]), y = shuffle(b, INTERLEAVE3[1]),
                    z = shuffle(c, INTERLEAVE3[2]);
     const Register v0 = every_third(x, y, z), v1 = every_third(y, z, x), v2 = every_third(z, x, y);
 #if defined(__AVX2__)
-    store(p, _mm256_permute2x128_si256(v0, v1, 0x20));
-    store(p + 32, _mm256_blend_epi32(v2, v0, 0xF0));
-    store(p + 64, _mm256_permute2x128_si256(v1, v2, 0x31));
+    store_register(p, _mm256_permute2x128_si256(v0, v1, 0x20));
+    store_register(p + 32, _mm256_blend_epi32(v2, v0, 0xF0));
+    store_register(p + 64, _mm256_permute2x128_si256(v1, v2, 0x31));
 #else
-    store(p, v0);
-    store(p + 16, v1);
-    store(p + 32, v2);
+    store_register(p, v0);
+    store_register(p + 16, v1);
+    store_register(p + 32, v2);
 #endif
+    p += 3 * LANES;
 }
 
-TAVU_VEC_INLINE void store_interleaved(uint8_t *p, U8 a, U8 b, U8 c, U8 d) {
+TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c, U8 d) {
     const Register ra = as<Register>(a), rb = as<Register>(b), rc = as<Register>(c),
                    rd = as<Register>(d);
     const Register ab0 = TAVU_MM(unpacklo_epi8)(ra, rb), ab1 = TAVU_MM(unpackhi_epi8)(ra, rb);
@@ -122,16 +134,17 @@ TAVU_VEC_INLINE void store_interleaved(uint8_t *p, U8 a, U8 b, U8 c, U8 d) {
     const Register v0 = TAVU_MM(unpacklo_epi16)(ab0, cd0), v1 = TAVU_MM(unpackhi_epi16)(ab0, cd0);
     const Register v2 = TAVU_MM(unpacklo_epi16)(ab1, cd1), v3 = TAVU_MM(unpackhi_epi16)(ab1, cd1);
 #if defined(__AVX2__)
-    store(p, _mm256_permute2x128_si256(v0, v1, 0x20));
-    store(p + 32, _mm256_permute2x128_si256(v2, v3, 0x20));
-    store(p + 64, _mm256_permute2x128_si256(v0, v1, 0x31));
-    store(p + 96, _mm256_permute2x128_si256(v2, v3, 0x31));
+    store_register(p, _mm256_permute2x128_si256(v0, v1, 0x20));
+    store_register(p + 32, _mm256_permute2x128_si256(v2, v3, 0x20));
+    store_register(p + 64, _mm256_permute2x128_si256(v0, v1, 0x31));
+    store_register(p + 96, _mm256_permute2x128_si256(v2, v3, 0x31));
 #else
-    store(p, v0);
-    store(p + 16, v1);
-    store(p + 32, v2);
-    store(p + 48, v3);
+    store_register(p, v0);
+    store_register(p + 16, v1);
+    store_register(p + 32, v2);
+    store_register(p + 48, v3);
 #endif
+    p += 4 * LANES;
 }
 
 #undef TAVU_MM
