@@ -4,6 +4,7 @@ set(TAVU_SOURCES
   src/core/alloc.cpp
   src/core/atomic.cpp
   src/core/log2.cpp
+  src/core/records.cpp
   src/core/version.cpp
   src/buf/imgb.cpp
   src/buf/imgb_geometry.cpp

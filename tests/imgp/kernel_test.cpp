@@ -117,21 +117,4 @@ TEST(Kernels, ColourArithmeticIsExact) {
     }
 }
 
-// What callers reach by name, whatever the processor.
-TEST(Kernels, ExportedRoutinesEqualTheirModels) {
-    const tavu_fn_csc_t exported[] = {tavu_csc_yuv444_to_rgb888,     tavu_csc_yuv444_to_rgba8888,
-                                      tavu_csc_yuv444a8_to_rgba8888, tavu_csc_r8g8b8_to_rgb888,
-                                      tavu_csc_r8g8b8_to_rgba8888,   tavu_csc_r8g8b8a8_to_rgba8888};
-    const Shape shape = {77, 2, 80, 320};
-    size_t i = 0;
-    for (const CscKernel &kernel : csc_kernels()) {
-        for (int32_t code : kernel.codes) {
-            EXPECT_EQ(run(kernel, exported[i], shape, code, RANDOM, 0),
-                      run(kernel, kernel.model, shape, code, RANDOM, 0))
-                << kernel.name;
-        }
-        i++;
-    }
-}
-
 }  // namespace

@@ -1,7 +1,7 @@
 // The table of kernels that have vector forms: their models, the variants that the processor has,
 // and what to feed them. It drives the kernel test and the kernel benchmark.
-#ifndef TAVU_TESTS_KERNELS_H
-#define TAVU_TESTS_KERNELS_H
+#ifndef TAVU_BENCH_KERNELS_H
+#define TAVU_BENCH_KERNELS_H
 
 #include <vector>
 
