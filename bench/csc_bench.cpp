@@ -17,10 +17,10 @@ void convert(benchmark::State &state, tavu_fn_csc_t routine, Size size, int byte
     std::vector<uint8_t> planes(4 * pixels), out(4 * pixels);
     for (size_t i = 0; i < planes.size(); i++)
         planes[i] = static_cast<uint8_t>(i * 2654435761U >> 13);
-    uint8_t *src[4], *dst[4] = {out.data(), nullptr, nullptr, nullptr};
+    uint8_t *src[4], *dst[4] = {out.data(), out.data() + 3 * pixels, nullptr, nullptr};
     for (size_t p = 0; p < 4; p++) src[p] = planes.data() + p * pixels;
     const int32_t src_stride[4] = {size.w, size.w, size.w, size.w},
-                  dst_stride[4] = {size.w * bytes};
+                  dst_stride[4] = {size.w * bytes, size.w};
     for (auto _ : state) {
         routine(src, size.w, size.h, src_stride, 13, dst, size.w, size.h, dst_stride, code);
         benchmark::ClobberMemory();

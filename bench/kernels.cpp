@@ -1,15 +1,18 @@
 #include "kernels.h"
 
+#include "imgp/csc_to_565_model.h"
 #include "imgp/csc_to_packed_model.h"
 
 namespace {
 
-template <class Format>
+using namespace tavu;
+
+// A model as an exported routine: its function on the record of arguments.
+template <void (*Convert)(const Csc &)>
 void model(uint8_t *const src[4], int32_t src_w, int32_t src_h, const int32_t src_stride[4],
            int32_t, uint8_t *const dst[4], int32_t dst_w, int32_t dst_h,
            const int32_t dst_stride[4], int32_t dst_cs) {
-    tavu::to_packed<Format>(
-        tavu::Csc{src, src_w, src_h, src_stride, dst, dst_w, dst_h, dst_stride, dst_cs});
+    Convert({src, src_w, src_h, src_stride, dst, dst_w, dst_h, dst_stride, dst_cs});
 }
 
 }  // namespace
@@ -28,6 +31,12 @@ DECLARE(tavu_csc_yuv444a8_to_rgba8888)
 DECLARE(tavu_csc_r8g8b8_to_rgb888)
 DECLARE(tavu_csc_r8g8b8_to_rgba8888)
 DECLARE(tavu_csc_r8g8b8a8_to_rgba8888)
+DECLARE(tavu_csc_yuv444_to_rgb565)
+DECLARE(tavu_csc_yuv444_to_rgb565a8)
+DECLARE(tavu_csc_yuv444a8_to_rgb565a8)
+DECLARE(tavu_csc_r8g8b8_to_rgb565)
+DECLARE(tavu_csc_x8y8z8_to_xyz565a8)
+DECLARE(tavu_csc_x8y8z8a8_to_xyz565a8)
 
 static bool has_v3() { return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2"); }
 #else
@@ -37,24 +46,38 @@ static bool has_v3() { return __builtin_cpu_supports("avx2") && __builtin_cpu_su
 namespace {
 
 template <class Space, int Bytes, bool AlphaPlane = false>
-CscKernel packed(const char *name, Variants variants, int src_planes) {
+CscKernel packed(const char *name, const Variants &variants) {
+    constexpr auto run = model<to_packed<Packed<Space, Bytes, AlphaPlane>>>;
     using Codes = std::vector<int32_t>;
-    return {name,  model<tavu::Packed<Space, Bytes, AlphaPlane>>, variants, src_planes,
-            Bytes, Bytes == 3 ? Codes{400, 401} : Codes{500, 501}};
+    return {name,     run,
+            variants, AlphaPlane ? 4 : 3,
+            Bytes,    Bytes == 3 ? Codes{400, 401} : Codes{500, 501},
+            false};
+}
+
+template <class Space, Alpha alpha = Alpha::NONE>
+CscKernel units(const char *name, const Variants &variants) {
+    constexpr auto run = model<to_565<To565<Space, alpha>>>;
+    return {name, run, variants, alpha == Alpha::PLANE ? 4 : 3, 2, {200}, alpha != Alpha::NONE};
 }
 
 }  // namespace
 
 std::vector<CscKernel> csc_kernels() {
-    using tavu::FromRgb, tavu::FromYuv;
     return {
-        packed<FromYuv, 3>("yuv444_to_rgb888", VARIANTS(tavu_csc_yuv444_to_rgb888), 3),
-        packed<FromYuv, 4>("yuv444_to_rgba8888", VARIANTS(tavu_csc_yuv444_to_rgba8888), 3),
-        packed<FromYuv, 4, true>("yuv444a8_to_rgba8888", VARIANTS(tavu_csc_yuv444a8_to_rgba8888),
-                                 4),
-        packed<FromRgb, 3>("r8g8b8_to_rgb888", VARIANTS(tavu_csc_r8g8b8_to_rgb888), 3),
-        packed<FromRgb, 4>("r8g8b8_to_rgba8888", VARIANTS(tavu_csc_r8g8b8_to_rgba8888), 3),
-        packed<FromRgb, 4, true>("r8g8b8a8_to_rgba8888", VARIANTS(tavu_csc_r8g8b8a8_to_rgba8888),
-                                 4),
+        packed<FromYuv, 3>("yuv444_to_rgb888", VARIANTS(tavu_csc_yuv444_to_rgb888)),
+        packed<FromYuv, 4>("yuv444_to_rgba8888", VARIANTS(tavu_csc_yuv444_to_rgba8888)),
+        packed<FromYuv, 4, true>("yuv444a8_to_rgba8888", VARIANTS(tavu_csc_yuv444a8_to_rgba8888)),
+        packed<FromRgb, 3>("r8g8b8_to_rgb888", VARIANTS(tavu_csc_r8g8b8_to_rgb888)),
+        packed<FromRgb, 4>("r8g8b8_to_rgba8888", VARIANTS(tavu_csc_r8g8b8_to_rgba8888)),
+        packed<FromRgb, 4, true>("r8g8b8a8_to_rgba8888", VARIANTS(tavu_csc_r8g8b8a8_to_rgba8888)),
+        units<FromYuv>("yuv444_to_rgb565", VARIANTS(tavu_csc_yuv444_to_rgb565)),
+        units<FromYuv, Alpha::OPAQUE>("yuv444_to_rgb565a8", VARIANTS(tavu_csc_yuv444_to_rgb565a8)),
+        units<FromYuv, Alpha::PLANE>("yuv444a8_to_rgb565a8",
+                                     VARIANTS(tavu_csc_yuv444a8_to_rgb565a8)),
+        units<FromRgb>("r8g8b8_to_rgb565", VARIANTS(tavu_csc_r8g8b8_to_rgb565)),
+        units<FromRgb, Alpha::OPAQUE>("x8y8z8_to_xyz565a8", VARIANTS(tavu_csc_x8y8z8_to_xyz565a8)),
+        units<FromRgb, Alpha::PLANE>("x8y8z8a8_to_xyz565a8",
+                                     VARIANTS(tavu_csc_x8y8z8a8_to_xyz565a8)),
     };
 }

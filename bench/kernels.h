@@ -19,6 +19,7 @@ struct CscKernel {
     int src_planes;
     int dst_bytes;               // per pixel
     std::vector<int32_t> codes;  // target codes that differ in effect
+    bool alpha_target;           // writes alpha to a second plane
 };
 
 std::vector<CscKernel> csc_kernels();

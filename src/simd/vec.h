@@ -12,8 +12,8 @@
 //     widen_minus(v, x)        v - x in 16 bits
 //     multiply_round15(a, k)   (a * k + 2^14) >> 15 in each lane, without wrapping
 //     round_shift8(a)          (a + 128) >> 8 in each lane; the caller keeps a + 128 within 16 bits
-//     store_interleaved(p, a, b, c[, d])
-//                              a0 b0 c0 [d0] a1 b1 c1 ... to any address, 3 or 4 times LANES bytes;
+//     store_interleaved(p, a, b[, c[, d]])
+//                              a0 b0 [c0 [d0]] a1 b1 ... to any address, 2 to 4 times LANES bytes;
 //                              p moves on behind them
 //
 // TAVU_VEC is 1 where the layer exists; elsewhere kernels are their scalar models. All of it lies

@@ -50,6 +50,12 @@ TAVU_VEC_INLINE U8 narrow(Wide w) {
     return v;
 }
 
+TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b) {
+    register U8 q0 __asm__("q0") = a;
+    register U8 q1 __asm__("q1") = b;
+    __asm__ volatile("vst2.8 {d0, d1, d2, d3}, [%0]!" : "+r"(p) : "w"(q0), "w"(q1) : "memory");
+}
+
 TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
     register U8 q0 __asm__("q0") = a;
     register U8 q1 __asm__("q1") = b;
@@ -80,6 +86,11 @@ TAVU_VEC_INLINE U8 load(const uint8_t *&p) {
 }
 
 TAVU_VEC_INLINE U8 narrow(Wide w) { return vqmovun_high_s16(vqmovun_s16(w.lo), w.hi); }
+
+TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b) {
+    vst2q_u8(p, uint8x16x2_t{{a, b}});
+    p += 2 * LANES;
+}
 
 TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
     vst3q_u8(p, uint8x16x3_t{{a, b, c}});

@@ -75,6 +75,19 @@ TAVU_VEC_INLINE I16 multiply_round15(I16 a, int16_t k) {
 
 TAVU_VEC_INLINE I16 round_shift8(I16 a) { return (a + 128) >> 8; }
 
+TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b) {
+    const Register ra = as<Register>(a), rb = as<Register>(b);
+    const Register v0 = TAVU_MM(unpacklo_epi8)(ra, rb), v1 = TAVU_MM(unpackhi_epi8)(ra, rb);
+#if defined(__AVX2__)
+    store_register(p, _mm256_permute2x128_si256(v0, v1, 0x20));
+    store_register(p + 32, _mm256_permute2x128_si256(v0, v1, 0x31));
+#else
+    store_register(p, v0);
+    store_register(p + 16, v1);
+#endif
+    p += 2 * LANES;
+}
+
 // Of 16 pixels of 3 bytes, byte j of output register k holds channel (j + k) % 3 of pixel
 // (16 k + j) / 3: each position takes each channel once, so one shuffle a channel serves all three.
 struct Shuffle {

@@ -179,6 +179,23 @@ TEST(To565, CutsTheEightBitResult) {
     }
 }
 
+// Where the two streams of 430 overlap, each pixel's unit is written before its alpha.
+TEST(To565, StreamsThatOverlapAreWrittenPixelByPixel) {
+    constexpr int W = 40;
+    Planes src(W, 1);
+    Bytes out(3 * W), expected(3 * W), units(2 * W), alpha(3 * W);
+    uint8_t *together[4] = {out.data(), out.data() + 2}, *apart[4] = {units.data(), alpha.data()};
+    const int32_t stride[4] = {};
+    tavu_csc_yuv444a8_to_rgba5658(src.at, W, 1, src.stride, 43, together, 0, 0, stride, 430);
+    tavu_csc_yuv444a8_to_rgba5658(src.at, W, 1, src.stride, 43, apart, 0, 0, stride, 430);
+    for (size_t x = 0; x < W; x++) {
+        expected[2 * x] = units[2 * x];
+        expected[2 * x + 1] = units[2 * x + 1];
+        expected[3 * x + 2] = alpha[3 * x];
+    }
+    EXPECT_EQ(out, expected);
+}
+
 // The padding of a row of units counts twice.
 TEST(To565, RowsAdvanceByTwiceTheStrideLessTheWidth) {
     Planes src(5, 1);

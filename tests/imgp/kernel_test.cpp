@@ -42,14 +42,23 @@ Bytes run(const CscKernel &kernel, tavu_fn_csc_t routine, const Shape &s, int32_
     GuardedBytes target(
         static_cast<size_t>(s.dst_stride * (s.height - 1) + s.width * kernel.dst_bytes) + slack);
     // B, G, R order goes through the third pointer; the others must not be touched.
-    const bool third = code == 401 || code == 501;
+    const bool third = code == 401 || code == 501, units = code == 200;
+    GuardedBytes alpha(static_cast<size_t>(s.src_stride * (s.height - 1) + s.width) + slack);
     uint8_t *dst[4] = {};
     dst[third ? 2 : 0] = target.data();
-    const int32_t src_stride[4] = {s.src_stride, -1, -1, -1},
-                  dst_stride[4] = {s.dst_stride, -1, -1, -1};
+    if (kernel.alpha_target) dst[1] = alpha.data();
+    // Packed targets take the first source stride for all planes; rows of units lie twice the
+    // stride less twice the width apart.
+    const int32_t other = units ? s.src_stride : -1;
+    const int32_t src_stride[4] = {s.src_stride, other, other, other};
+    const int32_t dst_stride[4] = {units ? s.dst_stride / 2 + s.width : s.dst_stride, other};
     routine(src, s.width, s.height, src_stride, 13, dst, 0, 0, dst_stride, code);
     EXPECT_TRUE(target.front_is_intact());
-    return target.bytes();
+    EXPECT_TRUE(alpha.front_is_intact());
+    Bytes written = target.bytes();
+    const Bytes alpha_written = alpha.bytes();
+    written.insert(written.end(), alpha_written.begin(), alpha_written.end());
+    return written;
 }
 
 void expect_equal_to_model(const CscKernel &kernel, const Shape &shape, int32_t code, int content,

@@ -1,0 +1,40 @@
+#include <cinttypes>
+#include <cstdio>
+#include <iostream>
+
+#include "commands.h"
+#include "decode.h"
+#include "picture.h"
+
+namespace {
+
+std::string digest_text(const tavu_imgb_t &image) {
+    uint8_t digest[16];
+    tavu_md5_imgb(&image, digest);
+    std::string text;
+    for (const uint8_t byte : digest) {
+        char hex[3];
+        std::snprintf(hex, sizeof hex, "%02x", byte);
+        text += hex;
+    }
+    return text;
+}
+
+}  // namespace
+
+void digest(const std::string &input) {
+    Media media(input);
+    const AVStream &stream = media.best_video();
+    std::cout << "# index,time,size,md5\n";
+    int64_t index = 0;
+    decode_video(media, stream, Pick::ALL, [&](const AVFrame &frame) {
+        const ImagePtr image = copy_frame(frame);
+        char head[96];
+        std::snprintf(head, sizeof head, "%" PRId64 ",%.6f,%dx%d,", index,
+                      media.seconds(stream, frame.best_effort_timestamp, index), frame.width,
+                      frame.height);
+        std::cout << head << digest_text(*image) << '\n';
+        index++;
+    });
+    media.throw_faults();
+}

@@ -1,0 +1,63 @@
+#include "label.h"
+
+#include <algorithm>
+#include <cinttypes>
+#include <cmath>
+#include <cstdio>
+
+#include "handles.h"
+
+namespace {
+
+/** Sets the largest font that fits into the box; returns the extents of the text in it. */
+cairo_text_extents_t fit_font(cairo_t *cairo, const char *text, int width, int height) {
+    cairo_text_extents_t extents;
+    double size = 0.8 * height;
+    cairo_set_font_size(cairo, size);
+    cairo_text_extents(cairo, text, &extents);
+    if (extents.width > width) {
+        size *= width / extents.width;
+        cairo_set_font_size(cairo, size);
+        cairo_text_extents(cairo, text, &extents);
+    }
+    return extents;
+}
+
+void draw_text(cairo_surface_t *surface, const char *text, int width, int height) {
+    const CairoPtr cairo(cairo_create(surface));
+    // Cairo's own font looks the same on every machine and needs none installed.
+    cairo_select_font_face(cairo.get(), "@cairo:sans", CAIRO_FONT_SLANT_NORMAL,
+                           CAIRO_FONT_WEIGHT_BOLD);
+    const cairo_text_extents_t extents = fit_font(cairo.get(), text, width, height);
+    cairo_move_to(cairo.get(), std::round((width - extents.width) / 2 - extents.x_bearing),
+                  std::round((height - extents.height) / 2 - extents.y_bearing));
+    cairo_show_text(cairo.get(), text);
+}
+
+}  // namespace
+
+std::string time_text(double seconds) {
+    const int64_t ms = std::llround(std::max(seconds, 0.0) * 1000);
+    const int64_t s = ms / 1000, minutes = s / 60, hours = minutes / 60;
+    char text[64];
+    if (hours == 0) {
+        std::snprintf(text, sizeof text, "%" PRId64 ":%02d.%03d", minutes, int(s % 60),
+                      int(ms % 1000));
+    } else {
+        std::snprintf(text, sizeof text, "%" PRId64 ":%02d:%02d.%03d", hours, int(minutes % 60),
+                      int(s % 60), int(ms % 1000));
+    }
+    return text;
+}
+
+Label draw_label(const std::string &text, int width, int height) {
+    const SurfacePtr surface(cairo_image_surface_create(CAIRO_FORMAT_A8, width, height));
+    draw_text(surface.get(), text.c_str(), width, height);
+    cairo_surface_flush(surface.get());
+    const int stride = cairo_image_surface_get_stride(surface.get());
+    const uint8_t *row = cairo_image_surface_get_data(surface.get());
+    Label label{width, height, {}};
+    for (int y = 0; y < height; y++, row += stride)
+        label.coverage.insert(label.coverage.end(), row, row + width);
+    return label;
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "handles.h"
+
+/** FFmpeg's text for an error code. */
+std::string av_error_text(int code);
+
+/** A media file opened for reading; throws when it cannot be opened. */
+class Media {
+  public:
+    explicit Media(const std::string &path);
+
+    const std::vector<AVStream *> &streams() const { return streams_; }
+
+    /** The stream to decode; throws when there is no video. */
+    AVStream &best_video() const;
+
+    /**
+     * Reads the next packet of any stream known at opening; false at the end. Damage is noted as a
+     * fault, not thrown, so that callers can first show what they got.
+     */
+    bool read(AVPacket &packet);
+
+    void add_fault(const std::string &reason);
+    /** Throws if faults were noted. */
+    void throw_faults() const;
+
+    /** Seconds from the start of the file; unknown timestamps are told by `index`. */
+    double seconds(const AVStream &stream, int64_t timestamp, int64_t index) const;
+
+    AVRational pixel_aspect(const AVStream &stream, const AVFrame &frame) const;
+    /** False for containers whose codec tags are no FourCC and no wave-format tag. */
+    bool has_codec_tags() const;
+    /** The part of the file that is read, 0..1; 0 when unknown. */
+    double progress() const;
+
+  private:
+    FormatPtr context_;
+    std::vector<AVStream *> streams_;
+    std::string first_fault_;
+    int faults_ = 0;
+};

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+/** Name of a TAVU_MT_ constant without the prefix, for example "VID_H264". */
+std::string media_type_name(int32_t media_type);
+
+/** The four characters of a FourCC; bytes that are not printable as \xNN. */
+std::string fourcc_text(uint32_t fourcc);
