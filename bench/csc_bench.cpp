@@ -12,15 +12,23 @@ struct Size {
     int32_t w, h;
 };
 
-void convert(benchmark::State &state, tavu_fn_csc_t routine, Size size, int bytes, int32_t code) {
+void convert(benchmark::State &state, const CscKernel &kernel, tavu_fn_csc_t routine, Size size) {
     const auto pixels = static_cast<size_t>(size.w) * static_cast<size_t>(size.h);
-    std::vector<uint8_t> planes(4 * pixels), out(4 * pixels);
-    for (size_t i = 0; i < planes.size(); i++)
-        planes[i] = static_cast<uint8_t>(i * 2654435761U >> 13);
-    uint8_t *src[4], *dst[4] = {out.data(), out.data() + 3 * pixels, nullptr, nullptr};
-    for (size_t p = 0; p < 4; p++) src[p] = planes.data() + p * pixels;
-    const int32_t src_stride[4] = {size.w, size.w, size.w, size.w},
-                  dst_stride[4] = {size.w * bytes, size.w};
+    std::vector<uint8_t> in(4 * pixels), out(4 * pixels);
+    for (size_t i = 0; i < in.size(); i++) in[i] = static_cast<uint8_t>(i * 2654435761U >> 13);
+    uint8_t *src[4], *dst[4] = {};
+    int32_t src_stride[4], dst_stride[4] = {};
+    for (size_t p = 0; p < 4; p++) {
+        src[p] = in.data() + (kernel.src_step == 1 ? p * pixels : p);
+        src_stride[p] = size.w * kernel.src_step;
+    }
+    size_t at = 0;
+    for (size_t p = 0; p < kernel.dst_bytes.size(); p++) {
+        dst[p] = out.data() + at;
+        dst_stride[p] = size.w * kernel.dst_bytes[p];
+        at += pixels * static_cast<size_t>(kernel.dst_bytes[p]);
+    }
+    const int32_t code = kernel.codes[0];
     for (auto _ : state) {
         routine(src, size.w, size.h, src_stride, 13, dst, size.w, size.h, dst_stride, code);
         benchmark::ClobberMemory();
@@ -31,8 +39,7 @@ void convert(benchmark::State &state, tavu_fn_csc_t routine, Size size, int byte
 void add(const CscKernel &kernel, const std::string &level, tavu_fn_csc_t routine, Size size) {
     const std::string name = "csc_" + std::string(kernel.name) + "/" + std::to_string(size.w) +
                              "x" + std::to_string(size.h) + "/" + level;
-    benchmark::RegisterBenchmark(name.c_str(), convert, routine, size, kernel.dst_bytes,
-                                 kernel.codes[0])
+    benchmark::RegisterBenchmark(name.c_str(), convert, kernel, routine, size)
         ->Unit(benchmark::kMicrosecond);
 }
 

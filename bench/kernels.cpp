@@ -2,6 +2,7 @@
 
 #include "imgp/csc_to_565_model.h"
 #include "imgp/csc_to_packed_model.h"
+#include "imgp/csc_to_yuv_model.h"
 
 namespace {
 
@@ -37,6 +38,8 @@ DECLARE(tavu_csc_yuv444a8_to_rgb565a8)
 DECLARE(tavu_csc_r8g8b8_to_rgb565)
 DECLARE(tavu_csc_x8y8z8_to_xyz565a8)
 DECLARE(tavu_csc_x8y8z8a8_to_xyz565a8)
+DECLARE(tavu_csc_r8g8b8_to_yuv444)
+DECLARE(tavu_csc_r8g8b8a8_to_yuv444a8)
 
 static bool has_v3() { return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2"); }
 #else
@@ -49,16 +52,21 @@ template <class Space, int Bytes, bool AlphaPlane = false>
 CscKernel packed(const char *name, const Variants &variants) {
     constexpr auto run = model<to_packed<Packed<Space, Bytes, AlphaPlane>>>;
     using Codes = std::vector<int32_t>;
-    return {name,     run,
-            variants, AlphaPlane ? 4 : 3,
-            Bytes,    Bytes == 3 ? Codes{400, 401} : Codes{500, 501},
-            false};
+    const Codes codes = Bytes == 3 ? Codes{400, 401} : Codes{500, 501};
+    return {name, run, variants, AlphaPlane ? 4 : 3, 1, {Bytes}, codes};
 }
 
 template <class Space, Alpha alpha = Alpha::NONE>
 CscKernel units(const char *name, const Variants &variants) {
     constexpr auto run = model<to_565<To565<Space, alpha>>>;
-    return {name, run, variants, alpha == Alpha::PLANE ? 4 : 3, 2, {200}, alpha != Alpha::NONE};
+    const auto planes = alpha == Alpha::NONE ? std::vector<int>{2} : std::vector<int>{2, 1};
+    return {name, run, variants, alpha == Alpha::PLANE ? 4 : 3, 1, planes, {200}};
+}
+
+template <int Step>
+CscKernel to_planes(const char *name, const Variants &variants) {
+    constexpr auto run = model<to_yuv<Step>>;
+    return {name, run, variants, Step, Step, std::vector<int>(Step, 1), {13}};
 }
 
 }  // namespace
@@ -79,5 +87,7 @@ std::vector<CscKernel> csc_kernels() {
         units<FromRgb, Alpha::OPAQUE>("x8y8z8_to_xyz565a8", VARIANTS(tavu_csc_x8y8z8_to_xyz565a8)),
         units<FromRgb, Alpha::PLANE>("x8y8z8a8_to_xyz565a8",
                                      VARIANTS(tavu_csc_x8y8z8a8_to_xyz565a8)),
+        to_planes<3>("r8g8b8_to_yuv444", VARIANTS(tavu_csc_r8g8b8_to_yuv444)),
+        to_planes<4>("r8g8b8a8_to_yuv444a8", VARIANTS(tavu_csc_r8g8b8a8_to_yuv444a8)),
     };
 }

@@ -17,9 +17,10 @@ struct CscKernel {
     tavu_fn_csc_t model;
     std::vector<CscVariant> variants;
     int src_planes;
-    int dst_bytes;               // per pixel
+    int src_step;  // bytes from pixel to pixel: 1, or of a packed source whose channels
+                   // are the planes
+    std::vector<int> dst_bytes;  // per pixel, of each target plane
     std::vector<int32_t> codes;  // target codes that differ in effect
-    bool alpha_target;           // writes alpha to a second plane
 };
 
 std::vector<CscKernel> csc_kernels();

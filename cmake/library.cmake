@@ -14,14 +14,14 @@ set(TAVU_SOURCES
   src/media/md5.cpp
   src/imgp/irsz.cpp
   src/imgp/irsz_kernels.cpp
-  src/imgp/csc_to_yuv.cpp
   src/imgp/csc_rsz.cpp
   src/imgp/lookup.cpp)
 
 # Kernels that gain from wider vectors: on x86-64 compiled a second time for level v3.
 set(TAVU_WIDE_SOURCES
   src/imgp/csc_to_565.cpp
-  src/imgp/csc_to_packed.cpp)
+  src/imgp/csc_to_packed.cpp
+  src/imgp/csc_to_yuv.cpp)
 
 function(tavu_objects name)
   add_library(${name} OBJECT ${ARGN})

@@ -427,7 +427,7 @@ TAVU_API int32_t tavu_fcc2mt_drm(uint32_t fcc);
  * Tells whether a coded video access unit is a key frame, from its start codes and first header
  * bits alone.
  *
- * MPEG-4 Part 2: the first VOP (or short-header picture) is intra. H.263: the first picture is
+ * MPEG-4 Visual: the first VOP (or short-header picture) is intra. H.263: the first picture is
  * intra. H.264: an IDR slice comes before any other slice. HEVC: the first NAL unit is an IDR
  * slice; a unit that begins with a parameter set gives 0. WMV1, WMV2, DIV3: the picture type.
  * HuffYUV: always 1. Every other codec: 0. H.264 and HEVC units need start codes, not length

@@ -1,31 +1,89 @@
-// To planar YUV: from packed RGB, and plane copies.
-#include <cstddef>
+// To planar YUV: from packed RGB, LANES pixels at a time, and plane copies.
+//
+// Channels that stand in R, G, B(, A) or B, G, R(, A) order in one packed row take the vector form,
+// all others and rows narrower than a block the scalar one. Reads and writes no byte outside the
+// rows.
+//
+// In unsigned 16-bit lanes, with a narrowing that adds 128, shifts by 8 and saturates to 255:
+//
+//     Y = narrow(77 R + 150 G + 29 B)                        at most 256 * 255
+//     U = narrow(32768 + 128 B - 43 R - 85 G)                between 128 and 65408
+//     V = narrow(32768 + 128 R - 107 G - 21 B)
+//
+// Only 65408 + 128 exceeds 16 bits: the chroma of 256 that is stored as 255.
+#include "imgp/csc_to_yuv_model.h"
+
 #include <cstring>
 
-#include "imgp/color.h"
-#include "imgp/csc.h"
+#include "simd/vec.h"
 
 namespace tavu {
 namespace {
 
-// Source pixels are Step bytes; each channel has its own pointer and stride.
-template <int Step>
-void to_yuv(const Csc &c) {
-    constexpr bool ALPHA = Step == 4;
-    for (int32_t row = 0; row < c.src_h; row++) {
-        const uint8_t *r = c.src_row(0, row), *g = c.src_row(1, row), *b = c.src_row(2, row);
-        const uint8_t *a = ALPHA ? c.src_row(3, row) : nullptr;
-        uint8_t *y = c.dst_row(0, row), *u = c.dst_row(1, row), *v = c.dst_row(2, row);
-        uint8_t *alpha = ALPHA ? c.dst_row(3, row) : nullptr;
-        for (int32_t x = 0; x < c.src_w; x++) {
-            const Yuv p = rgb_to_yuv(r[x * Step], g[x * Step], b[x * Step]);
-            y[x] = p.y;
-            u[x] = p.u;
-            v[x] = p.v;
-            if constexpr (ALPHA) alpha[x] = a[x * Step];
-        }
-    }
+#if TAVU_VEC
+
+TAVU_VEC_INLINE void lanes_to_yuv(U16 r, U16 g, U16 b, U16 *y, U16 *u, U16 *v) {
+    *y = r * 77 + g * 150 + b * 29;
+    *u = 32768 + (b << 7) - r * 43 - g * 85;
+    *v = 32768 + (r << 7) - g * 107 - b * 21;
 }
+
+TAVU_VEC_INLINE void store_yuv(U8 r8, U8 g8, U8 b8, YuvLine &at) {
+    const UWide r = widen_unsigned(r8), g = widen_unsigned(g8), b = widen_unsigned(b8);
+    UWide y, u, v;
+    lanes_to_yuv(r.lo, g.lo, b.lo, &y.lo, &u.lo, &v.lo);
+    lanes_to_yuv(r.hi, g.hi, b.hi, &y.hi, &u.hi, &v.hi);
+    store(at.out[0], round_narrow8(y));
+    store(at.out[1], round_narrow8(u));
+    store(at.out[2], round_narrow8(v));
+}
+
+// Converts LANES pixels from `in` and moves on.
+template <int Step, bool Bgr>
+TAVU_VEC_INLINE void convert_block(const uint8_t *&in, YuvLine &at) {
+    U8 c[4];
+    if constexpr (Step == 3) {
+        load_interleaved(in, &c[0], &c[1], &c[2]);
+    } else {
+        load_interleaved(in, &c[0], &c[1], &c[2], &c[3]);
+        store(at.out[3], c[3]);
+    }
+    store_yuv(Bgr ? c[2] : c[0], c[1], Bgr ? c[0] : c[2], at);
+}
+
+template <int Step, bool Bgr>
+void convert_row(YuvLine at, int32_t width) {
+    const uint8_t *in = at.in[Bgr ? 2 : 0];
+    for (int32_t n = width / LANES; n > 0; n--) convert_block<Step, Bgr>(in, at);
+    if (width % LANES == 0) return;
+    const int32_t back = LANES - width % LANES;
+    in -= back * Step;
+    for (int p = 0; p < Step; p++) at.out[p] -= back;
+    convert_block<Step, Bgr>(in, at);
+}
+
+// Whether the channels stand behind each other from `first` on.
+template <int Step>
+bool is_packed(const YuvLine &at, int first) {
+    return at.in[1] == at.in[first] + 1 && at.in[2 - first] == at.in[first] + 2 &&
+           (Step == 3 || at.in[3] == at.in[first] + 3);
+}
+
+template <int Step>
+struct BestYuvRow {
+    static void convert(const YuvLine &at, int32_t width) {
+        if (width >= LANES && is_packed<Step>(at, 0)) return convert_row<Step, false>(at, width);
+        if (width >= LANES && is_packed<Step>(at, 2)) return convert_row<Step, true>(at, width);
+        ModelYuvRow<Step>::convert(at, width);
+    }
+};
+
+#else
+
+template <int Step>
+using BestYuvRow = ModelYuvRow<Step>;
+
+#endif
 
 void copy_plane(const Csc &c, int plane) {
     if (c.src_w < 1) return;
@@ -44,6 +102,6 @@ void copy_planes(const Csc &c) {
 
 using namespace tavu;
 
-TAVU_CSC(tavu_csc_r8g8b8_to_yuv444, to_yuv<3>)
-TAVU_CSC(tavu_csc_r8g8b8a8_to_yuv444a8, to_yuv<4>)
+TAVU_CSC(tavu_csc_r8g8b8_to_yuv444, to_yuv<3, BestYuvRow>)
+TAVU_CSC(tavu_csc_r8g8b8a8_to_yuv444a8, to_yuv<4, BestYuvRow>)
 TAVU_CSC(tavu_csc_yuv444x_to_yuv444x, copy_planes)

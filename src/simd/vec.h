@@ -1,20 +1,24 @@
 // The vector layer: one register of bytes and the operations that the kernels are written in.
 //
-//     LANES                    bytes in a register: 16 (NEON, x86-64-v2) or 32 (x86-64-v3)
-//     U8, I16                  a register of unsigned bytes, of signed 16-bit lanes; GNU vector
-//     types,
-//                              so that + - * << >> and scalars on one side work on each lane
-//     Wide                     LANES 16-bit values in two registers, in an order that only widen()
-//                              and narrow() know
-//     load(p)                  LANES bytes from any address; p moves on behind them
-//     splat(x)                 one byte in every lane
-//     widen(v), narrow(w)      to 16 bits, zero-extended; back, saturated to 0..255
-//     widen_minus(v, x)        v - x in 16 bits
-//     multiply_round15(a, k)   (a * k + 2^14) >> 15 in each lane, without wrapping
-//     round_shift8(a)          (a + 128) >> 8 in each lane; the caller keeps a + 128 within 16 bits
+//     LANES                  bytes in a register: 16 (NEON, x86-64-v2) or 32 (x86-64-v3)
+//     U8, I16, U16           a register of unsigned bytes, of 16-bit lanes; GNU vector types, so
+//     that
+//                            + - * << >> and scalars on one side work on each lane
+//     Wide, UWide            LANES 16-bit values in two registers, in an order that only widening
+//                            and narrowing know
+//     load(p), store(p, v)   LANES bytes from or to any address; p moves on behind them
+//     splat(x)               one byte in every lane
+//     widen(v)               to signed 16 bits, zero-extended
+//     widen_unsigned(v)      to unsigned 16 bits
+//     widen_minus(v, x)      v - x in signed 16 bits
+//     narrow(w)              to bytes, saturated to 0..255
+//     round_narrow8(w)       (w + 128) >> 8 in each unsigned lane, without wrapping, saturated to
+//     255 round_shift8(a)        (a + 128) >> 8 in each lane; the caller keeps a + 128 within 16
+//     bits multiply_round15(a, k) (a * k + 2^14) >> 15 in each lane, without wrapping
 //     store_interleaved(p, a, b[, c[, d]])
-//                              a0 b0 [c0 [d0]] a1 b1 ... to any address, 2 to 4 times LANES bytes;
-//                              p moves on behind them
+//                            a0 b0 [c0 [d0]] a1 b1 ... to any address; p moves on behind them
+//     load_interleaved(p, &a, &b, &c[, &d])
+//                            the reverse, of 3 or 4
 //
 // TAVU_VEC is 1 where the layer exists; elsewhere kernels are their scalar models. All of it lies
 // in unnamed namespaces: the linker must not merge a body compiled for v3 into a caller compiled

@@ -10,8 +10,12 @@ namespace {
 constexpr int LANES = 16;
 using U8 = uint8x16_t;
 using I16 = int16x8_t;
+using U16 = uint16x8_t;
 struct Wide {
     I16 lo, hi;
+};
+struct UWide {
+    U16 lo, hi;
 };
 
 TAVU_VEC_INLINE U8 splat(uint8_t x) { return vdupq_n_u8(x); }
@@ -19,6 +23,10 @@ TAVU_VEC_INLINE U8 splat(uint8_t x) { return vdupq_n_u8(x); }
 TAVU_VEC_INLINE Wide widen(U8 v) {
     return {vreinterpretq_s16_u16(vmovl_u8(vget_low_u8(v))),
             vreinterpretq_s16_u16(vmovl_u8(vget_high_u8(v)))};
+}
+
+TAVU_VEC_INLINE UWide widen_unsigned(U8 v) {
+    return {vmovl_u8(vget_low_u8(v)), vmovl_u8(vget_high_u8(v))};
 }
 
 TAVU_VEC_INLINE Wide widen_minus(U8 v, uint8_t x) {
@@ -48,6 +56,39 @@ TAVU_VEC_INLINE U8 narrow(Wide w) {
     U8 v;
     __asm__("vqmovun.s16 %e0, %q1\n\tvqmovun.s16 %f0, %q2" : "=&w"(v) : "w"(w.lo), "w"(w.hi));
     return v;
+}
+
+TAVU_VEC_INLINE U8 round_narrow8(UWide w) {
+    U8 v;
+    __asm__("vqrshrn.u16 %e0, %q1, #8\n\tvqrshrn.u16 %f0, %q2, #8"
+            : "=&w"(v)
+            : "w"(w.lo), "w"(w.hi));
+    return v;
+}
+
+TAVU_VEC_INLINE void store(uint8_t *&p, U8 v) {
+    __asm__ volatile("vst1.8 {%e1, %f1}, [%0]!" : "+r"(p) : "w"(v) : "memory");
+}
+
+TAVU_VEC_INLINE void load_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c) {
+    register U8 q0 __asm__("q0");
+    register U8 q1 __asm__("q1");
+    register U8 q2 __asm__("q2");
+    __asm__("vld3.8 {d0, d2, d4}, [%3]!\n\tvld3.8 {d1, d3, d5}, [%3]!"
+            : "=w"(q0), "=w"(q1), "=w"(q2), "+r"(p)
+            : "m"(*reinterpret_cast<const uint8_t(*)[3 * LANES]>(p)));
+    *a = q0, *b = q1, *c = q2;
+}
+
+TAVU_VEC_INLINE void load_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c, U8 *d) {
+    register U8 q0 __asm__("q0");
+    register U8 q1 __asm__("q1");
+    register U8 q2 __asm__("q2");
+    register U8 q3 __asm__("q3");
+    __asm__("vld4.8 {d0, d2, d4, d6}, [%4]!\n\tvld4.8 {d1, d3, d5, d7}, [%4]!"
+            : "=w"(q0), "=w"(q1), "=w"(q2), "=w"(q3), "+r"(p)
+            : "m"(*reinterpret_cast<const uint8_t(*)[4 * LANES]>(p)));
+    *a = q0, *b = q1, *c = q2, *d = q3;
 }
 
 TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b) {
@@ -86,6 +127,27 @@ TAVU_VEC_INLINE U8 load(const uint8_t *&p) {
 }
 
 TAVU_VEC_INLINE U8 narrow(Wide w) { return vqmovun_high_s16(vqmovun_s16(w.lo), w.hi); }
+
+TAVU_VEC_INLINE U8 round_narrow8(UWide w) {
+    return vqrshrn_high_n_u16(vqrshrn_n_u16(w.lo, 8), w.hi, 8);
+}
+
+TAVU_VEC_INLINE void store(uint8_t *&p, U8 v) {
+    vst1q_u8(p, v);
+    p += LANES;
+}
+
+TAVU_VEC_INLINE void load_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c) {
+    const uint8x16x3_t v = vld3q_u8(p);
+    *a = v.val[0], *b = v.val[1], *c = v.val[2];
+    p += 3 * LANES;
+}
+
+TAVU_VEC_INLINE void load_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c, U8 *d) {
+    const uint8x16x4_t v = vld4q_u8(p);
+    *a = v.val[0], *b = v.val[1], *c = v.val[2], *d = v.val[3];
+    p += 4 * LANES;
+}
 
 TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b) {
     vst2q_u8(p, uint8x16x2_t{{a, b}});

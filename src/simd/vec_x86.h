@@ -22,8 +22,12 @@ using Register = __m128i;
 
 using U8 = uint8_t __attribute__((vector_size(LANES)));
 using I16 = int16_t __attribute__((vector_size(LANES)));
+using U16 = uint16_t __attribute__((vector_size(LANES)));
 struct Wide {
     I16 lo, hi;
+};
+struct UWide {
+    U16 lo, hi;
 };
 
 template <class To, class From>
@@ -53,11 +57,21 @@ TAVU_VEC_INLINE U8 load(const uint8_t *&p) {
     return v;
 }
 
+TAVU_VEC_INLINE void store(uint8_t *&p, U8 v) {
+    store_register(p, as<Register>(v));
+    p += LANES;
+}
+
 TAVU_VEC_INLINE U8 splat(uint8_t x) { return U8{} + x; }
 
 TAVU_VEC_INLINE Wide widen(U8 v) {
     const Register zero{}, r = as<Register>(v);
     return {as<I16>(TAVU_MM(unpacklo_epi8)(r, zero)), as<I16>(TAVU_MM(unpackhi_epi8)(r, zero))};
+}
+
+TAVU_VEC_INLINE UWide widen_unsigned(U8 v) {
+    const Wide w = widen(v);
+    return {as<U16>(w.lo), as<U16>(w.hi)};
 }
 
 TAVU_VEC_INLINE Wide widen_minus(U8 v, uint8_t x) {
@@ -71,6 +85,13 @@ TAVU_VEC_INLINE U8 narrow(Wide w) {
 
 TAVU_VEC_INLINE I16 multiply_round15(I16 a, int16_t k) {
     return as<I16>(TAVU_MM(mulhrs_epi16)(as<Register>(a), as<Register>(I16{} + k)));
+}
+
+TAVU_VEC_INLINE U8 round_narrow8(UWide w) {
+    const Register half = as<Register>(U16{} + 128);
+    const U16 lo = as<U16>(TAVU_MM(adds_epu16)(as<Register>(w.lo), half)) >> 8;
+    const U16 hi = as<U16>(TAVU_MM(adds_epu16)(as<Register>(w.hi), half)) >> 8;
+    return narrow({as<I16>(lo), as<I16>(hi)});
 }
 
 TAVU_VEC_INLINE I16 round_shift8(I16 a) { return (a + 128) >> 8; }
@@ -109,12 +130,21 @@ constexpr Shuffle interleave3_mask(int remainder) {
     return s;
 }
 
-alignas(32) constexpr Shuffle INTERLEAVE3[3] = {interleave3_shuffle(0), interleave3_shuffle(1),
-                                                interleave3_shuffle(2)};
+// The reverse: where pixel j % 16 of the channel stands.
+constexpr Shuffle deinterleave3_shuffle(int channel) {
+    Shuffle s{};
+    for (int j = 0; j < 32; j++) s.bytes[j] = static_cast<uint8_t>((3 * (j % 16) + channel) % 16);
+    return s;
+}
+
+constexpr Shuffle DEINTERLEAVE3[3] = {deinterleave3_shuffle(0), deinterleave3_shuffle(1),
+                                      deinterleave3_shuffle(2)};
+constexpr Shuffle INTERLEAVE3[3] = {interleave3_shuffle(0), interleave3_shuffle(1),
+                                    interleave3_shuffle(2)};
 constexpr Shuffle EVERY_THIRD_1 = interleave3_mask(1), EVERY_THIRD_2 = interleave3_mask(2);
 
-TAVU_VEC_INLINE Register shuffle(U8 v, const Shuffle &s) {
-    return TAVU_MM(shuffle_epi8)(as<Register>(v), load_register(s.bytes));
+TAVU_VEC_INLINE Register shuffle(Register v, const Shuffle &s) {
+    return TAVU_MM(shuffle_epi8)(v, load_register(s.bytes));
 }
 
 // The lanes of x, y and z at positions whose remainder by 3 is 0, 1 and 2.
@@ -124,8 +154,9 @@ TAVU_VEC_INLINE Register every_third(Register x, Register y, Register z) {
 }
 
 TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
-    const Register x = shuffle(a, INTERLEAVE3[0]), y = shuffle(b, INTERLEAVE3[1]),
-                   z = shuffle(c, INTERLEAVE3[2]);
+    const Register x = shuffle(as<Register>(a), INTERLEAVE3[0]),
+                   y = shuffle(as<Register>(b), INTERLEAVE3[1]),
+                   z = shuffle(as<Register>(c), INTERLEAVE3[2]);
     const Register v0 = every_third(x, y, z), v1 = every_third(y, z, x), v2 = every_third(z, x, y);
 #if defined(__AVX2__)
     store_register(p, _mm256_permute2x128_si256(v0, v1, 0x20));
@@ -157,6 +188,53 @@ TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c, U8 d) {
     store_register(p + 32, v2);
     store_register(p + 48, v3);
 #endif
+    p += 4 * LANES;
+}
+
+TAVU_VEC_INLINE void load_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c) {
+    const Register r0 = load_register(p), r1 = load_register(p + LANES),
+                   r2 = load_register(p + 2 * LANES);
+#if defined(__AVX2__)
+    const Register v0 = _mm256_blend_epi32(r0, r1, 0xF0),
+                   v1 = _mm256_permute2x128_si256(r0, r2, 0x21),
+                   v2 = _mm256_blend_epi32(r1, r2, 0xF0);
+#else
+    const Register v0 = r0, v1 = r1, v2 = r2;
+#endif
+    *a = as<U8>(shuffle(every_third(v0, v2, v1), DEINTERLEAVE3[0]));
+    *b = as<U8>(shuffle(every_third(v1, v0, v2), DEINTERLEAVE3[1]));
+    *c = as<U8>(shuffle(every_third(v2, v1, v0), DEINTERLEAVE3[2]));
+    p += 3 * LANES;
+}
+
+// Four pixels of four bytes to four bytes of each channel.
+constexpr Shuffle deinterleave4_shuffle() {
+    Shuffle s{};
+    for (int j = 0; j < 32; j++) s.bytes[j] = static_cast<uint8_t>(j % 4 * 4 + j % 16 / 4);
+    return s;
+}
+
+constexpr Shuffle DEINTERLEAVE4 = deinterleave4_shuffle();
+
+TAVU_VEC_INLINE void load_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c, U8 *d) {
+    Register v[4];
+    for (int i = 0; i < 4; i++) v[i] = load_register(p + i * LANES);
+#if defined(__AVX2__)
+    const Register r0 = v[0], r1 = v[1];
+    v[0] = _mm256_permute2x128_si256(r0, v[2], 0x20);
+    v[1] = _mm256_permute2x128_si256(r0, v[2], 0x31);
+    v[2] = _mm256_permute2x128_si256(r1, v[3], 0x20);
+    v[3] = _mm256_permute2x128_si256(r1, v[3], 0x31);
+#endif
+    for (Register &r : v) r = shuffle(r, DEINTERLEAVE4);
+    const Register ab0 = TAVU_MM(unpacklo_epi32)(v[0], v[1]),
+                   cd0 = TAVU_MM(unpackhi_epi32)(v[0], v[1]),
+                   ab1 = TAVU_MM(unpacklo_epi32)(v[2], v[3]),
+                   cd1 = TAVU_MM(unpackhi_epi32)(v[2], v[3]);
+    *a = as<U8>(TAVU_MM(unpacklo_epi64)(ab0, ab1));
+    *b = as<U8>(TAVU_MM(unpackhi_epi64)(ab0, ab1));
+    *c = as<U8>(TAVU_MM(unpacklo_epi64)(cd0, cd1));
+    *d = as<U8>(TAVU_MM(unpackhi_epi64)(cd0, cd1));
     p += 4 * LANES;
 }
 
