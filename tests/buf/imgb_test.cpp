@@ -172,48 +172,36 @@ TEST_F(Imgb, OptionTakesItsGeometryFromTheCaller) {
 }
 
 TEST_F(Imgb, RefusesWhatItCannotHold) {
-    const uint32_t not_power[] = {pair(3, 1)}, none[] = {pair(0, 1)}, tall[] = {pair(1, 6)};
-    const uint32_t wide_pad[] = {pair(65535, 65535)};
-    struct {
-        int32_t w, h, cs;
-        const uint32_t *align, *pad;
-        int32_t status;
-    } const cases[] = {
-        {5, 3, 9, nullptr, nullptr, TAVU_ERR_UNSUPPORTED_CS},
-        {5, 3, 14, nullptr, nullptr, TAVU_ERR_UNSUPPORTED_CS},
-        {5, 3, 99, nullptr, nullptr, TAVU_ERR_UNSUPPORTED_CS},
-        {5, 3, 600, nullptr, nullptr, TAVU_ERR_UNSUPPORTED_CS},
-        {5, 3, -1, nullptr, nullptr, TAVU_ERR_UNSUPPORTED_CS},
-        {-1, 3, 10, nullptr, nullptr, TAVU_ERR_INVALID_ARGUMENT},
-        {5, -1, 10, nullptr, nullptr, TAVU_ERR_INVALID_ARGUMENT},
-        {INT32_MAX, 2, 10, nullptr, nullptr, TAVU_ERR_INVALID_ARGUMENT},
-        {0x20000000, 1, 500, nullptr, nullptr, TAVU_ERR_INVALID_ARGUMENT},
-        {65536, 65536, 10, nullptr, nullptr, TAVU_ERR_INVALID_ARGUMENT},
-        {40000, 40000, 11, nullptr, nullptr, TAVU_ERR_INVALID_ARGUMENT},
-        {INT32_MAX, INT32_MAX, 500, nullptr, nullptr, TAVU_ERR_INVALID_ARGUMENT},
-        {1, 1, 300, nullptr, wide_pad, TAVU_ERR_INVALID_ARGUMENT},
-        {1, INT32_MAX, 10, nullptr, wide_pad, TAVU_ERR_INVALID_ARGUMENT},
-        {5, 3, 10, not_power, nullptr, TAVU_ERR_INVALID_ARGUMENT},
-        {5, 3, 10, none, nullptr, TAVU_ERR_INVALID_ARGUMENT},
-        {5, 3, 10, tall, nullptr, TAVU_ERR_INVALID_ARGUMENT},
+    const auto status = [](int32_t w, int32_t h, int32_t cs, uint32_t align = pair(1, 1),
+                           uint32_t pad = 0, tavu_imgb_free_fn free_fn = release) {
+        const uint32_t aligns[] = {align, align, align}, pads[] = {pad, pad, pad};
+        int32_t code = 1;
+        EXPECT_EQ(tavu_imgb_create(w, h, cs, 0, aligns, pads, allocate, free_fn, &code), nullptr);
+        return code;
     };
-    for (const auto &c : cases) {
-        int32_t status = 1;
-        EXPECT_EQ(tavu_imgb_create(c.w, c.h, c.cs, 0, c.align, c.pad, allocate, release, &status),
-                  nullptr);
-        EXPECT_EQ(status, c.status) << c.w << 'x' << c.h << ' ' << c.cs;
+    for (int32_t cs : {-1, 0, 9, 14, 17, 19, 42, 44, 99, 600, 650, INT32_MAX}) {
+        EXPECT_EQ(status(5, 3, cs), TAVU_ERR_UNSUPPORTED_CS) << cs;
     }
+    constexpr int32_t BIG = INT32_MAX, INVALID = TAVU_ERR_INVALID_ARGUMENT;
+    EXPECT_EQ(status(-1, 3, 10), INVALID);
+    EXPECT_EQ(status(5, -1, 10), INVALID);
+    EXPECT_EQ(status(BIG, 2, 10), INVALID);
+    EXPECT_EQ(status(0x20000000, 1, 500), INVALID);
+    EXPECT_EQ(status(65536, 65536, 10), INVALID);
+    EXPECT_EQ(status(BIG, BIG, 500), INVALID);
+    EXPECT_EQ(status(40000, 40000, 11), INVALID);
+    EXPECT_EQ(status(1, 1, 300, pair(1, 1), pair(65535, 65535)), INVALID);
+    EXPECT_EQ(status(1, BIG, 10, pair(1, 1), pair(65535, 65535)), INVALID);
+    for (uint32_t align : {pair(3, 1), pair(0, 1), pair(1, 6), pair(1, 0)}) {
+        EXPECT_EQ(status(5, 3, 10, align), INVALID) << align;
+    }
+    EXPECT_EQ(status(5, 3, 10, pair(1, 1), 0, nullptr), INVALID);
     EXPECT_EQ(memory.allocated, 0);
-    int32_t status = 1;
-    EXPECT_EQ(tavu_imgb_create(5, 3, 10, 0, nullptr, nullptr, allocate, nullptr, &status), nullptr);
-    EXPECT_EQ(status, TAVU_ERR_INVALID_ARGUMENT);
 
     // The largest picture reaches the allocator with its size in one piece.
     memory.fail = true;
-    EXPECT_EQ(tavu_imgb_create(INT32_MAX, 1, 10, 0, nullptr, nullptr, allocate, release, &status),
-              nullptr);
-    EXPECT_EQ(memory.size, INT32_MAX);
-    EXPECT_EQ(status, TAVU_ERR_BUFFER_ALLOC);
+    EXPECT_EQ(status(BIG, 1, 10), TAVU_ERR_BUFFER_ALLOC);
+    EXPECT_EQ(memory.size, BIG);
     EXPECT_EQ(memory.freed, 0);
 }
 
