@@ -74,5 +74,5 @@ add_library(tavu_static STATIC ${objects})
 set_target_properties(tavu_static PROPERTIES OUTPUT_NAME tavu)
 
 foreach(library tavu tavu_static)
-  target_include_directories(${library} PUBLIC include)
+  target_include_directories(${library} PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>)
 endforeach()

@@ -112,31 +112,23 @@ TEST(Bsr, ExpGolombCodesOfAllLengthsAtAllPositions) {
 
 TEST(Bsr, TruncatedExpGolombOfSmallRanges) {
     Reader r({0x40});
-    EXPECT_EQ(tavu_bsr_read_te(&r, 0), 0);
-    EXPECT_EQ(tavu_bsr_read_te(&r, -1), 0);
-    EXPECT_EQ(r.position(), 0);
+    EXPECT_EQ(tavu_bsr_read_te(&r, 0) | tavu_bsr_read_te(&r, -1) | r.position(), 0);
     EXPECT_EQ(tavu_bsr_read_te(&r, 1), 1);
     EXPECT_EQ(tavu_bsr_read_te(&r, 1), 0);
     EXPECT_EQ(r.position(), 2);
-    Reader empty({});
-    EXPECT_EQ(tavu_bsr_read_te(&empty, 1), 2);
 }
 
 TEST(Bsr, EndOfData) {
-    Reader empty({});
-    EXPECT_EQ(tavu_bsr_read(&empty, 1), -1);
-    EXPECT_EQ(tavu_bsr_read1(&empty), -1);
-    EXPECT_EQ(tavu_bsr_read_ue(&empty), -2);
-    EXPECT_EQ(tavu_bsr_read_se(&empty), 1);
-    EXPECT_EQ(tavu_bsr_skip_peek(&empty, 1, 8), 0U);
-    EXPECT_EQ(tavu_bsr_peek(&empty, 32), 0U);
-    tavu_bsr_skip(&empty, 5);
-    EXPECT_EQ(empty.leftbits, 0);
-
     tavu_bsr_t none;
     tavu_bsr_init(&none, nullptr, 0, nullptr);
-    EXPECT_EQ(tavu_bsr_peek(&none, 8), 0U);
-    EXPECT_EQ(tavu_bsr_read(&none, 8), -1);
+    EXPECT_EQ(tavu_bsr_read(&none, 1), -1);
+    EXPECT_EQ(tavu_bsr_read1(&none), -1);
+    EXPECT_EQ(tavu_bsr_read_ue(&none), -2);
+    EXPECT_EQ(tavu_bsr_read_se(&none), 1);
+    EXPECT_EQ(tavu_bsr_read_te(&none, 1), 2);
+    EXPECT_EQ(tavu_bsr_skip_peek(&none, 1, 8) | tavu_bsr_peek(&none, 32), 0U);
+    tavu_bsr_skip(&none, 5);
+    EXPECT_EQ(none.leftbits, 0);
 
     // Missing bits are zeros, and the next bits count as read; only then a read fails.
     Reader byte({0xAB});

@@ -99,15 +99,4 @@ TEST(CscRsz, BothArithmeticsStandInOneRow) {
     for (int i = 0; i < 11; i++) EXPECT_EQ(out[3 * i], i < 8 ? 50 : 255) << i;
 }
 
-TEST(CscRsz, WeightsAreNotTheWritableTable) {
-    uint8_t saved[4], in[4] = {10, 20, 30, 40}, out[3] = {};
-    uint8_t *src[4] = {in, in, in}, *dst[4] = {out};
-    const int32_t stride[4] = {2, 2, 2};
-    memcpy(saved, tavu_irsz_tbl_rsz_weight, 4);
-    memset(tavu_irsz_tbl_rsz_weight, 0, 4);
-    tavu_csc_rsz_r8g8b8_to_rgb888(src, 2, 2, stride, 600, dst, 1, 1, stride, 400);
-    memcpy(tavu_irsz_tbl_rsz_weight, saved, 4);
-    EXPECT_EQ(out[0], 10);
-}
-
 }  // namespace

@@ -282,13 +282,17 @@ TEST(Irsz, WeightTables) {
     EXPECT_EQ(memcmp(tavu_irsz_tbl_rsz_weight + 32, second, 8), 0);
     EXPECT_EQ(memcmp(tavu_tbl_bilinear_rszw, tavu_irsz_tbl_rsz_weight, 256), 0);
 
-    // The resizer reads the writable one.
+    // The resizer reads the writable one, the combined routines neither.
     const uint8_t lower_right[4] = {0, 0, 0, 64}, in[4] = {10, 20, 30, 40};
-    uint8_t out = 0;
+    uint8_t plane[4], out = 0, rgb[3] = {}, *src[4] = {plane, plane, plane}, *dst[4] = {rgb};
+    const int32_t stride[4] = {2, 2, 2};
+    memcpy(plane, in, 4);
     memcpy(tavu_irsz_tbl_rsz_weight, lower_right, 4);
     tavu_irsz8b_full(in, 2, 1, 1, 1, &out, 1 << 21, 1 << 21);
+    tavu_csc_rsz_r8g8b8_to_rgb888(src, 2, 2, stride, 600, dst, 1, 1, stride, 400);
     memcpy(tavu_irsz_tbl_rsz_weight, first, 4);
     EXPECT_EQ(out, 40);
+    EXPECT_EQ(rgb[0], 10);
 }
 
 TEST(IrszKernels, ExtremesStayAndNothingIsWrittenForNothing) {
@@ -308,18 +312,20 @@ TEST(IrszKernels, ExtremesStayAndNothingIsWrittenForNothing) {
 
 // Line kernels take the neighbour's distance from the caller.
 TEST(IrszKernels, LineKernelsStepByDecimationAndNeighbour) {
-    Bytes top = random_bytes(4 * 32, 1), bottom = random_bytes(4 * 32, 2);
+    const std::pair<tavu_irsz_line_t *, int> kernels[] = {
+        {tavu_irsz8b_line, 1}, {tavu_irsz8b8b8b_line, 3}, {tavu_irsz8b8b8b8b_line, 4}};
+    const Bytes top = random_bytes(4 * 32, 1), bottom = random_bytes(4 * 32, 2);
     const uint8_t *rows[] = {top.data(), bottom.data()};
-    const int step = (1 << 18) + (3 << 15);  // 11 eighths
-    uint8_t out[4 * 5];
-    tavu_irsz8b8b8b8b_line(rows, tavu_irsz_tbl_rsz_weight + 4 * 5, 5, 2, 3, step, out);
-    for (int i = 0; i < 5; i++) {
-        const int left = i * 11 / 8 * 4, a = i * 11 % 8;
-        for (int k = 0; k < 4; k++) {
-            const uint8_t *t = &top[static_cast<size_t>(4 * left + k)],
-                          *b = &bottom[static_cast<size_t>(4 * left + k)];
-            EXPECT_EQ(out[4 * i + k],
-                      ((8 - a) * (3 * t[0] + 5 * b[0]) + a * (3 * t[12] + 5 * b[12])) >> 6);
+    for (const auto &[kernel, bytes] : kernels) {
+        uint8_t out[4 * 5];
+        kernel(rows, tavu_irsz_tbl_rsz_weight + 4 * 5, 5, 2, 3, 11 << 15, out);  // 11 eighths
+        for (int i = 0; i < 5 * bytes; i++) {
+            const int pixel = i / bytes, a = pixel * 11 % 8;
+            const int left = pixel * 11 / 8 * 4 * bytes + i % bytes, right = left + 3 * bytes;
+            const auto mix = [a](int l, int r) { return (8 - a) * l + a * r; };
+            EXPECT_EQ(out[i], (3 * mix(rows[0][left], rows[0][right]) +
+                               5 * mix(rows[1][left], rows[1][right])) >>
+                                  6);
         }
     }
 }

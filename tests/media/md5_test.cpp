@@ -77,19 +77,11 @@ TEST(Md5, CountsBitsInTwoWordsAndForgetsEverythingAtTheEnd) {
     EXPECT_EQ(memcmp(&context, &zero, sizeof zero), 0);
 }
 
+// An image buffer whose whole payload is filled, padding too.
 struct Picture {
-    explicit Picture(int w, int h, int cs, uint32_t padding) {
-        const uint32_t pad[] = {padding, padding, padding, padding};
-        image = tavu_imgb_create(w, h, cs, 0, nullptr, pad, nullptr, nullptr, nullptr);
-        memset(image->base[0], static_cast<int>(padding), static_cast<size_t>(image->size));
-        for (int p = 0; p < 4 && image->addr[p] != nullptr; p++) {
-            const int rows = image->rows[p] - 2 * static_cast<int>(padding & 0xFFFF);
-            const int bytes = image->stride[p] - 2 * static_cast<int>(padding >> 16);
-            for (int i = 0; i < rows * bytes; i++) {
-                image->addr[p][i / bytes * image->stride[p] + i % bytes] =
-                    static_cast<uint8_t>(i * 11 + p * 50);
-            }
-        }
+    Picture(int w, int h, int cs, const uint32_t *pad = nullptr)
+        : image(tavu_imgb_create(w, h, cs, 0, nullptr, pad, nullptr, nullptr, nullptr)) {
+        for (int i = 0; i < image->size; i++) image->base[0][i] = static_cast<uint8_t>(i * 11 + 3);
     }
     ~Picture() { image->release(image); }
     Picture(const Picture &) = delete;
@@ -112,29 +104,28 @@ struct Picture {
     tavu_imgb_t *image;
 };
 
-TEST(Md5Imgb, HashesTheVisiblePictureWhateverTheStride) {
-    const Picture plain(3, 3, 11, 0), padded(3, 3, 11, 5 << 16 | 2);
-    EXPECT_EQ(plain.digest(),
-              md5(plain.region(0, 0, 3, 3) + plain.region(1, 0, 2, 2) + plain.region(2, 0, 2, 2)));
-    EXPECT_EQ(padded.digest(), plain.digest());
+TEST(Md5Imgb, HashesTheVisiblePictureAlone) {
+    const uint32_t pad[] = {5 << 16 | 2, 1 << 16, 3};
+    const Picture p(3, 3, 11, pad);
+    EXPECT_EQ(p.digest(), md5(p.region(0, 0, 3, 3) + p.region(1, 0, 2, 2) + p.region(2, 0, 2, 2)));
 }
 
 TEST(Md5Imgb, TakesChromaAsHalvedInEveryLayout) {
-    const Picture grey(5, 4, 10, 0), full(5, 4, 43, 0);
+    const Picture grey(5, 4, 10), full(5, 4, 43);
     EXPECT_EQ(grey.digest(), md5(grey.region(0, 0, 4, 5)));
     EXPECT_EQ(full.digest(),
               md5(full.region(0, 0, 4, 5) + full.region(1, 0, 2, 3) + full.region(2, 0, 2, 3)));
 }
 
 TEST(Md5Imgb, RegionOfInterestStartsLowerAndShortensRows) {
-    const Picture p(9, 8, 11, 0);
+    const Picture p(9, 8, 11);
     p.image->x = 3;
     p.image->y = 5;
     EXPECT_EQ(p.digest(), md5(p.region(0, 5, 3, 6) + p.region(1, 2, 2, 3) + p.region(2, 2, 2, 3)));
 }
 
 TEST(Md5Imgb, RefusesPackedPictures) {
-    const Picture packed(4, 4, 300, 0);
+    const Picture packed(4, 4, 300);
     uint8_t digest[16] = {1, 2, 3};
     for (int32_t cs : {300, -1, 100, INT32_MIN}) {
         packed.image->cs = cs;
