@@ -15,6 +15,8 @@ install(TARGETS tavu tavu_static EXPORT tavu-targets
 install(EXPORT tavu-targets NAMESPACE tavu:: FILE tavu-config.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/tavu)
 write_basic_package_version_file(tavu-config-version.cmake COMPATIBILITY SameMajorVersion)
+file(RELATIVE_PATH TAVU_PREFIX_FROM_PC
+  ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(tavu.pc.in tavu.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tavu-config-version.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/tavu)
