@@ -1,14 +1,4 @@
-// Colour arithmetic of LANES pixels.
-//
-// With u = U - 128 and v = V - 128, all in 16-bit lanes and equal to the scalar form on every
-// input:
-//
-//     R = Y + ((2v * 22976 + 2^14) >> 15)        = Y + ((359 v + 128) >> 8)
-//     B = Y + ((2u * 29056 + 2^14) >> 15)        = Y + ((454 u + 128) >> 8)
-//     G = Y - v - ((88 u - 73 v + 128) >> 8)     = Y - ((183 v + 88 u + 128) >> 8)
-//
-// The rounding high multiply does not wrap: its factors are below 2^9 and 2^15. In G only the part
-// of 183 = 256 - 73 below 256 is multiplied: |88 u - 73 v| + 128 <= 161 * 128 + 128 < 2^15.
+// Colour arithmetic of LANES pixels, equal to the scalar form on every input.
 #ifndef TAVU_IMGP_COLOR_VEC_H
 #define TAVU_IMGP_COLOR_VEC_H
 
@@ -26,18 +16,11 @@ struct RgbBlock {
 
 TAVU_VEC_INLINE RgbBlock block_to_rgb(FromRgb, U8 r, U8 g, U8 b) { return {r, g, b}; }
 
-TAVU_VEC_INLINE void lanes_to_rgb(I16 y, I16 u, I16 v, I16 *r, I16 *g, I16 *b) {
-    *r = y + multiply_round15(v + v, 22976);
-    *b = y + multiply_round15(u + u, 29056);
-    *g = y - v - round_shift8(u * 88 - v * 73);
-}
-
-TAVU_VEC_INLINE RgbBlock block_to_rgb(FromYuv, U8 y8, U8 u8, U8 v8) {
-    const Wide y = widen(y8), u = widen_minus(u8, 128), v = widen_minus(v8, 128);
-    Wide r, g, b;
-    lanes_to_rgb(y.lo, u.lo, v.lo, &r.lo, &g.lo, &b.lo);
-    lanes_to_rgb(y.hi, u.hi, v.hi, &r.hi, &g.hi, &b.hi);
-    return {narrow(r), narrow(g), narrow(b)};
+TAVU_VEC_INLINE RgbBlock block_to_rgb(FromYuv, U8 y8, U8 u, U8 v) {
+    const Wide y = widen(y8);
+    const ChromaTerms t = chroma_terms(u, v);
+    return {narrow({y.lo + t.r.lo, y.hi + t.r.hi}), narrow({y.lo - t.g.lo, y.hi - t.g.hi}),
+            narrow({y.lo + t.b.lo, y.hi + t.b.hi})};
 }
 
 // A place in a row of the source planes and of the target.

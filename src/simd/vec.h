@@ -1,28 +1,25 @@
 // The vector layer: one register of bytes and the operations that the kernels are written in.
 //
-//     LANES                  bytes in a register: 16 (NEON, x86-64-v2) or 32 (x86-64-v3)
-//     U8, I16, U16           a register of unsigned bytes, of 16-bit lanes; GNU vector types, so
-//     that
-//                            + - * << >> and scalars on one side work on each lane
-//     Wide, UWide            LANES 16-bit values in two registers, in an order that only widening
-//                            and narrowing know
-//     load(p), store(p, v)   LANES bytes from or to any address; p moves on behind them
-//     splat(x)               one byte in every lane
-//     widen(v)               to signed 16 bits, zero-extended
-//     widen_unsigned(v)      to unsigned 16 bits
-//     widen_minus(v, x)      v - x in signed 16 bits
-//     narrow(w)              to bytes, saturated to 0..255
-//     round_narrow8(w)       (w + 128) >> 8 in each unsigned lane, without wrapping, saturated to
-//     255 round_shift8(a)        (a + 128) >> 8 in each lane; the caller keeps a + 128 within 16
-//     bits multiply_round15(a, k) (a * k + 2^14) >> 15 in each lane, without wrapping
+//     LANES                 bytes in a register: 16 (NEON, x86-64-v2) or 32 (x86-64-v3)
+//     U8, I16, U16          a register of unsigned bytes, of 16-bit lanes; GNU vector types, so that
+//                           + - * << >> and scalars on one side work on each lane
+//     Wide, UWide           LANES 16-bit values in two registers, in an order that only widening
+//                           and narrowing know
+//     load(p), store(p, v)  LANES bytes from or to any address; p moves on behind them
+//     splat(x)              one byte in every lane
+//     widen(v)              to signed 16 bits, zero-extended
+//     widen_unsigned(v)     to unsigned 16 bits
+//     narrow(w)             to bytes, saturated to 0..255
+//     round_narrow8(w)      (w + 128) >> 8 of unsigned lanes, without wrapping, saturated to 255
+//     chroma_terms(u, v)    with 128 taken off u and v, exact on every input: r = (359 v + 128) >> 8,
+//                           g = (183 v + 88 u + 128) >> 8, b = (454 u + 128) >> 8
 //     store_interleaved(p, a, b[, c[, d]])
-//                            a0 b0 [c0 [d0]] a1 b1 ... to any address; p moves on behind them
+//                           a0 b0 [c0 [d0]] a1 b1 ... to any address; p moves on behind them
 //     load_interleaved(p, &a, &b, &c[, &d])
-//                            the reverse, of 3 or 4
+//                           the reverse, of 3 or 4
 //
-// TAVU_VEC is 1 where the layer exists; elsewhere kernels are their scalar models. All of it lies
-// in unnamed namespaces: the linker must not merge a body compiled for v3 into a caller compiled
-// for v2.
+// TAVU_VEC is 1 where the layer exists; elsewhere kernels are their scalar models. All of it lies in
+// unnamed namespaces: the linker must not merge a body compiled for v3 into a caller compiled for v2.
 #ifndef TAVU_SIMD_VEC_H
 #define TAVU_SIMD_VEC_H
 

@@ -29,15 +29,29 @@ TAVU_VEC_INLINE UWide widen_unsigned(U8 v) {
     return {vmovl_u8(vget_low_u8(v)), vmovl_u8(vget_high_u8(v))};
 }
 
-TAVU_VEC_INLINE Wide widen_minus(U8 v, uint8_t x) {
-    const uint8x8_t d = vdup_n_u8(x);
-    return {vreinterpretq_s16_u16(vsubl_u8(vget_low_u8(v), d)),
-            vreinterpretq_s16_u16(vsubl_u8(vget_high_u8(v), d))};
+struct ChromaTerms {
+    Wide r, g, b;
+};
+
+// The rounding high multiply is (a * k + 2^14) >> 15 without wrapping, so that 2v * 22976 stands for
+// 359 v and 2u * 29056 for 454 u. Of 183 = 256 - 73 only the part below 256 is multiplied, to stay
+// within 16 bits: |88 u - 73 v| <= 161 * 128.
+TAVU_VEC_INLINE void chroma_lanes(I16 u, I16 v, I16 *r, I16 *g, I16 *b) {
+    *r = vqrdmulhq_s16(v + v, vdupq_n_s16(22976));
+    *g = v + vrshrq_n_s16(u * 88 - v * 73, 8);
+    *b = vqrdmulhq_s16(u + u, vdupq_n_s16(29056));
 }
 
-TAVU_VEC_INLINE I16 multiply_round15(I16 a, int16_t k) { return vqrdmulhq_s16(a, vdupq_n_s16(k)); }
+TAVU_VEC_INLINE I16 minus_128(uint8x8_t v) {
+    return vreinterpretq_s16_u16(vsubl_u8(v, vdup_n_u8(128)));
+}
 
-TAVU_VEC_INLINE I16 round_shift8(I16 a) { return vrshrq_n_s16(a, 8); }
+TAVU_VEC_INLINE ChromaTerms chroma_terms(U8 u, U8 v) {
+    ChromaTerms t;
+    chroma_lanes(minus_128(vget_low_u8(u)), minus_128(vget_low_u8(v)), &t.r.lo, &t.g.lo, &t.b.lo);
+    chroma_lanes(minus_128(vget_high_u8(u)), minus_128(vget_high_u8(v)), &t.r.hi, &t.g.hi, &t.b.hi);
+    return t;
+}
 
 #if defined(__arm__)
 

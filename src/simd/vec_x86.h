@@ -74,17 +74,8 @@ TAVU_VEC_INLINE UWide widen_unsigned(U8 v) {
     return {as<U16>(w.lo), as<U16>(w.hi)};
 }
 
-TAVU_VEC_INLINE Wide widen_minus(U8 v, uint8_t x) {
-    const Wide w = widen(v);
-    return {w.lo - x, w.hi - x};
-}
-
 TAVU_VEC_INLINE U8 narrow(Wide w) {
     return as<U8>(TAVU_MM(packus_epi16)(as<Register>(w.lo), as<Register>(w.hi)));
-}
-
-TAVU_VEC_INLINE I16 multiply_round15(I16 a, int16_t k) {
-    return as<I16>(TAVU_MM(mulhrs_epi16)(as<Register>(a), as<Register>(I16{} + k)));
 }
 
 TAVU_VEC_INLINE U8 round_narrow8(UWide w) {
@@ -94,7 +85,33 @@ TAVU_VEC_INLINE U8 round_narrow8(UWide w) {
     return narrow({as<I16>(lo), as<I16>(hi)});
 }
 
-TAVU_VEC_INLINE I16 round_shift8(I16 a) { return (a + 128) >> 8; }
+struct ChromaTerms {
+    Wide r, g, b;
+};
+
+// From chroma less 128 in the upper bytes, and as pairs (u, -v - 1) of signed bytes. The rounding
+// high multiply is (a * k + 2^14) >> 15 without wrapping: 128 v * 359, 256 u * 227. Of
+// 183 = 256 - 73 only the part below 256 is multiplied, to stay within 16 bits:
+// 88 u - 73 v = 88 u + 73 (-v - 1) + 73, at most 161 * 128.
+TAVU_VEC_INLINE void chroma_lanes(Register u, Register v, Register pairs, I16 *r, I16 *g, I16 *b) {
+    const Register weights = as<Register>(I16{} + (88 | 73 << 8));
+    const I16 scaled = as<I16>(TAVU_MM(maddubs_epi16)(weights, pairs));
+    const Register half_v = TAVU_MM(srai_epi16)(v, 1);
+    *r = as<I16>(TAVU_MM(mulhrs_epi16)(half_v, as<Register>(I16{} + 359)));
+    *g = (as<I16>(v) >> 8) + ((scaled + (73 + 128)) >> 8);
+    *b = as<I16>(TAVU_MM(mulhrs_epi16)(u, as<Register>(I16{} + 227)));
+}
+
+TAVU_VEC_INLINE ChromaTerms chroma_terms(U8 u8, U8 v8) {
+    const Register zero{}, u = as<Register>(u8 ^ 0x80), v = as<Register>(v8 ^ 0x80),
+                           not_v = as<Register>(v8 ^ 0x7F);
+    ChromaTerms t;
+    chroma_lanes(TAVU_MM(unpacklo_epi8)(zero, u), TAVU_MM(unpacklo_epi8)(zero, v),
+                 TAVU_MM(unpacklo_epi8)(u, not_v), &t.r.lo, &t.g.lo, &t.b.lo);
+    chroma_lanes(TAVU_MM(unpackhi_epi8)(zero, u), TAVU_MM(unpackhi_epi8)(zero, v),
+                 TAVU_MM(unpackhi_epi8)(u, not_v), &t.r.hi, &t.g.hi, &t.b.hi);
+    return t;
+}
 
 TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b) {
     const Register ra = as<Register>(a), rb = as<Register>(b);
