@@ -1,5 +1,4 @@
-// Conversions: the model, every variant that the processor has, and the best peer, on the same
-// planes.
+// Conversions: the model, every variant of the processor, and the best peer, on the same planes.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>

@@ -1,7 +1,6 @@
 // The initialiser of the 256-byte weight tables: for the horizontal fraction a and the vertical
 // fraction b in eighths, four bytes at 32 a + 4 b: upper-left, upper-right, lower-left,
-// lower-right. A macro, for an array cannot be initialised from a constant expression that yields
-// one.
+// lower-right. A macro, for an array cannot be initialised by a function that yields one.
 #ifndef TAVU_IMGP_BILINEAR_WEIGHTS_H
 #define TAVU_IMGP_BILINEAR_WEIGHTS_H
 

@@ -7,6 +7,7 @@
 #include <type_traits>
 
 namespace tavu {
+namespace {
 
 struct Rgb {
     uint8_t r, g, b;
@@ -60,6 +61,7 @@ struct FromRgb {
     static constexpr Rgb rgb(uint8_t r, uint8_t g, uint8_t b) { return {r, g, b}; }
 };
 
+}  // namespace
 }  // namespace tavu
 
 #endif

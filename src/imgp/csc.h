@@ -8,6 +8,7 @@
 #include "tavu.h"
 
 namespace tavu {
+namespace {
 
 struct Csc {
     uint8_t *const *src;
@@ -26,6 +27,7 @@ struct Csc {
     }
 };
 
+}  // namespace
 }  // namespace tavu
 
 // Exports NAME as a call of a function on the record: TAVU_CSC(tavu_csc_x, convert<Format>).

@@ -1,8 +1,7 @@
 // Planes to 5-6-5 units, with or without alpha, scalar.
 //
 // A unit is Space::rgb() of a pixel's samples, cut: (R & 0xF8) << 8 | (G & 0xFC) << 3 | B >> 3, low
-// byte first. Reads `width` bytes of each plane; writes 2 bytes a pixel, and one alpha byte a
-// pixel.
+// byte first. Reads `width` bytes of each plane; writes 2 bytes and one alpha byte a pixel.
 #ifndef TAVU_IMGP_CSC_TO_565_MODEL_H
 #define TAVU_IMGP_CSC_TO_565_MODEL_H
 

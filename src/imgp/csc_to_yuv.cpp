@@ -1,8 +1,7 @@
 // To planar YUV: from packed RGB, LANES pixels at a time, and plane copies.
 //
 // Channels that stand in R, G, B(, A) or B, G, R(, A) order in one packed row take the vector form,
-// all others and rows narrower than a block the scalar one. Reads and writes no byte outside the
-// rows.
+// all others and narrow rows the scalar one. Reads and writes no byte outside the rows.
 //
 // In unsigned 16-bit lanes, with a narrowing that adds 128, shifts by 8 and saturates to 255:
 //

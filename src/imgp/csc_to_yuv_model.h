@@ -1,8 +1,7 @@
 // Packed RGB to Y, U, V planes, scalar.
 //
 // Each channel has its own pointer and stride and moves on by Step bytes a pixel; with Step 4 alpha
-// is copied to a fourth plane. Reads `width` samples of each channel, writes `width` bytes of each
-// plane.
+// is copied to a fourth plane. Reads `width` samples a channel, writes `width` bytes a plane.
 #ifndef TAVU_IMGP_CSC_TO_YUV_MODEL_H
 #define TAVU_IMGP_CSC_TO_YUV_MODEL_H
 

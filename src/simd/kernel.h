@@ -21,15 +21,14 @@
 
 #include <cpuid.h>
 
+// Resolvers run before relocation is complete and before any sanitizer is ready: they call nothing
+// that is not inlined, do not read the thread's stack guard, and are not instrumented.
+#define TAVU_UNINSTRUMENTED \
+    __attribute__((no_sanitize("address", "undefined", "thread"), no_stack_protector))
+
 namespace tavu {
 
-// Resolvers run before relocation is complete and before any sanitizer is ready: nothing here may
-// call a function, read the thread's stack guard, or be instrumented.
-#define TAVU_RESOLVER                                                                 \
-    __attribute__((no_sanitize("address", "undefined", "thread"), no_stack_protector, \
-                   always_inline))
-
-TAVU_RESOLVER inline bool cpu_has_v3() {
+TAVU_UNINSTRUMENTED __attribute__((always_inline)) inline bool cpu_has_v3() {
     unsigned a, b, c, d;
     if (__get_cpuid_max(0, nullptr) < 7) return false;
     __cpuid(1, a, b, c, d);
@@ -47,16 +46,15 @@ TAVU_RESOLVER inline bool cpu_has_v3() {
 
 }  // namespace tavu
 
-#define TAVU_KERNEL(ret, name, params)                                                \
-    extern "C" {                                                                      \
-    ret name##_v2 params;                                                             \
-    ret name##_v3 params;                                                             \
-    __attribute__((no_sanitize("address", "undefined", "thread"), no_stack_protector, \
-                   used)) static decltype(&name##_v2) name##_resolve() {              \
-        return tavu::cpu_has_v3() ? name##_v3 : name##_v2;                            \
-    }                                                                                 \
-    ret name params __attribute__((ifunc(#name "_resolve")));                         \
-    }                                                                                 \
+#define TAVU_KERNEL(ret, name, params)                                                       \
+    extern "C" {                                                                             \
+    ret name##_v2 params;                                                                    \
+    ret name##_v3 params;                                                                    \
+    TAVU_UNINSTRUMENTED __attribute__((used)) static decltype(&name##_v2) name##_resolve() { \
+        return tavu::cpu_has_v3() ? name##_v3 : name##_v2;                                   \
+    }                                                                                        \
+    ret name params __attribute__((ifunc(#name "_resolve")));                                \
+    }                                                                                        \
     ret name##_v2 params
 
 #endif
