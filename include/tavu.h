@@ -616,7 +616,7 @@ TAVU_API extern const uint8_t tavu_tbl_bilinear_rszw[256];
  * @param rows   upper and lower source row
  * @param wrow   tavu_irsz_tbl_rsz_weight + 4 * b
  * @param dst_w  target pixels
- * @param shift_x decimation shift, @param next_x pixels to the right-hand neighbour
+ * @param shift_x,next_x decimation shift, and pixels to the right-hand neighbour
  * @param step_x step with 18 fraction bits
  * @param out    target row
  */
