@@ -23,7 +23,7 @@ TAVU_VEC_INLINE RgbBlock block_to_rgb(FromYuv, U8 y8, U8 u, U8 v) {
             narrow({y.lo + t.b.lo, y.hi + t.b.hi})};
 }
 
-// A place in a row of the source planes and of the target.
+// A place in a row of the source planes and of the target; each pointer stands in a row, used or not.
 struct Cursor {
     const uint8_t *c0, *c1, *c2, *c3;
     uint8_t *out;
@@ -44,8 +44,7 @@ TAVU_VEC_INLINE void for_each_block(Cursor at, int32_t width, Convert convert_bl
     for (int32_t n = width / LANES; n > 0; n--) convert_block(at);
     if (width % LANES == 0) return;
     const int32_t back = LANES - width % LANES;
-    at = {at.c0 - back, at.c1 - back, at.c2 - back, at.c3 == nullptr ? nullptr : at.c3 - back,
-          at.out - back * Bytes};
+    at = {at.c0 - back, at.c1 - back, at.c2 - back, at.c3 - back, at.out - back * Bytes};
     convert_block(at);
 }
 

@@ -17,7 +17,7 @@ template <class Format>
 struct BestRow565 {
     static void convert(const Lines565 &at, int32_t width) {
         if (width < LANES) return ModelRow565<Format>::convert(at, width);
-        for_each_block<2>({at.c[0], at.c[1], at.c[2], nullptr, at.out}, width, [](Cursor &cursor) {
+        for_each_block<2>({at.c[0], at.c[1], at.c[2], at.c[0], at.out}, width, [](Cursor &cursor) {
             const RgbBlock p = load_rgb<typename Format::Space>(cursor);
             const U8 high = (p.r & 0xF8) | (p.g >> 5);
             const U8 low = (p.g << 3 & 0xE0) | (p.b >> 3);

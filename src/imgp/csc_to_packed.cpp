@@ -25,7 +25,8 @@ template <class Format, bool Bgr>
 struct BestRow {
     static void convert(const uint8_t *const c[4], uint8_t *out, int32_t width) {
         if (width < LANES) return ModelRow<Format, Bgr>::convert(c, out, width);
-        for_each_block<Format::BYTES>({c[0], c[1], c[2], c[3], out}, width,
+        const uint8_t *alpha = Format::ALPHA_PLANE ? c[3] : c[0];  // not read from the latter
+        for_each_block<Format::BYTES>({c[0], c[1], c[2], alpha, out}, width,
                                       [](Cursor &at) { convert_block<Format, Bgr>(at); });
     }
 };
