@@ -68,7 +68,8 @@ set_target_properties(tavu PROPERTIES
   LINKER_LANGUAGE C
   LINK_DEPENDS ${map})
 target_link_options(tavu PRIVATE
-  -static-libgcc -Wl,--version-script=${map} -Wl,-z,relro,-z,now,-z,noexecstack -Wl,--no-undefined)
+  -static-libgcc -Wl,--version-script=${map} -Wl,-z,relro,-z,now,-z,noexecstack
+  -Wl,--no-undefined,--as-needed)
 
 add_library(tavu_static STATIC ${objects})
 set_target_properties(tavu_static PROPERTIES OUTPUT_NAME tavu)

@@ -46,15 +46,15 @@ TAVU_UNINSTRUMENTED __attribute__((always_inline)) inline bool cpu_has_v3() {
 
 }  // namespace tavu
 
-#define TAVU_KERNEL(ret, name, params)                                                       \
-    extern "C" {                                                                             \
-    ret name##_v2 params;                                                                    \
-    ret name##_v3 params;                                                                    \
-    TAVU_UNINSTRUMENTED __attribute__((used)) static decltype(&name##_v2) name##_resolve() { \
-        return tavu::cpu_has_v3() ? name##_v3 : name##_v2;                                   \
-    }                                                                                        \
-    ret name params __attribute__((ifunc(#name "_resolve")));                                \
-    }                                                                                        \
+#define TAVU_KERNEL(ret, name, params)                          \
+    extern "C" {                                                \
+    ret name##_v2 params;                                       \
+    ret name##_v3 params;                                       \
+    TAVU_UNINSTRUMENTED decltype(&name##_v2) name##_resolve() { \
+        return tavu::cpu_has_v3() ? name##_v3 : name##_v2;      \
+    }                                                           \
+    ret name params __attribute__((ifunc(#name "_resolve")));   \
+    }                                                           \
     ret name##_v2 params
 
 #endif

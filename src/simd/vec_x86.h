@@ -1,7 +1,7 @@
 // The vector layer on x86-64: v2 (SSE4.1) and v3 (AVX2). The operations are told in vec.h.
 //
 // A v3 register is two halves of 16 bytes that most instructions treat alike and apart. The layer
-// keeps to that: only store_interleaved() crosses halves.
+// keeps to that: only the interleaving loads and stores cross halves.
 #ifndef TAVU_SIMD_VEC_X86_H
 #define TAVU_SIMD_VEC_X86_H
 
