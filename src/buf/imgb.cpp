@@ -61,8 +61,8 @@ int32_t apply_options(tavu_imgb_t *imgb, int32_t opt, int32_t planes, const int3
     return TAVU_OK;
 }
 
-void apply_options(tavu_imgb_t *imgb, int32_t opt, const Geometry &g, const uint32_t *pad) {
-    if (opt != 0) apply_options(imgb, opt, g.planes, g.w, g.h, g.aw, g.ah, pad, g.unit);
+void apply_options(tavu_imgb_t *imgb, int32_t opt, const Geometry &g) {
+    if (opt != 0) apply_options(imgb, opt, g.planes, g.w, g.h, g.aw, g.ah, g.pad, g.unit);
 }
 
 // Fills a zeroed record and allocates its payload; a status code.
@@ -75,8 +75,8 @@ int32_t init_imgb(tavu_imgb_t *imgb, int32_t w, int32_t h, int32_t cs, int32_t o
     void *payload = imgb->mem_alloc(geometry.size, &second);
     if (payload == nullptr) return TAVU_ERR_BUFFER_ALLOC;
     imgb->size = geometry.size;
-    lay_out(imgb, geometry, pad, static_cast<uint8_t *>(payload), second);
-    apply_options(imgb, opt, geometry, pad);
+    lay_out(imgb, geometry, static_cast<uint8_t *>(payload), second);
+    apply_options(imgb, opt, geometry);
     return TAVU_OK;
 }
 
@@ -104,8 +104,8 @@ int32_t rebirth(tavu_imgb_t *imgb, int32_t w, int32_t h, int32_t cs, int32_t opt
     const int32_t status = measure(&scratch, &geometry, w, h, cs, align, pad);
     if (status != TAVU_OK) return status;
     if (imgb->size < geometry.size) return TAVU_ERR_OUT_OF_MEMORY;
-    lay_out(&scratch, geometry, pad, imgb->base[0], imgb->pbase[0]);
-    apply_options(&scratch, opt, geometry, pad);
+    lay_out(&scratch, geometry, imgb->base[0], imgb->pbase[0]);
+    apply_options(&scratch, opt, geometry);
     copy_picture(imgb, scratch);
     return TAVU_OK;
 }

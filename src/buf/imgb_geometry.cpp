@@ -68,6 +68,7 @@ int32_t measure(tavu_imgb_t *imgb, Geometry *geometry, int32_t w, int32_t h, int
         geometry->h[p] = static_cast<int32_t>(ph);
         geometry->aw[p] = static_cast<int32_t>(aw);
         geometry->ah[p] = static_cast<int32_t>(ah);
+        geometry->pad[p] = padding;
         geometry->unit[p] = static_cast<uint32_t>(layout.bytes) << 16 | 1;
         imgb->stride[p] = static_cast<int32_t>(stride);
         imgb->rows[p] = static_cast<int32_t>(rows);
@@ -78,10 +79,9 @@ int32_t measure(tavu_imgb_t *imgb, Geometry *geometry, int32_t w, int32_t h, int
     return TAVU_OK;
 }
 
-void lay_out(tavu_imgb_t *imgb, const Geometry &geometry, const uint32_t *pad, uint8_t *base,
-             uint32_t pbase) {
+void lay_out(tavu_imgb_t *imgb, const Geometry &geometry, uint8_t *base, uint32_t pbase) {
     for (int p = 0; p < geometry.planes; p++) {
-        const uint32_t padding = pad != nullptr ? pad[p] : 0;
+        const uint32_t padding = geometry.pad[p];
         const auto stride = static_cast<uint32_t>(imgb->stride[p]);
         // Below the plane's size, hence within 31 bits.
         const uint32_t offset =

@@ -13,6 +13,7 @@ struct Geometry {
     int32_t planes;
     int32_t w[MAX_PLANES], h[MAX_PLANES];
     int32_t aw[MAX_PLANES], ah[MAX_PLANES];
+    uint32_t pad[MAX_PLANES];   // 0 without padding
     uint32_t unit[MAX_PLANES];  // bytes per pixel << 16 | 1
     int32_t size;               // payload bytes
 };
@@ -22,8 +23,7 @@ int32_t measure(tavu_imgb_t *imgb, Geometry *geometry, int32_t w, int32_t h, int
                 const uint32_t *align, const uint32_t *pad);
 
 // Sets the addresses of all planes, back to back from `base` and `pbase`.
-void lay_out(tavu_imgb_t *imgb, const Geometry &geometry, const uint32_t *pad, uint8_t *base,
-             uint32_t pbase);
+void lay_out(tavu_imgb_t *imgb, const Geometry &geometry, uint8_t *base, uint32_t pbase);
 
 }  // namespace tavu
 

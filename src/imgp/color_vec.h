@@ -3,7 +3,7 @@
 #define TAVU_IMGP_COLOR_VEC_H
 
 #include "imgp/color.h"
-#include "simd/vec.h"
+#include "simd/blocks.h"
 
 #if TAVU_VEC
 
@@ -23,29 +23,27 @@ TAVU_VEC_INLINE RgbBlock block_to_rgb(FromYuv, U8 y8, U8 u, U8 v) {
             narrow({y.lo + t.b.lo, y.hi + t.b.hi})};
 }
 
-// A place in a row of the source planes and of the target; each pointer stands in a row, used or not.
+// A place in a row of the source planes, of which the fourth may be missing, and of a target of Bytes
+// bytes a pixel.
+template <int Bytes, bool AlphaPlane = false>
 struct Cursor {
     const uint8_t *c0, *c1, *c2, *c3;
     uint8_t *out;
+
+    TAVU_VEC_INLINE void move(int32_t pixels) {
+        c0 += pixels;
+        c1 += pixels;
+        c2 += pixels;
+        if (AlphaPlane) c3 += pixels;
+        out += pixels * Bytes;
+    }
 };
 
 // LANES pixels of the first three planes.
-template <class Space>
-TAVU_VEC_INLINE RgbBlock load_rgb(Cursor &at) {
+template <class Space, class Place>
+TAVU_VEC_INLINE RgbBlock load_rgb(Place &at) {
     const U8 c0 = load(at.c0), c1 = load(at.c1), c2 = load(at.c2);
     return block_to_rgb(Space{}, c0, c1, c2);
-}
-
-// Calls convert_block, which converts LANES pixels of Bytes bytes and moves the cursor on, for a
-// row of at least LANES pixels. The last block is anchored at the row's end and rewrites equal
-// bytes, so that nothing outside the row is read or written.
-template <int Bytes, class Convert>
-TAVU_VEC_INLINE void for_each_block(Cursor at, int32_t width, Convert convert_block) {
-    for (int32_t n = width / LANES; n > 0; n--) convert_block(at);
-    if (width % LANES == 0) return;
-    const int32_t back = LANES - width % LANES;
-    at = {at.c0 - back, at.c1 - back, at.c2 - back, at.c3 - back, at.out - back * Bytes};
-    convert_block(at);
 }
 
 }  // namespace

@@ -17,11 +17,12 @@ template <class Format>
 struct BestRow565 {
     static void convert(const Lines565 &at, int32_t width) {
         if (width < LANES) return ModelRow565<Format>::convert(at, width);
-        for_each_block<2>({at.c[0], at.c[1], at.c[2], at.c[0], at.out}, width, [](Cursor &cursor) {
-            const RgbBlock p = load_rgb<typename Format::Space>(cursor);
+        using Place = Cursor<2>;
+        for_each_block(Place{at.c[0], at.c[1], at.c[2], nullptr, at.out}, width, [](Place &place) {
+            const RgbBlock p = load_rgb<typename Format::Space>(place);
             const U8 high = (p.r & 0xF8) | (p.g >> 5);
             const U8 low = (p.g << 3 & 0xE0) | (p.b >> 3);
-            store_interleaved(cursor.out, low, high);
+            store_interleaved(place.out, low, high);
         });
         const auto size = static_cast<size_t>(width);
         if constexpr (Format::ALPHA == Alpha::OPAQUE) memset(at.alpha, 255, size);

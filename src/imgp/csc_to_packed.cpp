@@ -8,8 +8,11 @@ namespace {
 
 #if TAVU_VEC
 
+template <class Format>
+using FormatCursor = Cursor<Format::BYTES, Format::ALPHA_PLANE>;
+
 template <class Format, bool Bgr>
-TAVU_VEC_INLINE void convert_block(Cursor &at) {
+TAVU_VEC_INLINE void convert_block(FormatCursor<Format> &at) {
     const RgbBlock p = load_rgb<typename Format::Space>(at);
     const U8 first = Bgr ? p.b : p.r, third = Bgr ? p.r : p.b;
     if constexpr (Format::BYTES == 3) {
@@ -25,9 +28,9 @@ template <class Format, bool Bgr>
 struct BestRow {
     static void convert(const uint8_t *const c[4], uint8_t *out, int32_t width) {
         if (width < LANES) return ModelRow<Format, Bgr>::convert(c, out, width);
-        const uint8_t *alpha = Format::ALPHA_PLANE ? c[3] : c[0];  // not read from the latter
-        for_each_block<Format::BYTES>({c[0], c[1], c[2], alpha, out}, width,
-                                      [](Cursor &at) { convert_block<Format, Bgr>(at); });
+        using Place = FormatCursor<Format>;
+        for_each_block(Place{c[0], c[1], c[2], c[3], out}, width,
+                       [](Place &at) { convert_block<Format, Bgr>(at); });
     }
 };
 

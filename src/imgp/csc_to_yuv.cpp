@@ -14,7 +14,7 @@
 
 #include <cstring>
 
-#include "simd/vec.h"
+#include "simd/blocks.h"
 
 namespace tavu {
 namespace {
@@ -27,38 +27,45 @@ TAVU_VEC_INLINE void lanes_to_yuv(U16 r, U16 g, U16 b, U16 *y, U16 *u, U16 *v) {
     *v = 32768 + (r << 7) - g * 107 - b * 21;
 }
 
-TAVU_VEC_INLINE void store_yuv(U8 r8, U8 g8, U8 b8, YuvLine &at) {
+// A place in a packed row and in rows of the target planes.
+template <int Step>
+struct PackedCursor {
+    const uint8_t *in;
+    uint8_t *out[4];
+
+    TAVU_VEC_INLINE void move(int32_t pixels) {
+        in += pixels * Step;
+        for (int p = 0; p < Step; p++) out[p] += pixels;
+    }
+};
+
+TAVU_VEC_INLINE void store_yuv(U8 r8, U8 g8, U8 b8, uint8_t *out[4]) {
     const UWide r = widen_unsigned(r8), g = widen_unsigned(g8), b = widen_unsigned(b8);
     UWide y, u, v;
     lanes_to_yuv(r.lo, g.lo, b.lo, &y.lo, &u.lo, &v.lo);
     lanes_to_yuv(r.hi, g.hi, b.hi, &y.hi, &u.hi, &v.hi);
-    store(at.out[0], round_narrow8(y));
-    store(at.out[1], round_narrow8(u));
-    store(at.out[2], round_narrow8(v));
+    store(out[0], round_narrow8(y));
+    store(out[1], round_narrow8(u));
+    store(out[2], round_narrow8(v));
 }
 
-// Converts LANES pixels from `in` and moves on.
 template <int Step, bool Bgr>
-TAVU_VEC_INLINE void convert_block(const uint8_t *&in, YuvLine &at) {
+TAVU_VEC_INLINE void convert_block(PackedCursor<Step> &at) {
     U8 c[4];
     if constexpr (Step == 3) {
-        load_interleaved(in, &c[0], &c[1], &c[2]);
+        load_interleaved(at.in, &c[0], &c[1], &c[2]);
     } else {
-        load_interleaved(in, &c[0], &c[1], &c[2], &c[3]);
+        load_interleaved(at.in, &c[0], &c[1], &c[2], &c[3]);
         store(at.out[3], c[3]);
     }
-    store_yuv(Bgr ? c[2] : c[0], c[1], Bgr ? c[0] : c[2], at);
+    store_yuv(Bgr ? c[2] : c[0], c[1], Bgr ? c[0] : c[2], at.out);
 }
 
 template <int Step, bool Bgr>
-void convert_row(YuvLine at, int32_t width) {
-    const uint8_t *in = at.in[Bgr ? 2 : 0];
-    for (int32_t n = width / LANES; n > 0; n--) convert_block<Step, Bgr>(in, at);
-    if (width % LANES == 0) return;
-    const int32_t back = LANES - width % LANES;
-    in -= back * Step;
-    for (int p = 0; p < Step; p++) at.out[p] -= back;
-    convert_block<Step, Bgr>(in, at);
+void convert_row(const YuvLine &at, int32_t width) {
+    using Place = PackedCursor<Step>;
+    for_each_block(Place{at.in[Bgr ? 2 : 0], {at.out[0], at.out[1], at.out[2], at.out[3]}}, width,
+                   [](Place &place) { convert_block<Step, Bgr>(place); });
 }
 
 // Whether the channels stand behind each other from `first` on.

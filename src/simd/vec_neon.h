@@ -56,7 +56,7 @@ TAVU_VEC_INLINE ChromaTerms chroma_terms(U8 u, U8 v) {
 #if defined(__arm__)
 
 // In assembly, for compilers compute addresses anew instead of moving pointers on, join the halves
-// of registers by copies, and lay registers out for the interleaving stores through the stack.
+// of registers by copies, and lay registers out for interleaving through the stack.
 
 TAVU_VEC_INLINE U8 load(const uint8_t *&p) {
     U8 v;
