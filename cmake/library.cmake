@@ -1,21 +1,39 @@
 # The library: one set of position-independent objects in a shared and a static form.
 
 set(TAVU_SOURCES
+  src/simd/level.cpp
   src/core/alloc.cpp
   src/core/atomic.cpp
   src/core/log2.cpp
+  src/core/mcpy.cpp
+  src/core/mset.cpp
   src/core/records.cpp
   src/core/version.cpp
+  src/buf/audb.cpp
+  src/buf/bitb.cpp
   src/buf/imgb.cpp
+  src/buf/imgb_expand.cpp
   src/buf/imgb_geometry.cpp
+  src/buf/mfal.cpp
+  src/buf/vdata.cpp
   src/bs/bsr.cpp
+  src/bs/bsw.cpp
   src/media/fcc2mt.cpp
   src/media/vkeyfrm.cpp
   src/media/md5.cpp
+  src/metric/diff.cpp
+  src/metric/sad.cpp
+  src/metric/satd.cpp
+  src/metric/ssd.cpp
   src/imgp/irsz.cpp
   src/imgp/irsz_kernels.cpp
   src/imgp/csc_rsz.cpp
-  src/imgp/lookup.cpp)
+  src/imgp/lookup.cpp
+  src/container/list.cpp
+  src/container/rbuf.cpp
+  src/container/rlist.cpp
+  src/str/uri.cpp
+  src/str/words.cpp)
 
 # Kernels that gain from wider vectors: on x86-64 compiled a second time for level v3.
 set(TAVU_WIDE_SOURCES

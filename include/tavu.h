@@ -11,7 +11,7 @@
  * pixels or bits. A stride is the distance between the starts of two rows.
  *
  * Functions that are called "unchecked" test none of their arguments: pixel kernels and the bit
- * reader trust their caller and state what they demand.
+ * reader and writer trust their caller and state what they demand.
  */
 #ifndef TAVU_H
 #define TAVU_H
@@ -29,7 +29,7 @@ extern "C" {
 #endif
 
 /* ------------------------------------------------------------------------------------------------
- * Core: status codes, aligned memory, version, integer logarithms, atomic counters
+ * Core: status codes, aligned memory, version, integer logarithms, atomic counters, fills and copies
  * --------------------------------------------------------------------------------------------- */
 
 /** Status codes: 0 is success, every failure is negative. */
@@ -107,6 +107,57 @@ TAVU_API int32_t tavu_sync_wait(int32_t *word, int32_t value);
  * @return 0
  */
 TAVU_API int32_t tavu_sync_wake(int32_t *word, int32_t value);
+
+/*
+ * Fills and block copies for pixel memory. Unchecked; sizes and strides are bytes. Each has a
+ * granularity of its own and deals with the remainder in its own way, on which callers rely. Sizes
+ * below the first block write nothing, unless said otherwise. Source and target must not overlap.
+ */
+
+/**
+ * Fills with a 32-bit value in blocks of 128 bytes, at least one: writes `size` rounded up to a
+ * multiple of 128 bytes, and 128 for a size below 1.
+ */
+TAVU_API void tavu_mset_x128(void *dst, uint32_t value, int32_t size);
+
+/** Fills with a byte in whole blocks of 128; the last `size` % 128 bytes stay as they are. */
+TAVU_API void tavu_mset_x64(void *dst, uint8_t value, int32_t size);
+
+/** Fills exactly `size` bytes with the low 8 bits of `value`. */
+TAVU_API void tavu_mset_x64a(void *dst, int32_t value, int32_t size);
+
+/**
+ * Fills with a 32-bit value in whole blocks of 32; the last `size` % 32 bytes stay as they are.
+ * @param dst aligned to 4 bytes
+ */
+TAVU_API void tavu_mset_x32(void *dst, uint32_t value, int32_t size);
+
+/**
+ * Fills `size` bytes, at least 32: whole blocks of 32 with the 32-bit value, the rest with its low
+ * byte.
+ */
+TAVU_API void tavu_mset_x32ax4(void *dst, uint32_t value, int32_t size);
+
+/**
+ * Zeroes 32-bit words.
+ * @param dst aligned to 4 bytes
+ * @param words a positive multiple of 64; of other counts only whole blocks of 64 are zeroed
+ */
+TAVU_API void tavu_mclr_x64(void *dst, int32_t words);
+
+/**
+ * Copies rows of at least 64 bytes. When `width` equals both strides the rows are copied as one run
+ * of `width` * `height` bytes: its whole blocks of 64 and only the first byte of what remains.
+ */
+TAVU_API void tavu_mcpy_pic(void *dst, const void *src, int32_t dst_stride, int32_t src_stride,
+                            int32_t width, int32_t height);
+
+/**
+ * Copies a block of 2, 4, 6, 8, 12, 16 or 24 bytes width. Every other width copies nothing.
+ * @param height a multiple of 2, of 4 for widths of 16 and 24
+ */
+TAVU_API void tavu_mcpy_blk(void *dst, const void *src, int32_t dst_stride, int32_t src_stride,
+                            int32_t width, int32_t height);
 
 /* ------------------------------------------------------------------------------------------------
  * Image buffer
@@ -240,6 +291,150 @@ TAVU_API int32_t tavu_imgb_option(tavu_imgb_t *imgb, int32_t opt, int32_t planes
                                   const int32_t *h, const int32_t *aw, const int32_t *ah,
                                   const uint32_t *pad, const uint32_t *unit);
 
+/**
+ * Fills the padding of a planar 8-bit picture by repeating its edges, corners included.
+ *
+ * Planes 1 and 2 are taken as half as wide and high as plane 0 (of its aligned size, rounded up)
+ * whatever the layout: of codes 12, 13 and 18 they are larger, and the strips are written inside.
+ *
+ * @param pad one entry per plane, as given at creation: bytes on each side << 16 | rows above and
+ *        below. The left strip begins as many *bytes* left of the picture as there are *rows*
+ *        above; give equal numbers for a filled strip
+ * @return #TAVU_OK; #TAVU_ERR_UNSUPPORTED for codes other than 10, 11, 12, 13 and 18;
+ *         #TAVU_ERR_INVALID_ARGUMENT for null
+ */
+TAVU_API int32_t tavu_imgb_expand(tavu_imgb_t *imgb, const uint32_t *pad);
+
+/**
+ * Writes `width` copies of the byte at `src` to `dst`, then steps both on by `stride`, `rows` times.
+ * Unchecked; a width or row count below 1 writes nothing.
+ */
+TAVU_API void tavu_imgb_expand_ver(const uint8_t *src, uint8_t *dst, int32_t rows, int32_t stride,
+                                   int32_t width);
+
+/**
+ * Copies the `len` bytes at `src` to `rows` rows that follow each other at `dst`. Unchecked. With a
+ * `len` that is a multiple of 4 but not of 16 the row count is rounded up to a multiple of 8.
+ */
+TAVU_API void tavu_imgb_expand_hor(const uint8_t *src, uint8_t *dst, int32_t len, int32_t rows);
+
+/* ------------------------------------------------------------------------------------------------
+ * Audio, bitstream and frame-list buffers, variable data
+ *
+ * The buffers begin with the same counted header as tavu_imgb_t; their methods return
+ * #TAVU_ERR_INVALID_ARGUMENT for null. A null allocator stands for the default pair. A free
+ * function of null is taken as it is: then the payload is not freed.
+ * --------------------------------------------------------------------------------------------- */
+
+/** A reference-counted buffer of audio samples; read-only for callers but for the payload. */
+typedef struct tavu_audb_t tavu_audb_t;
+struct tavu_audb_t {
+    int32_t refcnt;                    /**< reference count; changed by the methods only */
+    int32_t (*addref)(tavu_audb_t *);  /**< adds a reference; returns the new count */
+    int32_t (*getref)(tavu_audb_t *);  /**< returns the count */
+    int32_t (*release)(tavu_audb_t *); /**< drops a reference; at 0 frees blocks and record */
+    int32_t samples[8];                /**< samples per channel in each block */
+    int32_t bytes[8];                  /**< bytes of each block */
+    uint8_t *addr[8];                  /**< blocks; null if unused */
+    uint32_t paddr[8];                 /**< the same in the second address space */
+    int32_t channels;                  /**< number of channels */
+    int32_t bits;                      /**< bits per sample */
+    int32_t value;                     /**< the caller's */
+    int32_t interleaved;               /**< 1: one block; 0: a block per channel */
+    int32_t format;                    /**< format code */
+    uint32_t reserved[8];              /**< zero */
+    tavu_imgb_alloc_fn mem_alloc;      /**< payload allocator */
+    tavu_imgb_free_fn mem_free;        /**< payload free function or null */
+};
+
+/**
+ * Creates an audio buffer with reference count 1. The default payload is aligned to 32 bytes and
+ * not initialised.
+ * @param samples samples per channel
+ * @param channels number of channels, at most 8 unless interleaved
+ * @param bits bits per sample; each takes (bits + 7) / 8 bytes
+ * @param value kept for the caller
+ * @param format 1..99: one block with the channels interleaved; any other: a block per channel
+ * @param unused ignored
+ * @param mem_alloc,mem_free payload callbacks; both null for the default
+ * @param status null, or where to store #TAVU_OK, #TAVU_ERR_INVALID_ARGUMENT (negative counts, more
+ *        than 8 blocks, or a block of more than INT32_MAX bytes), #TAVU_ERR_OUT_OF_MEMORY or
+ *        #TAVU_ERR_BUFFER_ALLOC
+ * @return the buffer or null
+ */
+TAVU_API tavu_audb_t *tavu_audb_create(int32_t samples, int32_t channels, int32_t bits,
+                                       int32_t value, int32_t format, int32_t unused,
+                                       tavu_imgb_alloc_fn mem_alloc, tavu_imgb_free_fn mem_free,
+                                       int32_t *status);
+
+/** A reference-counted buffer of coded data. */
+typedef struct tavu_bitb_t tavu_bitb_t;
+struct tavu_bitb_t {
+    int32_t refcnt;                    /**< reference count; changed by the methods only */
+    int32_t (*addref)(tavu_bitb_t *);  /**< adds a reference; returns the new count */
+    int32_t (*getref)(tavu_bitb_t *);  /**< returns the count */
+    int32_t (*release)(tavu_bitb_t *); /**< drops a reference; at 0 frees payload and record */
+    uint8_t *addr;                     /**< payload */
+    uint32_t paddr;                    /**< the same in the second address space */
+    uint32_t reserved0[2];             /**< zero */
+    int32_t value;                     /**< the caller's */
+    uint32_t reserved1[8];             /**< zero */
+    tavu_imgb_alloc_fn mem_alloc;      /**< payload allocator */
+    tavu_imgb_free_fn mem_free;        /**< payload free function or null */
+};
+
+/**
+ * Creates a bitstream buffer with reference count 1. The default payload is malloc()'s.
+ * @param size payload bytes; the default allocator refuses a negative size
+ * @param value kept for the caller
+ * @param unused ignored
+ * @param mem_alloc,mem_free payload callbacks; both null for the default
+ * @param status null, or where to store #TAVU_OK, #TAVU_ERR_OUT_OF_MEMORY or #TAVU_ERR_BITB_ALLOC
+ * @return the buffer or null
+ */
+TAVU_API tavu_bitb_t *tavu_bitb_create(int32_t size, int32_t value, int32_t unused,
+                                       tavu_imgb_alloc_fn mem_alloc, tavu_imgb_free_fn mem_free,
+                                       int32_t *status);
+
+/** A reference-counted record whose body is its users'. */
+typedef struct tavu_mfal_t tavu_mfal_t;
+struct tavu_mfal_t {
+    int32_t refcnt;                    /**< reference count; changed by the methods only */
+    int32_t (*addref)(tavu_mfal_t *);  /**< adds a reference; returns the new count */
+    int32_t (*getref)(tavu_mfal_t *);  /**< returns the count */
+    int32_t (*release)(tavu_mfal_t *); /**< drops a reference; at 0 frees the record */
+    uint32_t body[17];                 /**< zero at creation */
+};
+
+/**
+ * Creates a frame-list record with reference count 1.
+ * @param unused ignored
+ * @param status null, or where to store #TAVU_OK or #TAVU_ERR_OUT_OF_MEMORY
+ * @return the record or null
+ */
+TAVU_API tavu_mfal_t *tavu_mfal_create(int32_t unused, int32_t *status);
+
+/** Bytes of any kind; the caller owns the record, which must be zero before its first use. */
+typedef struct {
+    int32_t type;  /**< the caller's */
+    int32_t len;   /**< bytes, without the two zero bytes that follow them */
+    uint8_t *data; /**< heap copy of the bytes */
+} tavu_vdata_t;
+
+/**
+ * Stores a copy of `len` bytes, with two zero bytes behind them. A copy that the record holds
+ * already is not freed: call tavu_vdata_free() first.
+ * @return #TAVU_OK; #TAVU_ERR_INVALID_ARGUMENT for null or a length below 1;
+ *         #TAVU_ERR_OUT_OF_MEMORY. On failure the record is unchanged.
+ */
+TAVU_API int32_t tavu_vdata_set(tavu_vdata_t *vd, const void *src, int32_t len, int32_t type);
+
+/** tavu_vdata_set() with the bytes, length and type of `src`. */
+TAVU_API int32_t tavu_vdata_cpy(tavu_vdata_t *dst, const tavu_vdata_t *src);
+
+/** Frees the copy, if any, and zeroes the record; null is ignored. */
+TAVU_API void tavu_vdata_free(tavu_vdata_t *vd);
+
 /* ------------------------------------------------------------------------------------------------
  * Bitstream reader
  *
@@ -343,6 +538,81 @@ TAVU_API int32_t tavu_bsr_read_tu(tavu_bsr_t *bs, int32_t max);
 
 /** Number of leading zero bits of a word; 32 for 0. */
 TAVU_API int32_t tavu_bsr_clz_in_code(uint32_t code);
+
+/* ------------------------------------------------------------------------------------------------
+ * Bitstream writer
+ *
+ * Writes a byte buffer most significant bit first through a 32-bit cache word. Unchecked but for
+ * room in the buffer. A record must not be shared by threads. After tavu_bsw_sink() cur - beg bytes
+ * are written.
+ * --------------------------------------------------------------------------------------------- */
+
+/** Bit writer; the caller allocates it. */
+typedef struct tavu_bsw_t tavu_bsw_t;
+
+/**
+ * Spills the cache of a writer. A custom one must write out the (39 - leftbits) / 8 bytes of the
+ * cache that hold bits, from bit 31 down, and advance `cur`; the writer then empties the cache.
+ */
+typedef int32_t (*tavu_bsw_flush_fn)(tavu_bsw_t *bs);
+
+struct tavu_bsw_t {
+    uint32_t code;           /**< cache: bits not yet spilled, left-justified, zeros below */
+    int32_t leftbits;        /**< free bits in `code`: 32 empty, 0 full */
+    uint8_t *cur;            /**< next byte to write */
+    uint8_t *end;            /**< last byte of the buffer */
+    uint8_t *beg;            /**< first byte of the buffer */
+    int32_t size;            /**< buffer size in bytes */
+    tavu_bsw_flush_fn flush; /**< spill function */
+};
+
+/**
+ * Starts a writer on a buffer of `size` bytes.
+ * @param flush spill function, or null for the default
+ */
+TAVU_API void tavu_bsw_init(tavu_bsw_t *bs, void *buf, int32_t size, tavu_bsw_flush_fn flush);
+
+/**
+ * Writes the low bit of `bit`. A full cache is spilled as long as one byte of the buffer is left:
+ * up to 3 bytes are then written past its end, so leave that much room behind it.
+ * @return 0; -1 when the buffer is full. The bit is then in the cache, and later calls drop theirs
+ *         and return 0
+ */
+TAVU_API int32_t tavu_bsw_write1(tavu_bsw_t *bs, int32_t bit);
+
+/**
+ * Writes the low `len` bits of `value`, 0..32.
+ * @return 0; -1 when the cache is full and the buffer has less than 5 bytes left, one more than is
+ *         needed. What fitted into the cache is then in it
+ */
+TAVU_API int32_t tavu_bsw_write(tavu_bsw_t *bs, uint32_t value, int32_t len);
+
+/** Writes an unsigned Exp-Golomb code (ITU-T H.264, 9.1) of 0..65534; result as tavu_bsw_write(). */
+TAVU_API int32_t tavu_bsw_write_ue(tavu_bsw_t *bs, uint32_t value);
+
+/** Writes a signed Exp-Golomb code of -32767..32767; result as tavu_bsw_write(). */
+TAVU_API int32_t tavu_bsw_write_se(tavu_bsw_t *bs, int32_t value);
+
+/**
+ * Writes a truncated Exp-Golomb code of values 0..range: the inverted bit for a range of 1, an
+ * unsigned code above; below 1 it writes nothing and returns 0.
+ */
+TAVU_API int32_t tavu_bsw_write_te(tavu_bsw_t *bs, int32_t value, int32_t range);
+
+/**
+ * Spills what is in the cache, the last byte filled up with 0 bits.
+ * @return 0; -1, with nothing changed, unless the buffer has a byte more room than is needed
+ */
+TAVU_API int32_t tavu_bsw_sink(tavu_bsw_t *bs);
+
+/** Calls the spill function without testing room or emptying the cache; returns its result. */
+TAVU_API int32_t tavu_bsw_deinit(tavu_bsw_t *bs);
+
+/** Bits of the unsigned Exp-Golomb code of 0..65534. */
+TAVU_API int32_t tavu_bsw_size_ue(uint32_t value);
+
+/** Bits of the signed Exp-Golomb code of -32767..32767. */
+TAVU_API int32_t tavu_bsw_size_se(int32_t value);
 
 /* ------------------------------------------------------------------------------------------------
  * Media types, key frames, digests
@@ -467,6 +737,111 @@ TAVU_API void tavu_md5_finish(tavu_md5_t *md5, uint8_t digest[16]);
  *         #TAVU_ERR_INVALID_ARGUMENT for a null buffer
  */
 TAVU_API int32_t tavu_md5_imgb(const tavu_imgb_t *imgb, uint8_t digest[16]);
+
+/* ------------------------------------------------------------------------------------------------
+ * Block metrics
+ *
+ * Compare two blocks of 8-bit samples, each given by its top-left sample and its stride in bytes.
+ * Unchecked; no alignment is needed unless said. Kernels of 4 columns read 8 bytes of every row:
+ * four more must be readable behind each row of both blocks, and never change the result.
+ * --------------------------------------------------------------------------------------------- */
+
+/**
+ * A metric of blocks of fixed size.
+ * @param a,b the blocks
+ * @param stride_a,stride_b bytes from row to row
+ */
+typedef int32_t tavu_metric_block_t(const uint8_t *a, const uint8_t *b, int32_t stride_a,
+                                    int32_t stride_b);
+
+/** A metric of blocks of `width` columns and `height` rows. */
+typedef int32_t tavu_metric_area_t(int32_t width, int32_t height, const uint8_t *a,
+                                   const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/* Sums of absolute differences; columns x rows. */
+TAVU_API tavu_metric_block_t tavu_sad2x2;
+TAVU_API tavu_metric_block_t tavu_sad2x4;
+TAVU_API tavu_metric_block_t tavu_sad4x2;
+TAVU_API tavu_metric_block_t tavu_sad4x4;
+TAVU_API tavu_metric_block_t tavu_sad4x8;
+TAVU_API tavu_metric_block_t tavu_sad8x4;
+TAVU_API tavu_metric_block_t tavu_sad8x8;
+TAVU_API tavu_metric_block_t tavu_sad8x16;
+TAVU_API tavu_metric_block_t tavu_sad16x8;
+TAVU_API tavu_metric_block_t tavu_sad16x16;
+TAVU_API tavu_metric_block_t tavu_sad16x32;
+TAVU_API tavu_metric_block_t tavu_sad32x16;
+TAVU_API tavu_metric_block_t tavu_sad32x32;
+TAVU_API tavu_metric_block_t tavu_sad64x32;
+TAVU_API tavu_metric_block_t tavu_sad32x64;
+TAVU_API tavu_metric_block_t tavu_sad64x64;
+
+/**
+ * Sum of absolute differences of 8 columns if `width` is 8, of 16 columns for every other width.
+ * The height is a multiple of 4 for 8 columns, of 8 for 16, and at most 256.
+ */
+TAVU_API tavu_metric_area_t tavu_sad;
+
+/**
+ * Sum of absolute differences that stops after the first row at which it exceeds `threshold`.
+ * @param width a multiple of 4
+ * @param a first block, aligned to 4 bytes as is its stride
+ * @param b second block, of any alignment; whole aligned words around each row must be readable
+ * @return the sum of all rows, or of the rows up to the one that exceeded the threshold
+ */
+TAVU_API int32_t tavu_sad_eskip(int32_t width, int32_t height, const uint8_t *a, const uint8_t *b,
+                                int32_t stride_a, int32_t stride_b, int32_t threshold);
+
+/**
+ * Residual of blocks of fixed size: a - b, as 16-bit samples.
+ * @param stride_a,stride_b bytes from row to row
+ * @param stride_diff samples from row to row of the residual
+ * @param diff residual; samples beyond the block's columns are not written
+ */
+typedef void tavu_diff_block_t(const uint8_t *a, const uint8_t *b, int32_t stride_a,
+                               int32_t stride_b, int32_t stride_diff, int16_t *diff);
+
+TAVU_API tavu_diff_block_t tavu_diff2x2;
+TAVU_API tavu_diff_block_t tavu_diff4x4;
+TAVU_API tavu_diff_block_t tavu_diff8x8;
+TAVU_API tavu_diff_block_t tavu_diff16x16;
+TAVU_API tavu_diff_block_t tavu_diff32x32;
+TAVU_API tavu_diff_block_t tavu_diff64x64;
+
+/** Residual of any size; a width or height below 1 writes nothing. Reads the blocks alone. */
+TAVU_API void tavu_diff(int32_t width, int32_t height, const uint8_t *a, const uint8_t *b,
+                        int32_t stride_a, int32_t stride_b, int32_t stride_diff, int16_t *diff);
+
+/**
+ * Sum of squared differences of 4, 8, 16 or 32 columns; every other width is taken as 64. The height
+ * is a multiple of 4 for 4, 8 and 16 columns, of 2 for 32.
+ */
+TAVU_API tavu_metric_area_t tavu_ssd;
+
+/**
+ * Half the sum of the magnitudes of the 4x4 Hadamard transform, rounded down.
+ * @param block 16 residuals of -2047..2047, row by row
+ */
+TAVU_API int32_t tavu_hadamard4x4(const int16_t *block);
+
+/** tavu_hadamard4x4() of the residual of two 4x4 blocks. */
+TAVU_API tavu_metric_block_t tavu_satd4x4;
+
+/**
+ * A quarter of the sum of the magnitudes of the 8x8 Hadamard transform of the residual, rounded to
+ * nearest. The magnitudes of each horizontal frequency are summed in 16 bits that wrap, and taken as
+ * signed: exact as long as none of the eight sums exceeds 32767.
+ */
+TAVU_API tavu_metric_block_t tavu_satd8x8;
+
+/** Sum of tavu_satd4x4() over all 4x4 tiles; width and height are multiples of 4. */
+TAVU_API tavu_metric_area_t tavu_satd;
+
+/** Sum of tavu_satd4x4() over the 4x4 tiles that cover the block; the last may reach beyond it. */
+TAVU_API tavu_metric_area_t tavu_satd1;
+
+/** Sum of tavu_satd8x8() over the 8x8 tiles that cover the block; the last may reach beyond it. */
+TAVU_API tavu_metric_area_t tavu_satd2;
 
 /* ------------------------------------------------------------------------------------------------
  * Image resizing
@@ -769,8 +1144,9 @@ TAVU_API tavu_csc_routine_t tavu_csc_yuv444x_to_yuv444x;
  * target pointer. Each source plane has its own stride. A target size of 0 raises SIGFPE.
  *
  * YUV sources: the pixels of full groups of eight in a row are converted in 16-bit arithmetic whose
- * products wrap before the rounding shift, so that strong chroma (|v| of 92 and more in red) comes
- * out far from the formula above; the last dst_w % 8 pixels are exact. Callers rely on these bytes.
+ * products wrap before the rounding shift, so that strong chroma (|v| of 92 and more in red, |u| of 73
+ * and more in blue) comes out far from the formula above; the last dst_w % 8 pixels are exact.
+ * Callers rely on these bytes.
  */
 
 /** R, G, B planes to R, G, B. */
@@ -785,6 +1161,357 @@ TAVU_API tavu_csc_routine_t tavu_csc_rsz_yuv444_to_rgb888;
 TAVU_API tavu_csc_routine_t tavu_csc_rsz_yuv444_to_rgba8888;
 /** Y, U, V, A planes to R, G, B, A. */
 TAVU_API tavu_csc_routine_t tavu_csc_rsz_yuv444a8_to_rgba8888;
+
+/* ------------------------------------------------------------------------------------------------
+ * Doubly linked list
+ *
+ * Keeps copies of elements of one size. An element is reached by position, by handle, or by the
+ * cursor. Pointers to elements and handles are valid until the element is removed. A list must not
+ * be used by two threads at once; no function but tavu_list_delete() takes a null list.
+ * --------------------------------------------------------------------------------------------- */
+
+/** Called with each element that is removed, after it is unlinked and before it is freed. */
+typedef void (*tavu_list_release_fn)(void *data);
+
+/** An element's links; its bytes follow at once. The node's address is the element's handle. */
+typedef struct tavu_list_node_t tavu_list_node_t;
+struct tavu_list_node_t {
+    tavu_list_node_t *prev, *next;
+};
+
+/** A list; read-only for callers. */
+typedef struct {
+    uint32_t elem_size;           /**< bytes of an element */
+    int32_t cnt;                  /**< number of elements */
+    tavu_list_node_t *head;       /**< marker before the first element */
+    tavu_list_node_t *tail;       /**< marker after the last element */
+    tavu_list_node_t *cur;        /**< current element or null */
+    tavu_list_release_fn release; /**< callback or null */
+} tavu_list_t;
+
+/**
+ * Creates an empty list.
+ * @param elem_size bytes of an element; 0 is allowed
+ * @param release null, or called for each element that is removed
+ * @return the list, or null when memory is short
+ */
+TAVU_API tavu_list_t *tavu_list_create(uint32_t elem_size, tavu_list_release_fn release);
+
+/** Removes all elements from first to last and frees the list; null is ignored. */
+TAVU_API void tavu_list_delete(tavu_list_t *list);
+
+/**
+ * Appends a copy of an element. Adding and inserting never move the cursor.
+ * @return the copy, or null when memory is short
+ */
+TAVU_API void *tavu_list_add(tavu_list_t *list, const void *elem);
+
+/** Prepends a copy of an element; otherwise as tavu_list_add(). */
+TAVU_API void *tavu_list_add_first(tavu_list_t *list, const void *elem);
+
+/**
+ * Appends a copy if `index` equals the count, prepends one if it is negative; inserts nothing for
+ * every other index.
+ * @return the copy, or null
+ */
+TAVU_API void *tavu_list_insert_at(tavu_list_t *list, const void *elem, int32_t index);
+
+/**
+ * The element at a position; a negative one stands for the first. Walks from the nearer end.
+ * @return the element; null when the index is not below the count, or the list is empty
+ */
+TAVU_API void *tavu_list_get_at(tavu_list_t *list, int32_t index);
+
+/** Handle of the element at a position; null when the index is negative or not below the count. */
+TAVU_API void *tavu_list_get_id(tavu_list_t *list, int32_t index);
+
+/** The element with a handle, which must be one of this list; null for null. */
+TAVU_API void *tavu_list_get_atid(tavu_list_t *list, const void *id);
+
+/** The first element, or null. */
+TAVU_API void *tavu_list_get_first(tavu_list_t *list);
+/** The last element, or null. */
+TAVU_API void *tavu_list_get_last(tavu_list_t *list);
+/** The number of elements. */
+TAVU_API int32_t tavu_list_get_cnt(tavu_list_t *list);
+
+/**
+ * Removes the element at a position; nothing when there is none. Walks from the first. Whenever a
+ * removed element was the current one, the cursor goes on to the next element, or to none behind
+ * the last.
+ */
+TAVU_API void tavu_list_rem_at(tavu_list_t *list, int32_t index);
+
+/** Removes the element with a handle, which must be one of this list. */
+TAVU_API void tavu_list_rem_atid(tavu_list_t *list, void *id);
+
+/** Removes the first element, if any. */
+TAVU_API void tavu_list_rem_first(tavu_list_t *list);
+/** Removes the last element, if any. */
+TAVU_API void tavu_list_rem_last(tavu_list_t *list);
+/** Removes all elements from first to last; there is no current element then. */
+TAVU_API void tavu_list_rem_all(tavu_list_t *list);
+
+/** The current element, or null when there is none. */
+TAVU_API void *tavu_list_get_cur(tavu_list_t *list);
+
+/** Makes the first element the current one and returns it, or null. */
+TAVU_API void *tavu_list_move_first(tavu_list_t *list);
+/** Makes the last element the current one and returns it, or null. */
+TAVU_API void *tavu_list_move_last(tavu_list_t *list);
+
+/**
+ * Moves the cursor to the next element and returns it. Behind the last element there is no current
+ * element and null is returned, also by every further step in either direction.
+ */
+TAVU_API void *tavu_list_move_next(tavu_list_t *list);
+/** Moves the cursor to the previous element; otherwise as tavu_list_move_next(). */
+TAVU_API void *tavu_list_move_prev(tavu_list_t *list);
+
+/** Removes the current element, if any. */
+TAVU_API void tavu_list_rem_cur(tavu_list_t *list);
+/** Removes the element before the current one; without a current one the last of the list. */
+TAVU_API void tavu_list_rem_prev(tavu_list_t *list);
+/** Removes the element after the current one; without a current one nothing. */
+TAVU_API void tavu_list_rem_next(tavu_list_t *list);
+
+/* ------------------------------------------------------------------------------------------------
+ * Ring buffer
+ *
+ * A byte queue in a ring of `size` bytes, of which one stays free: it is empty when head equals
+ * tail and full when head stands one before tail. Some operations leave the head one past the
+ * storage, and line feeds without carriage return the tail even two; the length functions follow
+ * their formulas and may be negative there, while an operation that would move a negative number of
+ * bytes does nothing and returns 0. Negative counts do nothing. A ring buffer must not be used by two
+ * threads at once; only tavu_rbuf_delete() takes null.
+ * --------------------------------------------------------------------------------------------- */
+
+/** A ring buffer; read-only for callers. */
+typedef struct {
+    int32_t head; /**< index of the next byte to write */
+    int32_t tail; /**< index of the next byte to read */
+    int32_t size; /**< bytes of storage */
+    uint8_t *buf; /**< storage */
+} tavu_rbuf_t;
+
+/**
+ * Creates an empty ring buffer.
+ * @param size bytes of storage, one more than it shall hold; at least 2 to be of use
+ * @return the ring buffer; null when memory is short or `size` is below 1
+ */
+TAVU_API tavu_rbuf_t *tavu_rbuf_create(int32_t size);
+
+/** Frees a ring buffer; null is ignored. */
+TAVU_API void tavu_rbuf_delete(tavu_rbuf_t *rbuf);
+
+/** Discards all data. */
+TAVU_API void tavu_rbuf_empty(tavu_rbuf_t *rbuf);
+
+/** 1 if nothing is stored, else 0. */
+TAVU_API int32_t tavu_rbuf_is_empty(tavu_rbuf_t *rbuf);
+/** 1 if nothing more can be stored, else 0. */
+TAVU_API int32_t tavu_rbuf_is_full(tavu_rbuf_t *rbuf);
+
+/** Bytes that can be stored in all: size - 1. */
+TAVU_API int32_t tavu_rbuf_get_tot_len(tavu_rbuf_t *rbuf);
+/** Stored bytes, but one less while the data wraps around the end of the storage. */
+TAVU_API int32_t tavu_rbuf_get_fill_len(tavu_rbuf_t *rbuf);
+/** Stored bytes that lie in one piece from the tail on. */
+TAVU_API int32_t tavu_rbuf_get_fillc_len(tavu_rbuf_t *rbuf);
+/** Free bytes, but two more while the data does not wrap: size + 1 when empty. */
+TAVU_API int32_t tavu_rbuf_get_free_len(tavu_rbuf_t *rbuf);
+/** Free bytes that lie in one piece from the head on. */
+TAVU_API int32_t tavu_rbuf_get_freec_len(tavu_rbuf_t *rbuf);
+
+/**
+ * Where to write in place; follow with tavu_rbuf_skip_head().
+ * @param pos write position; null when full
+ * @param len bytes that can be written there; 0 when full
+ * @return 0
+ */
+TAVU_API int32_t tavu_rbuf_get_head(tavu_rbuf_t *rbuf, uint8_t **pos, int32_t *len);
+
+/** Where to read in place, null and 0 when empty; follow with tavu_rbuf_skip_tail(). Returns 0. */
+TAVU_API int32_t tavu_rbuf_get_tail(tavu_rbuf_t *rbuf, uint8_t **pos, int32_t *len);
+
+/**
+ * Commits bytes written in place, also across the end of the storage.
+ * @return bytes committed, at most what is free. With the tail at index 0, a count that reaches the
+ *         end of the storage commits nothing although a number is returned
+ */
+TAVU_API int32_t tavu_rbuf_skip_head(tavu_rbuf_t *rbuf, int32_t count);
+
+/** Consumes up to `count` bytes; returns their number. */
+TAVU_API int32_t tavu_rbuf_skip_tail(tavu_rbuf_t *rbuf, int32_t count);
+
+/**
+ * Stores all bytes or none. An empty or partly filled buffer with its tail at index 0 takes as many
+ * bytes as lie up to the end of the storage, one more than tavu_rbuf_get_tot_len() says.
+ * @return `count` or 0
+ */
+TAVU_API int32_t tavu_rbuf_put(tavu_rbuf_t *rbuf, const void *src, int32_t count);
+
+/** Takes out up to `count` bytes; returns their number. */
+TAVU_API int32_t tavu_rbuf_get(tavu_rbuf_t *rbuf, void *dst, int32_t count);
+
+/**
+ * Takes out one line that ends in LF, and writes it with CR LF and a zero byte behind it.
+ *
+ * The tail moves by the length delivered: for a line that was stored without CR one byte beyond the
+ * line, so a stream of such lines loses the first byte of each next one. Incomplete lines stay.
+ *
+ * @param dst room for `size` + 2 bytes. Of data that wraps around the end of the storage all bytes
+ *        up to that end may be written whatever `size` is: then room for them and 3 bytes
+ * @param size about the longest line wanted; longer ones count as incomplete
+ * @return length with CR LF, without the zero byte; 0 when there is no complete line or a zero byte
+ *         comes before its end. A CR LF that the end of the storage splits counts as three bytes, of
+ *         which the last is not written, before the zero byte
+ */
+TAVU_API int32_t tavu_rbuf_get_one_line(tavu_rbuf_t *rbuf, void *dst, int32_t size);
+
+/* ------------------------------------------------------------------------------------------------
+ * Recycling list
+ *
+ * A pool of slots of one size, used as a queue: the producer takes free slots and fills them in
+ * place, the consumer reads the oldest and gives it back. A pool must not be used by two threads at
+ * once; only tavu_rlist_delete() takes null.
+ * --------------------------------------------------------------------------------------------- */
+
+/** A slot's links; its bytes follow at once. */
+typedef struct tavu_rlist_slot_t tavu_rlist_slot_t;
+struct tavu_rlist_slot_t {
+    tavu_rlist_slot_t *prev, *next;
+};
+
+/** A pool; read-only for callers. */
+typedef struct {
+    int32_t capacity;         /**< slots asked for at creation */
+    uint32_t slot_size;       /**< bytes of a slot */
+    int32_t used;             /**< slots taken and not given back */
+    tavu_rlist_slot_t *last;  /**< end of the chain: the oldest used slot */
+    tavu_rlist_slot_t *first; /**< start of the chain: the slot to be taken last */
+} tavu_rlist_t;
+
+/**
+ * Creates a pool; later calls allocate nothing.
+ * @param slot_size bytes of a slot
+ * @param count number of slots; at least 2, for a single slot can be taken but not given back
+ * @return the pool, or null, with nothing kept, when memory is short
+ */
+TAVU_API tavu_rlist_t *tavu_rlist_create(uint32_t slot_size, int32_t count);
+
+/** Frees a pool with all its slots; null is ignored. */
+TAVU_API void tavu_rlist_delete(tavu_rlist_t *rlist);
+
+/** Takes the next free slot, not cleared; null when all are used. */
+TAVU_API void *tavu_rlist_get_buf(tavu_rlist_t *rlist);
+
+/** The oldest used slot, or null. */
+TAVU_API void *tavu_rlist_get_data(tavu_rlist_t *rlist);
+
+/** Gives the oldest used slot back, if any; it is taken again after every slot now free. */
+TAVU_API void tavu_rlist_rem_data(tavu_rlist_t *rlist);
+
+/** Gives every used slot back. */
+TAVU_API void tavu_rlist_rem_all(tavu_rlist_t *rlist);
+
+/** Number of used slots. */
+TAVU_API int32_t tavu_rlist_get_used_cnt(tavu_rlist_t *rlist);
+/** Number of free slots: capacity less used ones, negative for a negative capacity. */
+TAVU_API int32_t tavu_rlist_get_free_cnt(tavu_rlist_t *rlist);
+
+/* ------------------------------------------------------------------------------------------------
+ * Words, tokens, lines and URIs
+ *
+ * Scanners over strings that end in a zero byte. They never change the string: results point into
+ * it. White space is tab, line feed, carriage return and space, whatever the locale. A line ends at
+ * a line feed, or at a carriage return and line feed. A null string counts as empty.
+ * --------------------------------------------------------------------------------------------- */
+
+/** The first byte that is not white, or null. */
+TAVU_API const char *tavu_str_move_to_validw(const char *str);
+
+/**
+ * The last byte of the first word. Null when no white space follows it before the string's last
+ * byte, which is never looked at; a string of one byte is returned as it is.
+ */
+TAVU_API const char *tavu_str_move_to_eow(const char *str);
+
+/** The first byte that is not white, if it lies before the string's last byte; else null. */
+TAVU_API const char *tavu_str_move_to_nextw(const char *str);
+
+/**
+ * The last byte of the first line end (here also a carriage return alone), if it lies before the
+ * string's last byte; else null. The next line begins one byte further.
+ */
+TAVU_API const char *tavu_str_move_to_nextl(const char *str);
+
+/**
+ * Finds the end of a token: the first byte equal to `delim`, a line feed or a carriage return, or
+ * the end of the string.
+ * @param len bytes before it
+ * @param next null, or where to store the byte after it; null when nothing follows
+ * @return 0; -1 for an empty string
+ */
+TAVU_API int32_t tavu_str_parse_by_ctok(const char *str, int32_t delim, int32_t *len,
+                                        const char **next);
+
+/**
+ * Finds the end of a token: the first occurrence of `delim`, or a line feed or carriage return
+ * before it. Unlike tavu_str_parse_by_ctok() it does not take the end of the string for one.
+ * @param delim the delimiter; an empty one is found at once
+ * @param len bytes before it
+ * @param next null, or where to store the byte after it; null when nothing follows
+ * @return 0; -1, with a length of 0, when there is none
+ */
+TAVU_API int32_t tavu_str_parse_by_stok(const char *str, const char *delim, int32_t *len,
+                                        const char **next);
+
+/**
+ * Measures the first line.
+ * @param len its bytes without the line end
+ * @param next the next line; null when nothing follows
+ * @return 0; -1 when no line end is found (`len` is then the length of the string) or a carriage
+ *         return stands alone (`len` is then 0)
+ */
+TAVU_API int32_t tavu_str_parse_one_line(const char *str, int32_t *len, const char **next);
+
+/** Reserved; does nothing and returns 0. */
+TAVU_API int32_t tavu_str_get_one_az09(void);
+
+/**
+ * Splits scheme "://" host ":" port "/" path. Leading white space is dropped; the port is required;
+ * a line end ends scheme, host and port too; nothing is unescaped.
+ *
+ * The path is meant for a URI inside a request: when another line follows that of the URI, the path
+ * is copied from *that* line, as many bytes as the URI's own path has (fewer if the string ends).
+ * It begins with "/"; it is empty when nothing follows the "/" of the URI, or a carriage return
+ * stands alone there.
+ *
+ * @param scheme,host,port,path room for each part and a zero byte; the length of the whole string
+ *        plus 2 is always enough
+ * @param rest the line behind that of the URI; null when there is none
+ * @return 0; -1 for a null or blank string, no "://" or nothing behind it, no port. What was found
+ *         before stays written
+ */
+TAVU_API int32_t tavu_str_parse_uri(const char *uri, char *scheme, char *host, char *port,
+                                    char *path, const char **rest);
+
+/**
+ * Copies a string with each space written as "%20"; nothing else is escaped.
+ * @param dst room for 3 bytes per source byte and a zero byte
+ * @return length written
+ */
+TAVU_API int32_t tavu_str_conv_a2uri(const char *src, char *dst);
+
+/**
+ * Copies a string with each "%" and the two bytes behind it replaced by one byte: 16 times the first
+ * plus the second *decimal* digit, where every other byte, A to F included, counts as 0.
+ * @param src a "%" as its last byte needs a readable byte behind the terminating zero
+ * @param dst room for the source's length and a zero byte
+ * @return length written
+ */
+TAVU_API int32_t tavu_str_conv_uri2a(const char *src, char *dst);
 
 #ifdef __cplusplus
 }

@@ -1,5 +1,6 @@
 // Bit reader. The cache holds its bits left-justified with zeros below; the readers rely on shifts
 // by 32 and by negative counts yielding 0.
+#include "bs/buffer.h"
 #include "simd/cpu.h"
 #include "tavu.h"
 
@@ -7,12 +8,6 @@ namespace tavu {
 namespace {
 
 constexpr int32_t CACHE_BYTES = 4;
-
-// Bytes not yet loaded. By integers, for an empty buffer may be null.
-intptr_t remaining(const tavu_bsr_t *bs) {
-    return static_cast<intptr_t>(reinterpret_cast<uintptr_t>(bs->end) + 1 -
-                                 reinterpret_cast<uintptr_t>(bs->cur));
-}
 
 void consume(tavu_bsr_t *bs, int32_t bits) {
     bs->code = shift_left(bs->code, bits);
@@ -125,11 +120,7 @@ int32_t read_tu(tavu_bsr_t *bs, int32_t max) {
 }  // namespace tavu
 
 void tavu_bsr_init(tavu_bsr_t *bs, const void *buf, int32_t size, tavu_bsr_flush_fn flush) {
-    bs->size = size;
-    bs->beg = static_cast<const uint8_t *>(buf);
-    bs->cur = bs->beg;
-    const uintptr_t last = reinterpret_cast<uintptr_t>(buf) + static_cast<uintptr_t>(size) - 1;
-    bs->end = reinterpret_cast<const uint8_t *>(last);  // NOLINT: an empty buffer may be null
+    tavu::set_buffer(bs, static_cast<const uint8_t *>(buf), size);
     bs->code = 0;
     bs->leftbits = 0;
     bs->flush = flush != nullptr ? flush : tavu_bsr_flush;

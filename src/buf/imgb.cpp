@@ -3,21 +3,14 @@
 #include <cstring>
 
 #include "buf/imgb_geometry.h"
+#include "buf/payload.h"
 #include "buf/refcount.h"
-#include "core/alloc.h"
 
 namespace tavu {
 namespace {
 
-void *default_alloc(int32_t size, uint32_t *second) {
-    *second = 0;
-    return malloc_align32(static_cast<uint32_t>(size));
-}
-
-void default_free(void *payload, uint32_t) { free_align32(payload); }
-
 void free_imgb(tavu_imgb_t *imgb) {
-    if (imgb->base[0] != nullptr) imgb->mem_free(imgb->base[0], imgb->pbase[0]);
+    free_payload(imgb->base[0], imgb->pbase[0], imgb->mem_free);
     free(imgb);
 }
 
@@ -118,29 +111,12 @@ using namespace tavu;
 tavu_imgb_t *tavu_imgb_create(int32_t w, int32_t h, int32_t cs, int32_t opt, const uint32_t *align,
                               const uint32_t *pad, tavu_imgb_alloc_fn mem_alloc,
                               tavu_imgb_free_fn mem_free, int32_t *status) {
-    int32_t ignored;
-    if (status == nullptr) status = &ignored;
-    if (mem_alloc == nullptr) {
-        mem_alloc = default_alloc;
-        mem_free = default_free;
-    } else if (mem_free == nullptr) {
-        *status = TAVU_ERR_INVALID_ARGUMENT;
-        return nullptr;
-    }
-    auto *imgb = static_cast<tavu_imgb_t *>(calloc(1, sizeof(tavu_imgb_t)));
-    if (imgb == nullptr) {
-        *status = TAVU_ERR_OUT_OF_MEMORY;
-        return nullptr;
-    }
-    imgb->mem_alloc = mem_alloc;
-    imgb->mem_free = mem_free;
-    *status = init_imgb(imgb, w, h, cs, opt, align, pad);
-    if (*status != TAVU_OK) {
-        free(imgb);
-        return nullptr;
-    }
-    init_refcount<tavu_imgb_t, free_imgb>(imgb);
-    return imgb;
+    return create_counted<tavu_imgb_t, free_imgb>(status, [=](tavu_imgb_t *imgb) -> int32_t {
+        if (mem_alloc != nullptr && mem_free == nullptr) return TAVU_ERR_INVALID_ARGUMENT;
+        imgb->mem_alloc = mem_alloc != nullptr ? mem_alloc : aligned_payload;
+        imgb->mem_free = mem_alloc != nullptr ? mem_free : free_aligned_payload;
+        return init_imgb(imgb, w, h, cs, opt, align, pad);
+    });
 }
 
 int32_t tavu_imgb_rebirth(tavu_imgb_t *imgb, int32_t w, int32_t h, int32_t cs, int32_t opt,

@@ -3,6 +3,7 @@
 #define TAVU_BUF_REFCOUNT_H
 
 #include <cstdint>
+#include <cstdlib>
 
 #include "core/atomic.h"
 #include "tavu.h"
@@ -28,13 +29,23 @@ int32_t release(Object *object) {
     return count;
 }
 
-// Gives a new object its methods and its first reference.
-template <class Object, void (*Free)(Object *)>
-void init_refcount(Object *object) {
-    object->addref = addref<Object>;
-    object->getref = getref<Object>;
-    object->release = release<Object, Free>;
-    object->addref(object);
+// Creates an object with its first reference: zeroed, then filled by init(object), which returns a
+// status code. When that is a failure Free gets the object as far as it was filled.
+template <class Object, void (*Free)(Object *), class Init>
+Object *create_counted(int32_t *status, Init init) {
+    auto *object = static_cast<Object *>(calloc(1, sizeof(Object)));
+    const int32_t result = object != nullptr ? init(object) : TAVU_ERR_OUT_OF_MEMORY;
+    if (status != nullptr) *status = result;
+    if (result == TAVU_OK) {
+        object->addref = addref<Object>;
+        object->getref = getref<Object>;
+        object->release = release<Object, Free>;
+        object->addref(object);
+    } else if (object != nullptr) {
+        Free(object);
+        object = nullptr;
+    }
+    return object;
 }
 
 }  // namespace tavu

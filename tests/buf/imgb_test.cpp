@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "memory.h"
+#include "recorder.h"
 #include "tavu.h"
 
 namespace {
@@ -11,30 +12,6 @@ struct Release {
     void operator()(tavu_imgb_t *imgb) const { imgb->release(imgb); }
 };
 using Image = std::unique_ptr<tavu_imgb_t, Release>;
-
-// A recording allocator: the payload is filled with 0xFF.
-struct {
-    int allocated, freed;
-    int32_t size;
-    uint32_t second, freed_second;
-    bool fail;
-} memory;
-
-void *allocate(int32_t size, uint32_t *second) {
-    memory.allocated++;
-    memory.size = size;
-    if (memory.fail) return nullptr;
-    *second = memory.second;
-    void *payload = malloc(static_cast<size_t>(size) + 1);
-    if (payload != nullptr) memset(payload, 0xFF, static_cast<size_t>(size));
-    return payload;
-}
-
-void release(void *payload, uint32_t second) {
-    memory.freed++;
-    memory.freed_second = second;
-    free(payload);
-}
 
 class Imgb : public testing::Test {
   protected:

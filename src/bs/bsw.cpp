@@ -1,0 +1,105 @@
+// Bit writer. The cache fills from bit 31 downward, with zeros below; the writers rely on shifts by
+// 32 and by negative counts yielding 0.
+#include "bs/buffer.h"
+#include "simd/cpu.h"
+#include "tavu.h"
+
+namespace tavu {
+namespace {
+
+// Bytes of the cache that hold bits.
+int32_t pending_bytes(const tavu_bsw_t *bs) { return (39 - bs->leftbits) >> 3; }
+
+int32_t spill(tavu_bsw_t *bs) {
+    for (int32_t n = pending_bytes(bs); n > 0; n--) {
+        *bs->cur++ = static_cast<uint8_t>(bs->code >> 24);
+        bs->code <<= 8;
+    }
+    return 0;
+}
+
+void spill_all(tavu_bsw_t *bs) {
+    bs->flush(bs);
+    bs->code = 0;
+    bs->leftbits = 32;
+}
+
+int32_t write(tavu_bsw_t *bs, uint32_t value, int32_t len) {
+    const uint32_t bits = shift_left(value, 32 - len);
+    const int32_t free_bits = bs->leftbits;
+    bs->code |= shift_right(bits, 32 - free_bits);
+    if (free_bits > len) {
+        bs->leftbits -= len;
+        return 0;
+    }
+    if (remaining(bs) < 5) return -1;  // one more than is written; callers rely on it
+    bs->leftbits = 0;
+    bs->flush(bs);
+    bs->code = shift_left(bits, free_bits);
+    bs->leftbits = free_bits + 32 - len;
+    return 0;
+}
+
+int32_t write1(tavu_bsw_t *bs, int32_t bit) {
+    bs->leftbits--;
+    bs->code |= shift_left(bit & 1, bs->leftbits);
+    if (bs->leftbits != 0) return 0;
+    if (remaining(bs) < 1) return -1;  // three bytes may go beyond the end; callers rely on it
+    spill_all(bs);
+    return 0;
+}
+
+int32_t floor_log2(uint32_t x) { return 31 - count_leading_zeros(x); }
+
+int32_t write_ue(tavu_bsw_t *bs, uint32_t value) {
+    const uint32_t x = value + 1;
+    return x == 0 ? write(bs, 1, 1) : write(bs, x, 2 * floor_log2(x) + 1);
+}
+
+// 0, 1, -1, 2, -2 to 0, 1, 2, 3, 4.
+uint32_t unsigned_of(int32_t value) {
+    const auto twice = 2 * static_cast<uint32_t>(value);
+    return value > 0 ? twice - 1 : 0 - twice;
+}
+
+int32_t size_ue(uint32_t value) { return 2 * floor_log2(value + 1) + 1; }
+
+}  // namespace
+}  // namespace tavu
+
+void tavu_bsw_init(tavu_bsw_t *bs, void *buf, int32_t size, tavu_bsw_flush_fn flush) {
+    tavu::set_buffer(bs, static_cast<uint8_t *>(buf), size);
+    bs->code = 0;
+    bs->leftbits = 32;
+    bs->flush = flush != nullptr ? flush : tavu::spill;
+}
+
+int32_t tavu_bsw_write1(tavu_bsw_t *bs, int32_t bit) { return tavu::write1(bs, bit); }
+
+int32_t tavu_bsw_write(tavu_bsw_t *bs, uint32_t value, int32_t len) {
+    return tavu::write(bs, value, len);
+}
+
+int32_t tavu_bsw_write_ue(tavu_bsw_t *bs, uint32_t value) { return tavu::write_ue(bs, value); }
+
+int32_t tavu_bsw_write_se(tavu_bsw_t *bs, int32_t value) {
+    return tavu::write_ue(bs, tavu::unsigned_of(value));
+}
+
+int32_t tavu_bsw_write_te(tavu_bsw_t *bs, int32_t value, int32_t range) {
+    if (range < 1) return 0;
+    return range == 1 ? tavu::write1(bs, 1 - value)
+                      : tavu::write_ue(bs, static_cast<uint32_t>(value));
+}
+
+int32_t tavu_bsw_sink(tavu_bsw_t *bs) {
+    if (tavu::remaining(bs) <= tavu::pending_bytes(bs)) return -1;
+    tavu::spill_all(bs);
+    return 0;
+}
+
+int32_t tavu_bsw_deinit(tavu_bsw_t *bs) { return bs->flush(bs); }
+
+int32_t tavu_bsw_size_ue(uint32_t value) { return tavu::size_ue(value); }
+
+int32_t tavu_bsw_size_se(int32_t value) { return tavu::size_ue(tavu::unsigned_of(value)); }

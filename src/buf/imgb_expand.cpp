@@ -1,0 +1,74 @@
+// Border expansion: every sample of the padding becomes the nearest sample of the picture.
+#include <cstddef>
+#include <cstring>
+
+#include "tavu.h"
+
+namespace tavu {
+namespace {
+
+// `width` copies of the byte at src in each row.
+void repeat_column(const uint8_t *src, uint8_t *dst, int32_t rows, int32_t stride, int32_t width) {
+    if (width < 1) return;
+    for (; rows > 0; rows--, src += stride, dst += stride) {
+        memset(dst, *src, static_cast<size_t>(width));
+    }
+}
+
+void repeat_row(const uint8_t *src, uint8_t *dst, int32_t len, int32_t rows) {
+    if (len < 1) return;
+    for (; rows > 0; rows--, dst += len) memcpy(dst, src, static_cast<size_t>(len));
+}
+
+void expand_plane(uint8_t *addr, int32_t stride, int32_t w, int32_t h, uint32_t pad) {
+    const auto width = static_cast<int32_t>(pad >> 16), rows = static_cast<int32_t>(pad & 0xFFFF);
+    if (w < 1 || h < 1) return;
+    // By the rows above, not the strip's width; callers rely on it.
+    repeat_column(addr, addr - rows, h, stride, width);
+    repeat_column(addr + w - 1, addr + w, h, stride, width);
+    uint8_t *first = addr - width;
+    uint8_t *last = first + static_cast<ptrdiff_t>(h - 1) * stride;
+    repeat_row(first, first - static_cast<ptrdiff_t>(rows) * stride, stride, rows);
+    repeat_row(last, last + stride, stride, rows);
+}
+
+// Planes that are expanded; 0 for other layouts.
+int count_planes(int32_t cs) {
+    switch (cs) {
+        case TAVU_CS_YUV400: return 1;
+        case TAVU_CS_YUV420:
+        case TAVU_CS_YUV422:
+        case TAVU_CS_YUV444:
+        case TAVU_CS_YUV440: return 3;
+        default: return 0;
+    }
+}
+
+}  // namespace
+}  // namespace tavu
+
+using namespace tavu;
+
+int32_t tavu_imgb_expand(tavu_imgb_t *imgb, const uint32_t *pad) {
+    if (imgb == nullptr || pad == nullptr) return TAVU_ERR_INVALID_ARGUMENT;
+    const int planes = count_planes(imgb->cs);
+    if (planes == 0) return TAVU_ERR_UNSUPPORTED;
+    for (int p = 0; p < planes; p++) {
+        // Chroma is taken as halved both ways in every layout; callers rely on it.
+        const int32_t w = p == 0 ? imgb->aw : (imgb->aw + 1) >> 1;
+        const int32_t h = p == 0 ? imgb->ah : (imgb->ah + 1) >> 1;
+        expand_plane(imgb->addr[p], imgb->stride[p], w, h, pad[p]);
+    }
+    return TAVU_OK;
+}
+
+void tavu_imgb_expand_ver(const uint8_t *src, uint8_t *dst, int32_t rows, int32_t stride,
+                          int32_t width) {
+    repeat_column(src, dst, rows, stride, width);
+}
+
+void tavu_imgb_expand_hor(const uint8_t *src, uint8_t *dst, int32_t len, int32_t rows) {
+    // Columns of 8 and 4 bytes are written 8 rows at a time; callers rely on it.
+    if (len % 16 != 0 && len % 4 == 0 && rows > 0) rows = (rows + 7) & ~7;
+    repeat_row(src, dst, len, rows);
+}

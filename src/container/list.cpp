@@ -1,0 +1,183 @@
+// The markers before the first and after the last element point at themselves at the outer ends, so
+// a step from any node ends at a node.
+#include <cstdlib>
+#include <cstring>
+
+#include "tavu.h"
+
+namespace tavu {
+namespace {
+
+using Node = tavu_list_node_t;
+
+Node *allocate_node(uint32_t elem_size) {
+    const size_t bytes = sizeof(Node) + elem_size;
+    return bytes < elem_size ? nullptr : static_cast<Node *>(malloc(bytes));
+}
+
+void *data(Node *node) { return node != nullptr ? node + 1 : nullptr; }
+
+// The node itself if it is an element, null if it is a marker.
+Node *element(const tavu_list_t *list, Node *node) {
+    return node != list->head && node != list->tail ? node : nullptr;
+}
+
+Node *first(const tavu_list_t *list) { return element(list, list->head->next); }
+
+Node *last(const tavu_list_t *list) { return element(list, list->tail->prev); }
+
+bool has_index(const tavu_list_t *list, int32_t index) { return index >= 0 && index < list->cnt; }
+
+Node *forward(Node *node, int32_t steps) {
+    for (; steps > 0; steps--) node = node->next;
+    return node;
+}
+
+Node *backward(Node *node, int32_t steps) {
+    for (; steps > 0; steps--) node = node->prev;
+    return node;
+}
+
+// Walks from the nearer end, no step for a negative index.
+Node *node_at(const tavu_list_t *list, int32_t index) {
+    if (index > list->cnt / 2) return backward(list->tail->prev, list->cnt - 1 - index);
+    return forward(list->head->next, index);
+}
+
+void link_after(Node *prev, Node *node) {
+    *node = {prev, prev->next};
+    node->next->prev = node;
+    prev->next = node;
+}
+
+void *insert_after(tavu_list_t *list, Node *prev, const void *elem) {
+    Node *node = allocate_node(list->elem_size);
+    if (node == nullptr) return nullptr;
+    if (list->elem_size > 0) memcpy(data(node), elem, list->elem_size);
+    link_after(prev, node);
+    list->cnt++;
+    return data(node);
+}
+
+// Does nothing for null. The cursor leaves the element before the callback can look at it.
+void remove_node(tavu_list_t *list, Node *node) {
+    if (node == nullptr) return;
+    if (node == list->cur) list->cur = element(list, node->next);
+    node->prev->next = node->next;
+    node->next->prev = node->prev;
+    if (list->release != nullptr) list->release(data(node));
+    free(node);
+    list->cnt--;
+}
+
+void remove_all(tavu_list_t *list) {
+    while (list->cnt > 0) remove_node(list, first(list));
+}
+
+void free_list(tavu_list_t *list) {
+    free(list->head);
+    free(list->tail);
+    free(list);
+}
+
+void *move_to(tavu_list_t *list, Node *node) {
+    list->cur = node;
+    return data(node);
+}
+
+}  // namespace
+}  // namespace tavu
+
+using namespace tavu;
+
+tavu_list_t *tavu_list_create(uint32_t elem_size, tavu_list_release_fn release) {
+    auto *list = static_cast<tavu_list_t *>(malloc(sizeof(tavu_list_t)));
+    if (list == nullptr) return nullptr;
+    *list = {elem_size, 0, allocate_node(0), allocate_node(0), nullptr, release};
+    if (list->head == nullptr || list->tail == nullptr) {
+        free_list(list);
+        return nullptr;
+    }
+    *list->head = *list->tail = {list->head, list->tail};
+    return list;
+}
+
+void tavu_list_delete(tavu_list_t *list) {
+    if (list == nullptr) return;
+    remove_all(list);
+    free_list(list);
+}
+
+void *tavu_list_add(tavu_list_t *list, const void *elem) {
+    return insert_after(list, list->tail->prev, elem);
+}
+
+void *tavu_list_add_first(tavu_list_t *list, const void *elem) {
+    return insert_after(list, list->head, elem);
+}
+
+void *tavu_list_insert_at(tavu_list_t *list, const void *elem, int32_t index) {
+    // Only the two ends: callers rely on an index within the list being refused.
+    if (index >= 0 && index != list->cnt) return nullptr;
+    return insert_after(list, index < 0 ? list->head : list->tail->prev, elem);
+}
+
+void *tavu_list_get_at(tavu_list_t *list, int32_t index) {
+    if (index >= list->cnt) return nullptr;
+    // A negative index stands for the first element; callers rely on it.
+    return data(element(list, node_at(list, index)));
+}
+
+void *tavu_list_get_id(tavu_list_t *list, int32_t index) {
+    return has_index(list, index) ? node_at(list, index) : nullptr;
+}
+
+void *tavu_list_get_atid(tavu_list_t *, const void *id) {
+    return data(static_cast<Node *>(const_cast<void *>(id)));
+}
+
+void *tavu_list_get_first(tavu_list_t *list) { return data(first(list)); }
+
+void *tavu_list_get_last(tavu_list_t *list) { return data(last(list)); }
+
+int32_t tavu_list_get_cnt(tavu_list_t *list) { return list->cnt; }
+
+void tavu_list_rem_at(tavu_list_t *list, int32_t index) {
+    if (has_index(list, index)) remove_node(list, forward(list->head->next, index));
+}
+
+void tavu_list_rem_atid(tavu_list_t *list, void *id) { remove_node(list, static_cast<Node *>(id)); }
+
+void tavu_list_rem_first(tavu_list_t *list) { remove_node(list, first(list)); }
+
+void tavu_list_rem_last(tavu_list_t *list) { remove_node(list, last(list)); }
+
+void tavu_list_rem_all(tavu_list_t *list) { remove_all(list); }
+
+void *tavu_list_get_cur(tavu_list_t *list) { return data(list->cur); }
+
+void *tavu_list_move_first(tavu_list_t *list) { return move_to(list, first(list)); }
+
+void *tavu_list_move_last(tavu_list_t *list) { return move_to(list, last(list)); }
+
+void *tavu_list_move_next(tavu_list_t *list) {
+    if (list->cur == nullptr) return nullptr;
+    return move_to(list, element(list, list->cur->next));
+}
+
+void *tavu_list_move_prev(tavu_list_t *list) {
+    if (list->cur == nullptr) return nullptr;
+    return move_to(list, element(list, list->cur->prev));
+}
+
+void tavu_list_rem_cur(tavu_list_t *list) { remove_node(list, list->cur); }
+
+// Without a cursor this one removes the last element and the next one nothing; callers rely on it.
+void tavu_list_rem_prev(tavu_list_t *list) {
+    const Node *from = list->cur != nullptr ? list->cur : list->tail;
+    remove_node(list, element(list, from->prev));
+}
+
+void tavu_list_rem_next(tavu_list_t *list) {
+    if (list->cur != nullptr) remove_node(list, element(list, list->cur->next));
+}

@@ -1,0 +1,97 @@
+// The used slots are the last ones of the chain, the oldest at its end; all before them are free.
+#include <cstdlib>
+
+#include "tavu.h"
+
+namespace tavu {
+namespace {
+
+using Slot = tavu_rlist_slot_t;
+
+Slot *allocate_slot(uint32_t slot_size) {
+    const size_t bytes = sizeof(Slot) + slot_size;
+    return bytes < slot_size ? nullptr : static_cast<Slot *>(malloc(bytes));
+}
+
+bool append_slot(tavu_rlist_t *rlist) {
+    Slot *slot = allocate_slot(rlist->slot_size);
+    if (slot == nullptr) return false;
+    *slot = {rlist->last, nullptr};
+    (rlist->last != nullptr ? rlist->last->next : rlist->first) = slot;
+    rlist->last = slot;
+    return true;
+}
+
+// At least one slot, even for a capacity that lets none be taken.
+bool append_slots(tavu_rlist_t *rlist) {
+    if (!append_slot(rlist)) return false;
+    for (int32_t i = 1; i < rlist->capacity; i++) {
+        if (!append_slot(rlist)) return false;
+    }
+    return true;
+}
+
+void free_rlist(tavu_rlist_t *rlist) {
+    while (rlist->first != nullptr) {
+        Slot *slot = rlist->first;
+        rlist->first = slot->next;
+        free(slot);
+    }
+    free(rlist);
+}
+
+// Moves the oldest used slot to the start of the chain: false when there is none, or when it is the
+// pool's only slot, which stays in use.
+bool recycle_oldest(tavu_rlist_t *rlist) {
+    Slot *slot = rlist->last;
+    if (rlist->used == 0 || slot->prev == nullptr) return false;
+    rlist->last = slot->prev;
+    rlist->last->next = nullptr;
+    *slot = {nullptr, rlist->first};
+    rlist->first->prev = slot;
+    rlist->first = slot;
+    rlist->used--;
+    return true;
+}
+
+}  // namespace
+}  // namespace tavu
+
+using namespace tavu;
+
+tavu_rlist_t *tavu_rlist_create(uint32_t slot_size, int32_t count) {
+    auto *rlist = static_cast<tavu_rlist_t *>(malloc(sizeof(tavu_rlist_t)));
+    if (rlist == nullptr) return nullptr;
+    *rlist = {count, slot_size, 0, nullptr, nullptr};
+    if (!append_slots(rlist)) {
+        free_rlist(rlist);
+        return nullptr;
+    }
+    return rlist;
+}
+
+void tavu_rlist_delete(tavu_rlist_t *rlist) {
+    if (rlist != nullptr) free_rlist(rlist);
+}
+
+void *tavu_rlist_get_buf(tavu_rlist_t *rlist) {
+    if (rlist->used >= rlist->capacity) return nullptr;
+    Slot *slot = rlist->last;
+    for (int32_t i = 0; i < rlist->used; i++) slot = slot->prev;
+    rlist->used++;
+    return slot + 1;
+}
+
+void *tavu_rlist_get_data(tavu_rlist_t *rlist) {
+    return rlist->used == 0 ? nullptr : rlist->last + 1;
+}
+
+void tavu_rlist_rem_data(tavu_rlist_t *rlist) { recycle_oldest(rlist); }
+
+void tavu_rlist_rem_all(tavu_rlist_t *rlist) {
+    while (recycle_oldest(rlist)) continue;
+}
+
+int32_t tavu_rlist_get_used_cnt(tavu_rlist_t *rlist) { return rlist->used; }
+
+int32_t tavu_rlist_get_free_cnt(tavu_rlist_t *rlist) { return rlist->capacity - rlist->used; }

@@ -1,0 +1,210 @@
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "bits.h"
+#include "memory.h"
+#include "tavu.h"
+
+namespace {
+
+// A writer on a guarded buffer beside what it should be: all bits as a string.
+struct Writer : tavu_bsw_t {
+    explicit Writer(size_t bytes, size_t slack = 0) : memory(bytes + slack) {
+        tavu_bsw_init(this, memory.data(), static_cast<int32_t>(bytes), nullptr);
+    }
+    // Fields and bytes after `bits` were written; whole words of them are spilled.
+    void expect(const std::string &bits) const {
+        const size_t spilled = bits.size() / 32 * 4, left = bits.size() % 32;
+        std::string cached = bits.substr(spilled * 8);
+        cached.resize(32, '0');
+        EXPECT_EQ(code, value_of(cached, 0, 32));
+        EXPECT_EQ(leftbits, 32 - static_cast<int32_t>(left));
+        ASSERT_EQ(cur - beg, static_cast<ptrdiff_t>(spilled));
+        EXPECT_EQ(unpack(Bytes(beg, cur)), bits.substr(0, spilled * 8));
+    }
+    GuardedBytes memory;
+};
+
+std::string binary(uint32_t value, int length) {
+    std::string bits;
+    for (int i = length - 1; i >= 0; i--) bits += static_cast<char>('0' + (value >> i & 1));
+    return bits;
+}
+
+TEST(Bsw, WhatIsWrittenIsReadBack) {
+    enum { FIXED, SINGLE, UE, SE, TE, TE1, KINDS };
+    std::mt19937 random(1);
+    for (int round = 0; round < 40; round++) {
+        Writer w(4000);
+        std::string bits;
+        struct Code {
+            unsigned kind;
+            int32_t value, length;
+        };
+        std::vector<Code> codes;
+        for (int i = 0; i < 400; i++) {
+            const unsigned kind = random() % KINDS;
+            const auto length = static_cast<int32_t>(random() % 33);
+            const auto any = static_cast<uint32_t>(random());
+            const auto small = static_cast<int32_t>((any & 0xFFFF) >> random() % 16 >> 1);
+            const int32_t value = kind == SE && i % 2 == 1 ? -small : small;
+            int32_t status = 0;
+            switch (kind) {
+                case FIXED:
+                    status = tavu_bsw_write(&w, any, length);
+                    bits += binary(any, length);
+                    break;
+                case SINGLE:
+                    status = tavu_bsw_write1(&w, static_cast<int32_t>(any));
+                    bits += binary(any, 1);
+                    break;
+                case UE: status = tavu_bsw_write_ue(&w, static_cast<uint32_t>(value)); break;
+                case SE: status = tavu_bsw_write_se(&w, value); break;
+                case TE: status = tavu_bsw_write_te(&w, value, 2 + value); break;
+                default:
+                    status = tavu_bsw_write_te(&w, value & 1, 1);
+                    bits += value & 1 ? '0' : '1';
+            }
+            if (kind == UE || kind == TE) {
+                bits += exp_golomb(static_cast<uint32_t>(value));
+                EXPECT_EQ(static_cast<size_t>(tavu_bsw_size_ue(static_cast<uint32_t>(value))),
+                          exp_golomb(static_cast<uint32_t>(value)).size());
+            }
+            if (kind == SE) {
+                const std::string code =
+                    exp_golomb(static_cast<uint32_t>(value > 0 ? 2 * value - 1 : -2 * value));
+                bits += code;
+                EXPECT_EQ(static_cast<size_t>(tavu_bsw_size_se(value)), code.size());
+            }
+            ASSERT_EQ(status, 0);
+            w.expect(bits);
+            if (HasFailure()) return;
+            codes.push_back({kind,
+                             kind == FIXED || kind == SINGLE ? static_cast<int32_t>(any) : value,
+                             length});
+        }
+        ASSERT_EQ(tavu_bsw_sink(&w), 0);
+        EXPECT_EQ(w.leftbits, 32);
+        EXPECT_EQ(w.code, 0U);
+        ASSERT_EQ(w.cur - w.beg, static_cast<ptrdiff_t>(bits.size() + 7) / 8);
+
+        tavu_bsr_t r;
+        tavu_bsr_init(&r, w.beg, static_cast<int32_t>(w.cur - w.beg), nullptr);
+        for (const Code &c : codes) {
+            const auto mask = static_cast<int32_t>((uint64_t{1} << c.length) - 1);
+            switch (c.kind) {
+                case FIXED: ASSERT_EQ(tavu_bsr_read(&r, c.length), c.value & mask); break;
+                case SINGLE: ASSERT_EQ(tavu_bsr_read1(&r), c.value & 1); break;
+                case UE: ASSERT_EQ(tavu_bsr_read_ue(&r), c.value); break;
+                case SE: ASSERT_EQ(tavu_bsr_read_se(&r), c.value); break;
+                case TE: ASSERT_EQ(tavu_bsr_read_te(&r, 2 + c.value), c.value); break;
+                default: ASSERT_EQ(tavu_bsr_read_te(&r, 1), c.value & 1);
+            }
+        }
+    }
+}
+
+TEST(Bsw, LongestCodesAndTheirSizes) {
+    Writer w(64);
+    EXPECT_EQ(tavu_bsw_write_ue(&w, 65534), 0);
+    EXPECT_EQ(tavu_bsw_write_se(&w, 32767), 0);
+    EXPECT_EQ(tavu_bsw_write_se(&w, -32767), 0);
+    EXPECT_EQ(tavu_bsw_write_ue(&w, 0xFFFFFFFF), 0);  // wraps to the code of 0
+    w.expect(exp_golomb(65534) + exp_golomb(65533) + exp_golomb(65534) + "1");
+    for (const auto &[value, size] : {std::pair(0U, 1),
+                                      {1U, 3},
+                                      {2U, 3},
+                                      {254U, 15},
+                                      {255U, 17},
+                                      {510U, 17},
+                                      {511U, 19},
+                                      {65534U, 31}}) {
+        EXPECT_EQ(tavu_bsw_size_ue(value), size);
+    }
+    EXPECT_EQ(tavu_bsw_write_te(&w, 5, 0), 0);
+    EXPECT_EQ(tavu_bsw_write_te(&w, 5, -1), 0);
+    w.expect(exp_golomb(65534) + exp_golomb(65533) + exp_golomb(65534) + "1");
+}
+
+// A full cache is spilled only if a byte more than it needs is left.
+TEST(Bsw, WritesWantASpareByte) {
+    Writer five(5);
+    EXPECT_EQ(tavu_bsw_write(&five, 0x12345678, 32), 0);
+    five.expect(binary(0x12345678, 32));
+
+    // Without one the cache keeps what went into it, and the free bits stay as they were.
+    Writer four(4);
+    ASSERT_EQ(tavu_bsw_write(&four, 0xABC, 12), 0);
+    EXPECT_EQ(tavu_bsw_write(&four, 0xDEF012, 24), -1);
+    EXPECT_EQ(four.code, 0xABCDEF01U);
+    EXPECT_EQ(four.leftbits, 20);
+    EXPECT_EQ(four.cur, four.beg);
+
+    Writer three(3);
+    ASSERT_EQ(tavu_bsw_write(&three, 5, 17), 0);
+    EXPECT_EQ(tavu_bsw_sink(&three), -1);
+    EXPECT_EQ(three.leftbits, 15);
+    EXPECT_EQ(three.cur, three.beg);
+    three.end++;
+    EXPECT_EQ(tavu_bsw_sink(&three), 0);
+    EXPECT_EQ(Bytes(three.beg, three.cur), (Bytes{0, 2, 0x80}));
+    Writer none(0);
+    EXPECT_EQ(tavu_bsw_sink(&none), -1);
+}
+
+// Single bits ask for one byte only, so that three may go beyond the end.
+TEST(Bsw, SingleBitsMayWriteThreeBytesBeyondTheEnd) {
+    Writer w(1, 3);
+    std::string bits;
+    for (int i = 0; i < 32; i++) {
+        EXPECT_EQ(tavu_bsw_write1(&w, i % 3), 0);
+        bits += i % 3 == 1 ? '1' : '0';
+    }
+    w.expect(bits);
+
+    // Without a byte the full cache stays; further bits are lost without a word.
+    for (int i = 0; i < 31; i++) EXPECT_EQ(tavu_bsw_write1(&w, 1), 0);
+    EXPECT_EQ(tavu_bsw_write1(&w, 0), -1);
+    EXPECT_EQ(w.code, 0xFFFFFFFEU);
+    EXPECT_EQ(w.leftbits, 0);
+    EXPECT_EQ(tavu_bsw_write1(&w, 1), 0);
+    EXPECT_EQ(w.code, 0xFFFFFFFEU);
+    EXPECT_EQ(w.leftbits, -1);
+    EXPECT_EQ(tavu_bsw_write(&w, 1, 1), -1);
+    EXPECT_EQ(w.code, 0xFFFFFFFEU);
+}
+
+TEST(Bsw, SpillsThroughTheGivenFunction) {
+    static int spills;
+    spills = 0;
+    GuardedBytes memory(8);
+    tavu_bsw_t w;
+    tavu_bsw_init(&w, memory.data(), 8, [](tavu_bsw_t *bs) {
+        spills++;
+        for (int n = (39 - bs->leftbits) / 8; n > 0; n--, bs->code <<= 8) {
+            *bs->cur++ = static_cast<uint8_t>(~(bs->code >> 24));
+        }
+        return 77;
+    });
+    EXPECT_EQ(w.size, 8);
+    EXPECT_EQ(w.end, memory.data() + 7);
+    EXPECT_EQ(tavu_bsw_write(&w, 0, 31), 0);
+    EXPECT_EQ(tavu_bsw_write(&w, 3, 2), 0);
+    EXPECT_EQ(spills, 1);
+    EXPECT_EQ(w.code, 0x80000000U);
+    EXPECT_EQ(tavu_bsw_deinit(&w), 77);
+    EXPECT_EQ(Bytes(w.beg, w.cur), (Bytes{0xFF, 0xFF, 0xFF, 0xFE, 0x7F}));
+
+    // The default one writes whole bytes, tests nothing, and leaves the count of free bits.
+    Writer own(4);
+    EXPECT_EQ(tavu_bsw_deinit(&own), 0);
+    EXPECT_EQ(own.cur, own.beg);
+    for (int i = 0; i < 3; i++) tavu_bsw_write1(&own, 1);
+    EXPECT_EQ(tavu_bsw_deinit(&own), 0);
+    EXPECT_EQ(Bytes(own.beg, own.cur), (Bytes{0xE0}));
+    EXPECT_EQ(own.leftbits, 29);
+}
+
+}  // namespace

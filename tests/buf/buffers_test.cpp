@@ -1,0 +1,181 @@
+// Audio, bitstream and frame-list buffers and variable data.
+#include <gtest/gtest.h>
+
+#include "memory.h"
+#include "recorder.h"
+#include "tavu.h"
+
+namespace {
+
+class Buffers : public testing::Test {
+  protected:
+    void SetUp() override { memory = {}; }
+};
+
+// Calls create(&status) with its first, second, ... allocation failing, until none fails.
+template <class Create>
+void expect_statuses(const std::vector<int32_t> &expected, Create create) {
+    for (size_t i = 0; i < expected.size(); i++) {
+        int32_t status = 1;
+        decltype(create(&status)) object;
+        {
+            FailingAllocations failing(static_cast<int>(i));
+            object = create(&status);
+        }
+        EXPECT_EQ(status, expected[i]) << i;
+        ASSERT_EQ(object != nullptr, status == TAVU_OK) << i;
+        if (object == nullptr) continue;
+        EXPECT_EQ(object->addref(object), 2);
+        EXPECT_EQ(object->getref(object), 2);
+        EXPECT_EQ(object->release(object), 1);
+        const auto addref = object->addref, getref = object->getref, drop = object->release;
+        EXPECT_EQ(object->release(object), 0);
+        for (const auto method : {addref, getref, drop}) {
+            EXPECT_EQ(method(nullptr), TAVU_ERR_INVALID_ARGUMENT);
+        }
+    }
+}
+
+TEST_F(Buffers, EveryFailingAllocationGivesItsStatusAndLeaksNothing) {
+    constexpr int32_t RECORD = TAVU_ERR_OUT_OF_MEMORY, BLOCK = TAVU_ERR_BUFFER_ALLOC;
+    expect_statuses({RECORD, BLOCK, BLOCK, BLOCK, TAVU_OK}, [](int32_t *status) {
+        return tavu_audb_create(10, 3, 16, 0, 0, 0, nullptr, nullptr, status);
+    });
+    expect_statuses({RECORD, TAVU_ERR_BITB_ALLOC, TAVU_OK}, [](int32_t *status) {
+        return tavu_bitb_create(10, 0, 0, nullptr, nullptr, status);
+    });
+    expect_statuses({RECORD, TAVU_OK}, [](int32_t *status) { return tavu_mfal_create(0, status); });
+    // Blocks that were had go back through the callback.
+    expect_statuses({RECORD, BLOCK, BLOCK, TAVU_OK}, [](int32_t *status) {
+        return tavu_audb_create(10, 2, 8, 0, 0, 0, allocate, release, status);
+    });
+    EXPECT_EQ(memory.freed, 1 + 2);
+}
+
+TEST_F(Buffers, AudioIsOneBlockOrOneForEachChannel) {
+    struct {
+        int32_t format, channels, bits, blocks, bytes;
+    } const cases[] = {{1, 2, 16, 1, 400}, {99, 9, 12, 1, 1800}, {50, 0, 8, 1, 0},
+                       {0, 2, 12, 2, 200}, {100, 8, 8, 8, 100},  {-1, 1, 1, 1, 100},
+                       {0, 0, 24, 0, 0},   {7, 1, 24, 1, 300},   {0, 3, 0, 3, 0}};
+    memory.second = 0x40;
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.format);
+        memory.allocated = memory.freed = 0;
+        tavu_audb_t *audio =
+            tavu_audb_create(100, c.channels, c.bits, 77, c.format, 5, allocate, release, nullptr);
+        ASSERT_NE(audio, nullptr);
+        EXPECT_EQ(memory.allocated, c.blocks);
+        EXPECT_EQ(audio->interleaved, c.format == 0 || c.format == 100 || c.format < 0 ? 0 : 1);
+        for (int i = 0; i < 8; i++) {
+            const bool used = i < c.blocks;
+            EXPECT_EQ(audio->samples[i], used ? 100 : 0);
+            EXPECT_EQ(audio->bytes[i], used ? c.bytes : 0);
+            EXPECT_EQ(audio->addr[i] != nullptr, used);
+            EXPECT_EQ(audio->paddr[i], used ? 0x40U : 0U);
+        }
+        EXPECT_EQ(audio->channels, c.channels);
+        EXPECT_EQ(audio->bits, c.bits);
+        EXPECT_EQ(audio->value, 77);
+        EXPECT_EQ(audio->format, c.format);
+        EXPECT_EQ(audio->release(audio), 0);
+        EXPECT_EQ(memory.freed, c.blocks);
+        EXPECT_EQ(memory.freed_second, c.blocks > 0 ? 0x40U : 0U);
+        memory.freed_second = 0;
+    }
+    tavu_audb_t *aligned = tavu_audb_create(3, 2, 8, 0, 0, 0, nullptr, nullptr, nullptr);
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(aligned->addr[1]) % 32, 0U);
+    aligned->release(aligned);
+}
+
+TEST_F(Buffers, AudioOfImpossibleSizeIsRefused) {
+    constexpr int32_t BIG = INT32_MAX;
+    struct {
+        int32_t samples, channels, bits, format;
+    } const cases[] = {{-1, 1, 8, 0},      {1, -1, 8, 0},           {1, 1, -1, 1},
+                       {1, 9, 8, 0},       {BIG, 1, 9, 0},          {BIG, 2, 8, 1},
+                       {BIG, BIG, BIG, 1}, {1 << 16, 1 << 15, 8, 1}};
+    for (const auto &c : cases) {
+        int32_t status = 1;
+        EXPECT_EQ(tavu_audb_create(c.samples, c.channels, c.bits, 0, c.format, 0, allocate, release,
+                                   &status),
+                  nullptr);
+        EXPECT_EQ(status, TAVU_ERR_INVALID_ARGUMENT);
+    }
+    EXPECT_EQ(memory.allocated, 0);
+}
+
+TEST_F(Buffers, BitstreamBufferHoldsOneBlock) {
+    memory.second = 3;
+    tavu_bitb_t *bits = tavu_bitb_create(12, -9, 0, allocate, release, nullptr);
+    EXPECT_EQ(memory.size, 12);
+    EXPECT_EQ(bits->value, -9);
+    EXPECT_EQ(bits->paddr, 3U);
+    EXPECT_EQ(bits->addr[11], 0xFF);
+    EXPECT_EQ(bits->release(bits), 0);
+    EXPECT_EQ(memory.freed_second, 3U);
+
+    // An allocator without a free function keeps its payload.
+    memory.freed = 0;
+    bits = tavu_bitb_create(1, 0, 0, allocate, nullptr, nullptr);
+    tavu_audb_t *audio = tavu_audb_create(1, 1, 8, 0, 0, 0, allocate, nullptr, nullptr);
+    uint8_t *kept[] = {bits->addr, audio->addr[0]};
+    EXPECT_EQ(bits->release(bits), 0);
+    EXPECT_EQ(audio->release(audio), 0);
+    EXPECT_EQ(memory.freed, 0);
+    for (uint8_t *payload : kept) free(payload);
+
+    int32_t status = 1;
+    EXPECT_EQ(tavu_bitb_create(-1, 0, 0, nullptr, nullptr, &status), nullptr);
+    EXPECT_EQ(status, TAVU_ERR_BITB_ALLOC);
+}
+
+TEST_F(Buffers, FrameListRecordIsZero) {
+    tavu_mfal_t *frames = tavu_mfal_create(9, nullptr);
+    for (uint32_t word : frames->body) EXPECT_EQ(word, 0U);
+    EXPECT_EQ(frames->release(frames), 0);
+}
+
+TEST_F(Buffers, VariableDataEndsInTwoZeros) {
+    const uint8_t bytes[] = {1, 2, 3, 4};
+    const uint8_t expected[] = {1, 2, 3, 0, 0};
+    tavu_vdata_t data{}, copy{};
+    ASSERT_EQ(tavu_vdata_set(&data, bytes, 3, 42), TAVU_OK);
+    ASSERT_EQ(tavu_vdata_cpy(&copy, &data), TAVU_OK);
+    EXPECT_NE(copy.data, data.data);
+    for (const tavu_vdata_t *vd : {&data, &copy}) {
+        EXPECT_EQ(memcmp(vd->data, expected, 5), 0);
+        EXPECT_EQ(vd->len, 3);
+        EXPECT_EQ(vd->type, 42);
+    }
+
+    // What the record held already is not freed.
+    uint8_t *first = copy.data;
+    ASSERT_EQ(tavu_vdata_set(&copy, bytes, 1, 7), TAVU_OK);
+    EXPECT_EQ(memcmp(first, expected, 5), 0);
+    free(first);
+
+    tavu_vdata_t before = copy;
+    EXPECT_EQ(tavu_vdata_set(&copy, nullptr, 3, 1), TAVU_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(tavu_vdata_set(&copy, bytes, 0, 1), TAVU_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(tavu_vdata_set(&copy, bytes, -1, 1), TAVU_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(tavu_vdata_set(nullptr, bytes, 1, 1), TAVU_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(tavu_vdata_cpy(&copy, nullptr), TAVU_ERR_INVALID_ARGUMENT);
+    tavu_vdata_t empty{};
+    EXPECT_EQ(tavu_vdata_cpy(&copy, &empty), TAVU_ERR_INVALID_ARGUMENT);
+    {
+        FailingAllocations failing(0);
+        EXPECT_EQ(tavu_vdata_set(&copy, bytes, 3, 1), TAVU_ERR_OUT_OF_MEMORY);
+    }
+    EXPECT_EQ(memcmp(&copy, &before, sizeof copy), 0);
+
+    for (tavu_vdata_t *vd : {&data, &copy, &copy}) {
+        tavu_vdata_free(vd);
+        EXPECT_EQ(vd->data, nullptr);
+        EXPECT_EQ(vd->len, 0);
+        EXPECT_EQ(vd->type, 0);
+    }
+    tavu_vdata_free(nullptr);
+}
+
+}  // namespace

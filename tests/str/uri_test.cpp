@@ -1,0 +1,84 @@
+#include <gtest/gtest.h>
+
+#include "str/text.h"
+#include "tavu.h"
+
+namespace {
+
+// Status, then scheme, host, port, path and the offset of the rest.
+void expect_parts(const Cases &cases) {
+    for (const Case &c : cases) {
+        const Text uri(c.text);
+        const size_t room = (c.text != nullptr ? strlen(c.text) : 0) + 2;
+        Room scheme(room), host(room), port(room), path(room);
+        const char *rest = "untouched";
+        std::string found = std::to_string(
+            tavu_str_parse_uri(uri, scheme.get(), host.get(), port.get(), path.get(), &rest));
+        for (Room *part : {&scheme, &host, &port, &path}) found += std::string("|") + part->get();
+        EXPECT_EQ(found + "|" + uri.at(rest), c.expected) << c.text;
+    }
+}
+
+void expect_conversion(const Cases &cases, int32_t (*convert)(const char *, char *)) {
+    for (const Case &c : cases) {
+        Room dst(c.expected.size() + 1);
+        const auto len = static_cast<size_t>(convert(Text(c.text), dst.get()));
+        EXPECT_EQ(std::string(dst.get(), len + 1), c.expected + '\0');
+    }
+}
+
+TEST(Uri, SplitsIntoItsParts) {
+    const Cases cases = {{nullptr, "-1|||||-"},
+                         {" \t\r\n ", "-1|||||-"},
+                         {"cam:554", "-1|||||-"},
+                         {"rtsp://", "-1|rtsp||||-"},
+                         {"rtsp://cam", "-1|rtsp|cam|||-"},
+                         {"rtsp://cam/x", "-1|rtsp|cam/x|||-"},
+                         {"rtsp://cam:", "-1|rtsp|cam|||-"},
+                         {"rtsp://cam:/x", "-1|rtsp|cam|||-"},
+                         {"  rtsp://cam:554", "0|rtsp|cam|554||-"},
+                         {"rtsp://cam:554/", "0|rtsp|cam|554||-"},
+                         {"a://:x\r", "0|a||x||-"}};
+    expect_parts(cases);
+}
+
+TEST(Uri, PathIsItsOwnWithoutALineBehindIt) {
+    expect_parts({{"rtsp://cam:554/a%20b/c", "0|rtsp|cam|554|/a%20b/c|-"},
+                  {"a://b:1//live\r\n", "0|a|b|1|/live|-"},
+                  {"a://b:1/c\rd", "0|a|b|1||-"}});
+}
+
+TEST(Uri, PathComesFromTheNextLineWithTheLengthOfItsOwn) {
+    expect_parts({{"a://b:1/cde\r\nHost: x", "0|a|b|1|/Hos|13"},
+                  {"a://b:1/cdef\n/xyz123", "0|a|b|1|/xyz|13"},
+                  {"a://b:1/cdefgh\r\nxy", "0|a|b|1|/xy|16"},
+                  {"a://b:1/\r\nnext", "0|a|b|1||10"}});
+}
+
+TEST(Uri, EscapesSpacesOnly) {
+    const Cases cases = {{nullptr, ""},
+                         {"a b c", "a%20b%20c"},
+                         {"  ", "%20%20"},
+                         {"%+\t\r\n\xE9\x7F", "%+\t\r\n\xE9\x7F"}};
+    expect_conversion(cases, tavu_str_conv_a2uri);
+}
+
+TEST(Uri, UnescapesDecimalDigitsOnly) {
+    const Cases cases = {{nullptr, ""},
+                         {"a%20b", "a b"},
+                         {"%41%09%90", "A\t\x90"},
+                         {"%2F", " "},
+                         {"%/9%:1%f2%-5", "\t\x01\x02\x05"},
+                         {"%%201", "\00201"},
+                         {"x%4", "x@"},
+                         {"%001", std::string("\0001", 2)}};
+    expect_conversion(cases, tavu_str_conv_uri2a);
+}
+
+TEST(Uri, PercentSignAsLastByteReadsOneByteBehindTheZero) {
+    Room src(Bytes{'a', '%', '\0', '7'}), dst(3);
+    EXPECT_EQ(tavu_str_conv_uri2a(src.get(), dst.get()), 2);
+    EXPECT_STREQ(dst.get(), "a\x07");
+}
+
+}  // namespace
