@@ -24,17 +24,14 @@ std::string digest_text(const tavu_imgb_t &image) {
 
 void digest(const std::string &input) {
     Media media(input);
-    const AVStream &stream = media.best_video();
+    FrameReader frames(media, media.best_video());
     std::cout << "# index,time,size,md5\n";
-    int64_t index = 0;
-    decode_video(media, stream, Pick::ALL, [&](const AVFrame &frame) {
-        const ImagePtr image = copy_frame(frame);
+    while (const AVFrame *frame = frames.next()) {
+        const ImagePtr image = copy_frame(*frame);
         char head[96];
-        std::snprintf(head, sizeof head, "%" PRId64 ",%.6f,%dx%d,", index,
-                      media.seconds(stream, frame.best_effort_timestamp, index), frame.width,
-                      frame.height);
+        std::snprintf(head, sizeof head, "%" PRId64 ",%.6f,%dx%d,", frames.index(),
+                      frames.seconds(), frame->width, frame->height);
         std::cout << head << digest_text(*image) << '\n';
-        index++;
-    });
+    }
     media.throw_faults();
 }

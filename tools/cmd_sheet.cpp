@@ -29,9 +29,7 @@ class SheetMaker {
     SheetMaker(Media &media, const AVStream &stream, const SheetOptions &options)
         : media_(media), stream_(stream), options_(options) {}
 
-    void take(const AVFrame &frame) {
-        const int64_t index = frames_++;
-        progress_.show(media_.progress());
+    void take(const AVFrame &frame, int64_t index, double seconds) {
         if (options_.every > 0 && index % options_.every != 0) return;
         if (!sheet_)
             sheet_.emplace(
@@ -39,8 +37,7 @@ class SheetMaker {
                 picture_height(frame, media_.pixel_aspect(stream_, frame), options_.width));
         const ImagePtr picture = make_thumbnail(*to_full_range_420(frame), sheet_->picture_width(),
                                                 sheet_->picture_height());
-        sheet_->add(*picture,
-                    time_text(media_.seconds(stream_, frame.best_effort_timestamp, index)));
+        sheet_->add(*picture, time_text(seconds));
     }
 
     const ContactSheet &sheet() const {
@@ -53,8 +50,6 @@ class SheetMaker {
     const AVStream &stream_;
     const SheetOptions &options_;
     std::optional<ContactSheet> sheet_;
-    Progress progress_;
-    int64_t frames_ = 0;
 };
 
 }  // namespace
@@ -62,9 +57,15 @@ class SheetMaker {
 void sheet(const SheetOptions &options) {
     Media media(options.input);
     const AVStream &stream = media.best_video();
+    FrameReader frames(media, stream, options.every > 0 ? Pick::ALL : Pick::KEY_FRAMES);
     SheetMaker maker(media, stream, options);
-    decode_video(media, stream, options.every > 0 ? Pick::ALL : Pick::KEY_FRAMES,
-                 [&maker](const AVFrame &frame) { maker.take(frame); });
+    {
+        Progress progress;
+        while (const AVFrame *frame = frames.next()) {
+            progress.show(media.progress());
+            maker.take(*frame, frames.index(), frames.seconds());
+        }
+    }
     media.throw_faults();
     maker.sheet().save(options.output);
 }

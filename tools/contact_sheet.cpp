@@ -48,5 +48,6 @@ void ContactSheet::draw_text(uint8_t *corner, const std::string &text) const {
 
 void ContactSheet::save(const std::string &path) const {
     const int rows = static_cast<int>(pixels_.size() / stride());
-    write_png(path, pixels_.data(), width(std::min(count_, columns_)), rows, stride());
+    write_png(path, TAVU_CS_RGB888, pixels_.data(), width(std::min(count_, columns_)), rows,
+              stride());
 }

@@ -19,49 +19,52 @@ CodecPtr open_decoder(const AVStream &stream, Pick pick) {
     return decoder;
 }
 
-/** One run of a decoder over a file. */
-class Run {
-  public:
-    Run(Media &media, const AVStream &stream, Pick pick,
-        const std::function<void(const AVFrame &)> &use)
-        : media_(media), pick_(pick), use_(use), decoder_(open_decoder(stream, pick)) {}
-
-    /** Null drains the decoder. */
-    void decode(const AVPacket *packet) {
-        const int status = avcodec_send_packet(decoder_.get(), packet);
-        if (status < 0) fault(av_error_text(status));
-        receive();
-        packets_++;
-    }
-
-  private:
-    void receive() {
-        int status = 0;
-        while ((status = avcodec_receive_frame(decoder_.get(), frame_.get())) >= 0) {
-            if (frame_->decode_error_flags != 0) fault("errors in a frame");
-            if (pick_ == Pick::ALL || frame_->key_frame) use_(*frame_);
-        }
-        if (status != AVERROR(EAGAIN) && status != AVERROR_EOF) fault(av_error_text(status));
-    }
-
-    void fault(const std::string &reason) {
-        media_.add_fault("decoding packet " + std::to_string(packets_) + ": " + reason);
-    }
-
-    Media &media_;
-    Pick pick_;
-    const std::function<void(const AVFrame &)> &use_;
-    CodecPtr decoder_;
-    FramePtr frame_{av_frame_alloc()};
-    int64_t packets_ = 0;
-};
-
 }  // namespace
 
-void decode_video(Media &media, const AVStream &stream, Pick pick,
-                  const std::function<void(const AVFrame &)> &use) {
-    Run run(media, stream, pick, use);
-    for (PacketPtr packet(av_packet_alloc()); media.read(*packet); av_packet_unref(packet.get()))
-        if (packet->stream_index == stream.index) run.decode(packet.get());
-    run.decode(nullptr);
+FrameReader::FrameReader(Media &media, const AVStream &stream, Pick pick)
+    : media_(media),
+      stream_(stream),
+      pick_(pick),
+      decoder_(open_decoder(stream, pick)),
+      frame_(av_frame_alloc()),
+      packet_(av_packet_alloc()) {
+    if (!frame_ || !packet_) throw std::bad_alloc();
+}
+
+const AVFrame *FrameReader::next() {
+    while (!receive()) {
+        if (draining_) return nullptr;
+        feed();
+    }
+    index_++;
+    return frame_.get();
+}
+
+/** Takes a wanted frame from the decoder; false when it has none. */
+bool FrameReader::receive() {
+    int status = 0;
+    while ((status = avcodec_receive_frame(decoder_.get(), frame_.get())) >= 0) {
+        if (frame_->decode_error_flags != 0) fault("errors in a frame");
+        if (pick_ == Pick::ALL || frame_->key_frame) return true;
+    }
+    if (status != AVERROR(EAGAIN) && status != AVERROR_EOF) fault(av_error_text(status));
+    return false;
+}
+
+/** Gives the decoder the stream's next packet, at the end of the file null, which drains it. */
+void FrameReader::feed() {
+    bool found = false;
+    while (!found && media_.read(*packet_)) {
+        found = packet_->stream_index == stream_.index;
+        if (!found) av_packet_unref(packet_.get());
+    }
+    draining_ = !found;
+    packet_index_++;
+    const int status = avcodec_send_packet(decoder_.get(), found ? packet_.get() : nullptr);
+    av_packet_unref(packet_.get());
+    if (status < 0) fault(av_error_text(status));
+}
+
+void FrameReader::fault(const std::string &reason) {
+    media_.add_fault("decoding packet " + std::to_string(packet_index_) + ": " + reason);
 }

@@ -1,14 +1,41 @@
 #pragma once
 
-#include <functional>
-
 #include "media.h"
 
 enum class Pick { ALL, KEY_FRAMES };
 
 /**
- * Decodes a video stream to its end and passes on each frame, for Pick::KEY_FRAMES those alone.
- * Packets that cannot be decoded are noted as faults of `media`.
+ * Decodes a video stream frame by frame. Packets that cannot be decoded are noted as faults of the
+ * media file.
  */
-void decode_video(Media &media, const AVStream &stream, Pick pick,
-                  const std::function<void(const AVFrame &)> &use);
+class FrameReader {
+  public:
+    FrameReader(Media &media, const AVStream &stream, Pick pick = Pick::ALL);
+
+    /**
+     * The next frame, for Pick::KEY_FRAMES of those alone, valid until the next call; null at the
+     * end.
+     */
+    const AVFrame *next();
+
+    /** Frames returned so far, less 1. */
+    int64_t index() const { return index_; }
+    /** Time of the last frame returned. */
+    double seconds() const {
+        return media_.seconds(stream_, frame_->best_effort_timestamp, index_);
+    }
+
+  private:
+    bool receive();
+    void feed();
+    void fault(const std::string &reason);
+
+    Media &media_;
+    const AVStream &stream_;
+    Pick pick_;
+    CodecPtr decoder_;
+    FramePtr frame_;
+    PacketPtr packet_;
+    int64_t packet_index_ = -1, index_ = -1;
+    bool draining_ = false;
+};

@@ -5,10 +5,18 @@
 
 namespace {
 
-FormatPtr open(const std::string &path) {
+FormatPtr open(const std::string &path, const RawVideo *raw) {
     AVFormatContext *context = nullptr;
+    AVDictionary *options = nullptr;
+    if (raw) {
+        av_dict_set(&options, "video_size", raw->size.c_str(), 0);
+        av_dict_set(&options, "pixel_format", raw->format.c_str(), 0);
+    }
     // The prefix keeps a colon in the name from being read as a protocol.
-    const int status = avformat_open_input(&context, ("file:" + path).c_str(), nullptr, nullptr);
+    const int status =
+        avformat_open_input(&context, ("file:" + path).c_str(),
+                            raw ? av_find_input_format("rawvideo") : nullptr, &options);
+    av_dict_free(&options);
     if (status == AVERROR_INVALIDDATA || status == AVERROR_EOF)
         throw std::runtime_error("not a media file, or damaged");
     if (status < 0) throw std::runtime_error(av_error_text(status));
@@ -22,7 +30,7 @@ std::string av_error_text(int code) {
     return av_make_error_string(text, sizeof text, code);
 }
 
-Media::Media(const std::string &path) : context_(open(path)) {
+Media::Media(const std::string &path, const RawVideo *raw) : context_(open(path, raw)) {
     // This one takes any text for a picture if only the file's name ends in .txt.
     if (std::strcmp(context_->iformat->name, "tty") == 0)
         throw std::runtime_error("not a media file");
@@ -30,6 +38,9 @@ Media::Media(const std::string &path) : context_(open(path)) {
     if (status < 0) throw std::runtime_error(av_error_text(status));
     streams_.assign(context_->streams, context_->streams + context_->nb_streams);
     if (streams_.empty()) throw std::runtime_error("no tracks");
+    if (!raw) return;
+    streams_[0]->codecpar->color_range = raw->limited ? AVCOL_RANGE_MPEG : AVCOL_RANGE_JPEG;
+    streams_[0]->codecpar->color_space = AVCOL_SPC_SMPTE170M;
 }
 
 AVStream &Media::best_video() const {

@@ -8,10 +8,17 @@
 /** FFmpeg's text for an error code. */
 std::string av_error_text(int code);
 
+/** How to read a file of bare BT.601 planes. */
+struct RawVideo {
+    std::string size;    ///< for example "320x180"
+    std::string format;  ///< FFmpeg's name of the pixel format
+    bool limited;        ///< range of the samples
+};
+
 /** A media file opened for reading; throws when it cannot be opened. */
 class Media {
   public:
-    explicit Media(const std::string &path);
+    explicit Media(const std::string &path, const RawVideo *raw = nullptr);
 
     const std::vector<AVStream *> &streams() const { return streams_; }
 

@@ -1,7 +1,6 @@
 #include "picture.h"
 
 extern "C" {
-#include <libavutil/imgutils.h>
 #include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
 }
@@ -10,6 +9,8 @@ extern "C" {
 #include <string>
 #include <utility>
 
+#include "plane.h"
+
 namespace {
 
 std::string format_name(int format) {
@@ -17,38 +18,19 @@ std::string format_name(int format) {
     return name ? name : "unknown";
 }
 
-/** Colour-space code of the same layout, or -1. */
-int layout_code(int format) {
-    switch (format) {
-        case AV_PIX_FMT_GRAY8: return TAVU_CS_YUV400;
-        case AV_PIX_FMT_YUV420P:
-        case AV_PIX_FMT_YUVJ420P: return TAVU_CS_YUV420;
-        case AV_PIX_FMT_YUV422P:
-        case AV_PIX_FMT_YUVJ422P: return TAVU_CS_YUV422;
-        case AV_PIX_FMT_YUV440P:
-        case AV_PIX_FMT_YUVJ440P: return TAVU_CS_YUV440;
-        case AV_PIX_FMT_YUV444P:
-        case AV_PIX_FMT_YUVJ444P: return TAVU_CS_YUV444;
-        default: return -1;
-    }
-}
+struct Layout {
+    int cs;
+    AVPixelFormat plain, full_range;
+};
 
-/** The plain format of one whose name says full range, which is kept apart here. */
-AVPixelFormat plain_format(int format) {
-    switch (format) {
-        case AV_PIX_FMT_YUVJ411P: return AV_PIX_FMT_YUV411P;
-        case AV_PIX_FMT_YUVJ420P: return AV_PIX_FMT_YUV420P;
-        case AV_PIX_FMT_YUVJ422P: return AV_PIX_FMT_YUV422P;
-        case AV_PIX_FMT_YUVJ440P: return AV_PIX_FMT_YUV440P;
-        case AV_PIX_FMT_YUVJ444P: return AV_PIX_FMT_YUV444P;
-        default: return static_cast<AVPixelFormat>(format);
-    }
-}
-
-bool is_full_range(const AVFrame &frame) {
-    if (frame.color_range != AVCOL_RANGE_UNSPECIFIED) return frame.color_range == AVCOL_RANGE_JPEG;
-    return frame.format != plain_format(frame.format) || frame.format == AV_PIX_FMT_GRAY8;
-}
+constexpr Layout LAYOUTS[] = {
+    {TAVU_CS_YUV400, AV_PIX_FMT_GRAY8, AV_PIX_FMT_GRAY8},
+    {TAVU_CS_YUV420, AV_PIX_FMT_YUV420P, AV_PIX_FMT_YUVJ420P},
+    {TAVU_CS_YUV422, AV_PIX_FMT_YUV422P, AV_PIX_FMT_YUVJ422P},
+    {TAVU_CS_YUV440, AV_PIX_FMT_YUV440P, AV_PIX_FMT_YUVJ440P},
+    {TAVU_CS_YUV444, AV_PIX_FMT_YUV444P, AV_PIX_FMT_YUVJ444P},
+    {NO_LAYOUT, AV_PIX_FMT_YUV411P, AV_PIX_FMT_YUVJ411P},
+};
 
 AVColorSpace matrix(const AVFrame &frame) {
     if (frame.colorspace != AVCOL_SPC_UNSPECIFIED) return frame.colorspace;
@@ -56,22 +38,16 @@ AVColorSpace matrix(const AVFrame &frame) {
     return frame.height >= HD_HEIGHT ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
 }
 
-bool is_full_range_420(const AVFrame &frame) {
-    const AVColorSpace space = matrix(frame);
-    return layout_code(frame.format) == TAVU_CS_YUV420 && is_full_range(frame) &&
-           (space == AVCOL_SPC_BT470BG || space == AVCOL_SPC_SMPTE170M);
-}
-
-/** A converter to full-range 4:2:0 of the same size; null if it cannot be had. */
+/** A converter to full range at the same size; null if it cannot be had. */
 ScalerPtr make_scaler(const AVFrame &frame, AVPixelFormat format) {
     ScalerPtr scaler(sws_alloc_context());
     if (!scaler) return nullptr;
     const std::pair<const char *, int> options[] = {{"srcw", frame.width},
                                                     {"srch", frame.height},
-                                                    {"src_format", format},
+                                                    {"src_format", plain_format(frame.format)},
                                                     {"dstw", frame.width},
                                                     {"dsth", frame.height},
-                                                    {"dst_format", AV_PIX_FMT_YUV420P},
+                                                    {"dst_format", format},
                                                     {"src_range", is_full_range(frame)},
                                                     {"dst_range", 1},
                                                     {"sws_flags", SWS_BILINEAR | SWS_ACCURATE_RND}};
@@ -84,24 +60,39 @@ ScalerPtr make_scaler(const AVFrame &frame, AVPixelFormat format) {
     return scaler;
 }
 
-void copy_planes(const AVFrame &frame, const tavu_imgb_t &image) {
-    for (int plane = 0; plane < 3 && image.addr[plane]; plane++) {
-        const int bytes =
-            av_image_get_linesize(static_cast<AVPixelFormat>(frame.format), frame.width, plane);
-        const bool half_height =
-            plane > 0 && (image.cs == TAVU_CS_YUV420 || image.cs == TAVU_CS_YUV440);
-        av_image_copy_plane(image.addr[plane], image.stride[plane], frame.data[plane],
-                            frame.linesize[plane], bytes,
-                            half_height ? (frame.height + 1) / 2 : frame.height);
-    }
-}
-
 }  // namespace
 
+int layout_code(int format) {
+    for (const Layout &layout : LAYOUTS)
+        if (format == layout.plain || format == layout.full_range) return layout.cs;
+    return NO_LAYOUT;
+}
+
+AVPixelFormat plain_format(int format) {
+    for (const Layout &layout : LAYOUTS)
+        if (format == layout.full_range) return layout.plain;
+    return static_cast<AVPixelFormat>(format);
+}
+
+bool is_full_range(const AVFrame &frame) {
+    if (frame.color_range != AVCOL_RANGE_UNSPECIFIED) return frame.color_range == AVCOL_RANGE_JPEG;
+    return frame.format != plain_format(frame.format) || frame.format == AV_PIX_FMT_GRAY8;
+}
+
+bool has_luma_plane(const AVFrame &frame) {
+    const AVPixFmtDescriptor &format =
+        *av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
+    constexpr uint64_t NO_LUMA =
+        AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL | AV_PIX_FMT_FLAG_BITSTREAM;
+    const AVComponentDescriptor &first = format.comp[0];
+    return !(format.flags & NO_LUMA) && first.depth == 8 && first.step == 1;
+}
+
 ImagePtr make_image(int width, int height, int cs) {
-    // Rows of whole vectors, for converters may write a vector beyond the last pixel.
-    constexpr uint32_t ROW = 32 << 16 | 1;
-    constexpr uint32_t ALIGN[4] = {ROW, ROW, ROW, ROW};
+    // Rows of whole vectors, for converters may write a vector beyond the last pixel; and an even
+    // number of rows, for chroma is doubled.
+    constexpr uint32_t EVEN = 32 << 16 | 2;
+    constexpr uint32_t ALIGN[4] = {EVEN, EVEN, EVEN, EVEN};
     ImagePtr image(
         tavu_imgb_create(width, height, cs, 0, ALIGN, nullptr, nullptr, nullptr, nullptr));
     if (!image)
@@ -112,22 +103,29 @@ ImagePtr make_image(int width, int height, int cs) {
 
 ImagePtr copy_frame(const AVFrame &frame) {
     const int cs = layout_code(frame.format);
-    if (cs < 0)
+    if (cs == NO_LAYOUT)
         throw std::runtime_error("pixel format " + format_name(frame.format) +
                                  " has no matching layout");
     ImagePtr image = make_image(frame.width, frame.height, cs);
-    copy_planes(frame, *image);
+    for (int index = 0; index < 3 && image->addr[index]; index++) {
+        const Plane to = plane_of(*image, index);
+        copy_plane({frame.data[index], to.width, to.height, frame.linesize[index]}, to);
+    }
     return image;
 }
 
-ImagePtr to_full_range_420(const AVFrame &frame) {
-    if (is_full_range_420(frame)) return copy_frame(frame);
-    ImagePtr image = make_image(frame.width, frame.height, TAVU_CS_YUV420);
-    const ScalerPtr scaler = make_scaler(frame, plain_format(frame.format));
+void convert_frame(const AVFrame &frame, AVPixelFormat format, uint8_t *const planes[4],
+                   const int strides[4]) {
+    const ScalerPtr scaler = make_scaler(frame, format);
     if (!scaler)
         throw std::runtime_error("cannot convert pixel format " + format_name(frame.format));
-    const int rows = sws_scale(scaler.get(), frame.data, frame.linesize, 0, frame.height,
-                               image->addr, image->stride);
+    const int rows =
+        sws_scale(scaler.get(), frame.data, frame.linesize, 0, frame.height, planes, strides);
     if (rows != frame.height) throw std::runtime_error("cannot convert a frame");
+}
+
+ImagePtr to_full_range_420(const AVFrame &frame) {
+    ImagePtr image = make_image(frame.width, frame.height, TAVU_CS_YUV420);
+    convert_frame(frame, AV_PIX_FMT_YUV420P, image->addr, image->stride);
     return image;
 }

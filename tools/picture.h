@@ -6,8 +6,28 @@
 /** Throws when it cannot be made. */
 ImagePtr make_image(int width, int height, int cs);
 
+constexpr int NO_LAYOUT = -1;
+
+/** Colour-space code of a pixel format's layout, or NO_LAYOUT. */
+int layout_code(int format);
+
+/** The plain format of one whose name says full range, which is kept apart here. */
+AVPixelFormat plain_format(int format);
+
+bool is_full_range(const AVFrame &frame);
+
+/** True if the frame has a plane of 8-bit luma, whatever its chroma. */
+bool has_luma_plane(const AVFrame &frame);
+
 /** The frame's samples as they are; throws for pixel formats without a matching layout. */
 ImagePtr copy_frame(const AVFrame &frame);
 
-/** The frame as 4:2:0 in the full-range BT.601 form that the library converts from. */
+/**
+ * Converts the frame to a planar format; YUV comes in the full-range BT.601 form that the library
+ * converts from.
+ */
+void convert_frame(const AVFrame &frame, AVPixelFormat format, uint8_t *const planes[4],
+                   const int strides[4]);
+
+/** The frame as full-range BT.601 4:2:0. */
 ImagePtr to_full_range_420(const AVFrame &frame);

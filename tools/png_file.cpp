@@ -1,75 +1,37 @@
 #include "png_file.h"
 
 #include <png.h>
-#include <unistd.h>
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <filesystem>
-
-#include "commands.h"
+#include "replacing_file.h"
+#include "tavu.h"
 
 namespace {
 
-namespace fs = std::filesystem;
+constexpr png_uint_32 NONE = 0xFFFFFFFF;
 
-/** A file beside the target that takes its place when it is complete. */
-class ReplacingFile {
-  public:
-    explicit ReplacingFile(const std::string &path) : shown_(path), target_(resolve(path)) {
-        temporary_ = target_.string() + "." + std::to_string(getpid()) + ".tmp";
-        file_ = std::fopen(temporary_.c_str(), "wbx");
-        if (!file_) fail(std::strerror(errno));
+png_uint_32 png_format(int32_t cs) {
+    switch (cs) {
+        case TAVU_CS_RGB888: return PNG_FORMAT_RGB;
+        case TAVU_CS_BGR888: return PNG_FORMAT_BGR;
+        case TAVU_CS_RGBA8888: return PNG_FORMAT_RGBA;
+        case TAVU_CS_BGRA8888: return PNG_FORMAT_BGRA;
+        default: return NONE;
     }
-    ReplacingFile(const ReplacingFile &) = delete;
-    ReplacingFile &operator=(const ReplacingFile &) = delete;
-    ~ReplacingFile() {
-        if (file_) std::fclose(file_);
-        if (!done_) std::remove(temporary_.c_str());
-    }
-
-    std::FILE *get() const { return file_; }
-
-    void commit() {
-        const bool closed = std::fclose(file_) == 0;
-        file_ = nullptr;
-        if (!closed || std::rename(temporary_.c_str(), target_.c_str()) != 0)
-            fail(std::strerror(errno));
-        done_ = true;
-    }
-
-    [[noreturn]] void fail(const std::string &reason) const {
-        throw WholeError(shown_ + ": cannot write: " + reason);
-    }
-
-  private:
-    fs::path resolve(const std::string &path) const {
-        std::error_code error;
-        const fs::file_status status = fs::status(path, error);
-        if (!fs::exists(status)) return path;
-        // Renaming onto a device would put a file in its place.
-        if (!fs::is_regular_file(status)) fail("not a regular file");
-        return fs::canonical(path, error);
-    }
-
-    std::string shown_;
-    fs::path target_;
-    std::string temporary_;
-    std::FILE *file_ = nullptr;
-    bool done_ = false;
-};
+}
 
 }  // namespace
 
-void write_png(const std::string &path, const uint8_t *rgb, int width, int height, size_t stride) {
+bool png_takes(int32_t cs) { return png_format(cs) != NONE; }
+
+void write_png(const std::string &path, int32_t cs, const uint8_t *pixels, int width, int height,
+               size_t stride) {
     ReplacingFile file(path);
     png_image image{};
     image.version = PNG_IMAGE_VERSION;
-    image.format = PNG_FORMAT_RGB;
+    image.format = png_format(cs);
     image.width = static_cast<png_uint_32>(width);
     image.height = static_cast<png_uint_32>(height);
-    if (!png_image_write_to_stdio(&image, file.get(), 0, rgb, static_cast<png_int_32>(stride),
+    if (!png_image_write_to_stdio(&image, file.get(), 0, pixels, static_cast<png_int_32>(stride),
                                   nullptr))
         file.fail(image.message);
     file.commit();

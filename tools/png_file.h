@@ -4,5 +4,9 @@
 #include <cstdint>
 #include <string>
 
-/** Writes packed R, G, B pixels; the file appears whole or not at all. Throws WholeError. */
-void write_png(const std::string &path, const uint8_t *rgb, int width, int height, size_t stride);
+/** Tells whether pixels of a layout can be written: the packed ones of 8 bits a channel. */
+bool png_takes(int32_t cs);
+
+/** Writes packed pixels of a layout; the file appears whole or not at all. Throws WholeError. */
+void write_png(const std::string &path, int32_t cs, const uint8_t *pixels, int width, int height,
+               size_t stride);

@@ -1,0 +1,150 @@
+"""tavu convert: every pixel against the documented equations."""
+
+import os
+import random
+
+from tool_case import HAVE_FFMPEG, Case, ffmpeg, needs_ffmpeg, sample
+
+W, H = 21, 6
+PACKED = {"rgb888": "rgb", "bgr888": "bgr", "rgba8888": "rgba", "bgra8888": "bgra"}
+PLANAR = {"yuv444": "yuv", "yuv444a8": "yuva"}
+
+
+def from_yuv(y, u, v, a=255):
+    rgb = (y + ((359 * (v - 128) + 128) >> 8),
+           y - ((183 * (v - 128) + 88 * (u - 128) + 128) >> 8), y + ((454 * (u - 128) + 128) >> 8))
+    return dict(zip("rgbyuva", (*(min(max(c, 0), 255) for c in rgb), y, u, v, a)))
+
+
+def from_rgb(r, g, b, a=255):
+    chroma = ((-43 * r - 85 * g + 128 * b + 128) >> 8, (128 * r - 107 * g - 21 * b + 128) >> 8)
+    yuv = (77 * r + 150 * g + 29 * b + 128) >> 8, *(min(c + 128, 255) for c in chroma)
+    return dict(zip("rgbyuva", (r, g, b, *yuv, a)))
+
+
+def layout(target, pixels):
+    """The bytes of a layout."""
+    planes = lambda keys: bytes(p[key] for key in keys for p in pixels)
+    units = [(p["r"] >> 3 << 11 | p["g"] >> 2 << 5 | p["b"] >> 3).to_bytes(2, "little")
+             for p in pixels]
+    if target in PLANAR:
+        return planes(PLANAR[target])
+    if target in PACKED:
+        return bytes(p[key] for p in pixels for key in PACKED[target])
+    alpha = [bytes([p["a"]]) for p in pixels]
+    return b"".join({"rgb565": units, "rgb565a8": units + alpha,
+                     "rgba5658": map(bytes.__add__, units, alpha)}[target])
+
+
+class Convert(Case):
+    def setUp(self):
+        super().setUp()
+        self.planes = [random.Random(seed).randbytes(W * H) for seed in range(4)]
+
+    def converted(self, path, *args, out="out.bin"):
+        self.ok("convert", path, self.path(out), *args)
+        with open(self.path(out), "rb") as file:
+            return file.read()
+
+    def sources(self):
+        """Files with what is in them, pixel by pixel."""
+        three, four, size = self.planes[:3], self.planes, ["--size", f"{W}x{H}", "--cs", "43"]
+        yield self.written("four.yuv", b"".join(four)), size, from_yuv, zip(*four)
+        head = f"YUV4MPEG2 W{W} H{H} F25:1 Ip C444 XCOLORRANGE=FULL\nFRAME\n".encode()
+        yield self.written("x.y4m", head + b"".join(three)), [], from_yuv, zip(*three)
+        for kind, planes in ("RGB", three), ("RGB_ALPHA", four):
+            head = f"P7\nWIDTH {W}\nHEIGHT {H}\nDEPTH {len(planes)}\nMAXVAL 255\nTUPLTYPE {kind}\n"
+            pixels = bytes(value for pixel in zip(*planes) for value in pixel)
+            picture = self.written(kind + ".pam", f"{head}ENDHDR\n".encode() + pixels)
+            yield picture, [], from_rgb, zip(*planes)
+        if HAVE_FFMPEG:
+            clip = self.made("x.avi", "64x48", "-c:v", "mjpeg", "-pix_fmt", "yuvj444p", "-vf",
+                             f"format=yuv444p,crop={W}:{H},noise=alls=60:allf=t")
+            raw = ffmpeg("-i", clip, "-f", "rawvideo", "-")[3 * 3 * W * H:4 * 3 * W * H]
+            yield clip, ["--frame", 3], from_yuv, zip(*(raw[p * W * H:][:W * H] for p in range(3)))
+
+    def test_every_source_to_every_target(self):
+        for path, options, meaning, samples in self.sources():
+            pixels = [meaning(*sample) for sample in samples]
+            for target in [*PACKED, *PLANAR, "rgb565", "rgb565a8", "rgba5658"]:
+                if target == "rgba5658":  # exists for Y, U, V alone
+                    pixels = [from_yuv(*(p[key] for key in "yuva")) for p in pixels]
+                with self.subTest(source=path, target=target):
+                    self.assertEqual(self.converted(path, "--to", target, *options),
+                                     layout(target, pixels))
+
+    def test_chroma_is_interpolated(self):
+        """Chroma sample x / 2 belongs to sample x; what lies between is the mean of two or four."""
+        for cs, across, down in ("yuv420", 2, 2), ("yuv422", 2, 1), ("yuv440", 1, 2):
+            w, h = -(-W // across), -(-H // down)
+            around = lambda at, step, end: (at // step, min(-(-at // step), end - 1))
+            expected = raw = self.planes[0]
+            for plane in self.planes[1:3]:
+                raw += plane[:w * h]
+                expected += bytes(sum(plane[r * w + c] for r in around(y, down, h)
+                                      for c in around(x, across, w)) // 4
+                                  for y in range(H) for x in range(W))
+            options = ["--size", f"{W}x{H}", "--cs", cs, "--to", "yuv444"]
+            self.assertEqual(self.converted(self.written("x.yuv", raw), *options), expected, cs)
+        grey = self.converted(self.path("x.yuv"), "--size", f"{W}x{H}", "--cs", "yuv400")
+        self.assertEqual(grey, bytes(value for value in self.planes[0] for _ in range(3)))
+
+    def test_limited_range(self):
+        raw = self.written("flat.yuv", bytes([180] * 256 + [90] * 64 + [160] * 64))
+        options = ["--size", "16x16", "--cs", "11", "--limited", "--to", "yuv444"]
+        for value, true in zip(self.converted(raw, *options)[::256], (191.0, 84.7, 164.4)):
+            self.assertAlmostEqual(value, true, delta=1)
+
+    @needs_ffmpeg
+    def test_picture_files(self):
+        clip = [sample("h264.mp4"), "--frame", 90, "--to"]
+        for target, layout in {"rgb888": "rgb24", "bgr888": "bgr24", "bgra8888": "bgra"}.items():
+            self.converted(*clip, target, out="x.PNG")
+            shown = ffmpeg("-i", self.path("x.PNG"), "-f", "rawvideo", "-pix_fmt", layout, "-")
+            self.assertEqual(shown, self.converted(*clip, target))
+        ppm = self.converted(*clip, "400", out="x.ppm")
+        self.assertEqual(ppm, b"P6\n320 180\n255\n" + self.converted(*clip, "rgb888"))
+        true = ffmpeg("-i", clip[0], "-vf", r"select=eq(n\,90)", "-frames:v", 1, "-f", "rawvideo",
+                      "-pix_fmt", layout, "-")
+        self.assertLess(sum(abs(a - b) for a, b in zip(shown, true)) / len(true), 5)
+
+    def test_resizing(self):
+        """A ramp tells of every sample where it comes from."""
+        ramp = lambda x, y: 2 * x + 3 * y
+        raw = bytes(ramp(x, y) for y in range(40) for x in range(60))
+        options = [self.written("ramp.yuv", raw), "--size", "60x40", "--cs", "10", "--to", "yuv444",
+                   "--resize"]
+        for w, h in (90, 33), (25, 80):
+            true = [ramp(x * 59 / w, y * 39 / h) for y in range(h) for x in range(w)]
+            out = self.converted(*options, f"{w}x{h}")
+            self.assertEqual(out[w * h:], bytes([128] * 2 * w * h))
+            self.assertLess(max(abs(a - b) for a, b in zip(out, true)), 2)
+        self.assertEqual(self.converted(*options, "60x40")[:2400], raw)
+        ppm = self.written("x.ppm", b"P6 40 20 255\n" + raw)
+        for target in "rgb888", "rgba8888":
+            to = [ppm, "--to", target, "--resize", "50x9"]
+            self.assertEqual(self.converted(*to, "--one-pass"), self.converted(*to))
+
+    def test_list(self):
+        rows = self.ok("convert", "--list").split("\n\n")[0].splitlines()[1:]
+        rows = {tuple(row.split()[:4:2]): row.split(None, 4)[4].split(None, 2) for row in rows}
+        self.assertEqual((len(rows), [row[1] for row in rows.values()].count("yes")), (17, 6))
+        for pair, drawing in {("13", "500"): "R G B 255", ("700", "430"): "R G B A",
+                              ("43", "430"): "gggbbbbb rrrrrggg A",
+                              ("600", "650"): "gggbbbbb rrrrrggg | 255"}.items():
+            self.assertEqual((rows[pair][0], rows[pair][2]), ("yes", drawing))
+
+    def test_failures_leave_no_file(self):
+        raw, out = self.written("in.yuv", bytes(100)), self.path("out.png")
+        grey = [out, "--size", "10x10", "--cs", "10"]
+        for args in [out], [*grey[:-1], "yuv420"], [*grey, "--frame", 1]:
+            self.fails("convert", raw, *args, says=raw)
+        self.fails("convert", raw, self.path("none/out"), *grey[1:], says="none/out")
+        for args in [], grey[:3], [*grey[:-1], "rgb888"], [out, "--to", "rgb565"], \
+                [out, "--resize", "9x"], [out, "--resize", "9x70000"], [out, "--one-pass"], \
+                [out, "--frame", "-1"], [self.path("out.ppm"), "--to", "bgr888"], \
+                [*grey, "--limited"], \
+                [self.path("out"), *grey[1:], "--to", "200", "--resize", "8x8", "--one-pass"]:
+            with self.subTest(args):
+                self.fails("convert", raw, *args, status=2)
+        self.assertEqual(os.listdir(self.directory), ["in.yuv"])

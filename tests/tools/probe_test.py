@@ -1,0 +1,131 @@
+"""tavu probe against ffprobe, and parameter sets that are rarely seen."""
+
+import re
+import shutil
+
+from tool_case import NAMES, Case, ffmpeg, ffprobe, needs_ffmpeg, packets, run, sample
+
+
+@needs_ffmpeg
+class Probe(Case):
+    def test_units_are_the_containers_and_detector_agrees(self):
+        for name in NAMES:
+            with self.subTest(name):
+                units = self.video(sample(name))["units"]
+                expected = packets(sample(name))
+                self.assertEqual([unit["bytes"] for unit in units],
+                                 [int(packet["size"]) for packet in expected])
+                for key in "container_key", "detector_key":
+                    self.assertEqual([unit[key] for unit in units],
+                                     ["K" in packet["flags"] for packet in expected])
+                for unit, packet in zip(units, expected):
+                    if "pts_time" in packet:
+                        self.assertAlmostEqual(unit["time"], float(packet["pts_time"]), places=5)
+
+    def test_streams_whose_key_flags_mean_more_than_the_detector_looks_for(self):
+        x265 = "log-level=error:keyint=5:min-keyint=5:scenecut=0:pools=none:frame-threads=1:"
+        hevc = ["-c:v", "libx265", "-tag:v", "hvc1", "-pix_fmt", "yuv420p", "-x265-params"]
+        clips = {
+            # Each key unit begins with a parameter set, which the detector takes for its answer.
+            "parameter sets first": self.path("sets.h265"),
+            # Later key frames are clean random access pictures, no IDR slices.
+            "CRA": self.made("cra.mp4", "64x48", *hevc, x265 + "info=0:open-gop=1:bframes=2"),
+            # Later key frames are intra pictures with a recovery point message, no IDR slices.
+            "recovery point": self.made("open.h264", "64x48", "-c:v", "libx264", "-x264-params",
+                                        "keyint=5:min-keyint=1:open-gop=1:scenecut=0:bframes=2"),
+            # Read without a container, ffmpeg flags every H.263 picture.
+            "raw H.263": self.path("raw.h263"),
+        }
+        ffmpeg("-i", sample("hevc.mp4"), "-c", "copy", clips["parameter sets first"])
+        ffmpeg("-i", sample("h263.3gp"), "-c", "copy", clips["raw H.263"])
+        expected = {"parameter sets first": (4, 0), "CRA": (2, 1),
+                    "recovery point": (2, 1), "raw H.263": (24, 4)}
+        for what, path in clips.items():
+            with self.subTest(what):
+                track = self.video(path)
+                self.assertEqual([unit["container_key"] for unit in track["units"]],
+                                 ["K" in packet["flags"] for packet in packets(path)])
+                summary = track["summary"]
+                self.assertEqual((summary["container_keys"], summary["detector_keys"]),
+                                 expected[what])
+                self.assertEqual(summary["agreements"],
+                                 sum(unit["container_key"] == unit["detector_key"]
+                                     for unit in track["units"]))
+
+    def test_tracks_are_named(self):
+        expected = {"h264.h264": ("H264", 104), "hevc.mp4": ("hvc1", 120),
+                    "wmv2.avi": ("WMV2", 106), "mpeg4.avi": ("FMP4", 102),
+                    "h263.3gp": ("s263", 103), "div3.avi": ("DIV3", 110)}
+        for name, (fourcc, media_type) in expected.items():
+            track = self.video(sample(name))
+            self.assertEqual((track["fourcc"], track["media_type"]), (fourcc, media_type))
+            self.assertEqual(track["fourcc_number"], int.from_bytes(fourcc.encode(), "little"))
+            stream = ffprobe(sample(name), "stream=width,height")["streams"][0]
+            self.assertEqual((track["width"], track["height"]),
+                             (stream["width"], stream["height"]))
+        shutil.copy(sample("h264.mp4"), self.path("colon:1.mp4"))
+        text = run("probe", "colon:1.mp4", cwd=self.directory).stdout
+        self.assertIn("track 0: video  avc1  0x31637661  media type 104 VID_H264  320x180", text)
+        self.assertIn("track 1: audio  mp4a  0x6134706d  media type 306 AUD_AAC", text)
+        self.assertIn("240 units, 8 container key frames, 8 detector key frames, 240 agree", text)
+
+    def check_sequence(self, path):
+        sequence = self.video(path)["sequence"]
+        stream = ffprobe(path, "stream=profile,level,width,height")["streams"][0]
+        self.assertEqual((sequence["profile"], sequence["level_idc"], sequence["width"],
+                          sequence["height"]),
+                         (stream["profile"], stream["level"], stream["width"], stream["height"]))
+
+    def test_sequence_parameter_sets(self):
+        x264 = ["-c:v", "libx264", "-frames:v", "2", "-pix_fmt"]
+        self.check_sequence(sample("h264.mp4"))
+        self.check_sequence(sample("h264.h264"))
+        variants = {"64x48": ["yuv420p", "-profile:v", "baseline"],
+                    "70x50": ["yuv422p10le"], "67x53": ["yuv444p"],
+                    "98x76": ["yuv420p", "-x264-params", "interlaced=1"],
+                    "82x58": ["yuv420p", "-x264-params", "cqm=jvt", "-level", "4.2"]}
+        for size, options in variants.items():
+            for container in "mp4", "h264", "ts":
+                with self.subTest(size=size, container=container):
+                    self.check_sequence(self.made("x." + container, size, *x264, *options))
+
+    def rare_sequence(self, profile, chroma, lists):
+        """Order count type 1, scaling lists, fields, large crops, and bytes 00 00 03."""
+        ue = lambda n: format(n + 1, "b").zfill(2 * (n + 1).bit_length() - 1)
+        se = lambda n: ue(2 * n - 1 if n > 0 else -2 * n)
+        if chroma:
+            chroma += ue(0) + ue(0) + "0" + "1" + "1" + se(0) * 16 + "1" + se(-8) + "0" * 4
+            chroma += ("1" + se(5) * 64).ljust(64 * 7 + lists - 6, "0")
+        order = ue(1) + "0" + se(16384) + se(16384) + ue(3) + se(-2) + se(70) + se(0)
+        frame = ue(19) + ue(7) + "0" + "1" + "1" + "1" + ue(5) + ue(4) + ue(1) + ue(3) + "0"
+        bits = ue(0) + chroma + ue(4) + order + ue(4) + "0" + frame
+        bits = (bits + "1").ljust((len(bits) + 8) // 8 * 8, "0")
+        nal = bytes([0x67, profile, 0, 13]) + int(bits, 2).to_bytes(len(bits) // 8, "big")
+        escaped = re.sub(rb"\0\0(?=[\0-\3])", b"\0\0\3", nal)
+        self.assertNotEqual(escaped, nal)
+        with open(sample("h264.h264"), "rb") as file:
+            rest = file.read()
+        rest = rest[rest.index(b"\0\0\1\x68"):]
+        rest = rest[:rest.index(b"\0\0\1\x67")]
+        return self.written("rare.h264", b"\0\0\0\1" + escaped + b"\0" + rest)
+
+    def test_sequences_with_rare_fields(self):
+        self.check_sequence(self.rare_sequence(66, "", 0))
+        self.check_sequence(self.rare_sequence(100, "010", 8))
+        self.check_sequence(self.rare_sequence(244, "00100" + "0", 12))
+        # Planes coded apart are beyond ffmpeg.
+        sequence = self.video(self.rare_sequence(244, "00100" + "1", 12))["sequence"]
+        self.assertEqual((sequence["width"], sequence["height"]), (320 - 9, 256 - 4 * 2))
+
+    def test_lengths_and_parameter_sets_that_do_not_fit(self):
+        with open(sample("h264.mp4"), "rb") as file:
+            data = bytearray(file.read())
+        second = packets(sample("h264.mp4"))[1]
+        at = int(second["pos"])
+        data[at:at + 4] = b"\xff\xff\xff\xff"
+        out = self.fails("probe", self.written("length.mp4", data), says="unit 1: a NAL unit")
+        self.assertIn("240 units, 8 container key frames, 8 detector key frames", out)
+        self.fails("digest", self.path("length.mp4"), says="packet 1:")
+        avcc = data.index(b"avcC") + 4
+        data[avcc + 6:avcc + 8] = b"\x7f\xff"
+        self.fails("probe", self.written("set.mp4", data), says="parameter set")

@@ -1,0 +1,164 @@
+"""tavu sheet: its pictures read back and compared with ffmpeg's."""
+
+from tool_case import Case, ffmpeg, ffprobe, needs_ffmpeg, sample
+
+
+class Picture:
+    """A sheet read back through ffmpeg."""
+
+    def __init__(self, path, width):
+        stream = ffprobe(path, "stream=width,height")["streams"][0]
+        self.width, self.height = stream["width"], stream["height"]
+        self.rgb = ffmpeg("-i", path, "-f", "rawvideo", "-pix_fmt", "rgb24", "-")
+        self.gap = min(max(width // 24, 4), 32)
+        self.label = min(max(width // 14, 15), 40)
+        self.columns = (self.width - self.gap) // (width + self.gap)
+
+    def cut(self, x, y, w, h):
+        rows = [3 * (self.width * row + x) for row in range(y, y + h)]
+        return b"".join(self.rgb[row:row + 3 * w] for row in rows)
+
+    def cell(self, index, w, h):
+        """The picture and the text under it."""
+        x = self.gap + index % self.columns * (w + self.gap)
+        y = self.gap + index // self.columns * (h + self.label + self.gap)
+        return self.cut(x, y, w, h), self.cut(x, y + h, w, self.label)
+
+
+def scaled(rgb, sw, sh, w, h):
+    """Bilinear: target pixel i lies at i * (source - 1) / target."""
+    out = []
+    for y in range(h):
+        row, part = divmod(y * (sh - 1) / h, 1)
+        upper, lower = (rgb[3 * sw * r:3 * sw * (r + 1)] for r in (int(row), int(row) + 1))
+        line = [a + (b - a) * part for a, b in zip(upper, lower)]
+        for x in range(w):
+            column, part = divmod(x * (sw - 1) / w, 1)
+            for at in range(3 * int(column), 3 * int(column) + 3):
+                out.append(line[at] + (line[at + 3] - line[at]) * part)
+    return out
+
+
+def difference(a, b):
+    return sum(abs(x - y) for x, y in zip(a, b)) / len(a)
+
+
+@needs_ffmpeg
+class Sheet(Case):
+    def sheet(self, path, width, *args):
+        self.ok("sheet", path, "-o", self.path("out.png"), "--width", width, *args)
+        return Picture(self.path("out.png"), width)
+
+    def references(self, path, w, h, select):
+        """ffmpeg's pictures in RGB, scaled to the library's sample positions."""
+        stream = ffprobe(path, "stream=width,height")["streams"][0]
+        sw, sh = stream["width"], stream["height"]
+        raw = ffmpeg("-i", path, "-map", "0:v", "-fps_mode", "passthrough", "-vf",
+                     f"select={select},scale=flags=bilinear+full_chroma_int+accurate_rnd",
+                     "-f", "rawvideo", "-pix_fmt", "rgb24", "-")
+        return [scaled(raw[i:i + 3 * sw * sh], sw, sh, w, h)
+                for i in range(0, len(raw), 3 * sw * sh)]
+
+    def test_key_frames_are_ffmpegs_in_order(self):
+        for name, h in {"h264.mp4": 90, "hevc.mp4": 96, "mpeg4.avi": 89, "h263.3gp": 131}.items():
+            with self.subTest(name):
+                expected = self.references(sample(name), 160, h, "key")
+                sheet = self.sheet(sample(name), 160)
+                self.assertEqual(sheet.columns, 4)
+                rows = (len(expected) + 3) // 4
+                self.assertEqual(sheet.height, sheet.gap + rows * (h + sheet.label + sheet.gap))
+                for index, own in enumerate(expected):
+                    picture, _ = sheet.cell(index, 160, h)
+                    self.assertLess(difference(picture, own), 7)
+                    if name == "h264.mp4":
+                        others = [difference(picture, other) for other in expected if other != own]
+                        self.assertGreater(min(others), 20)
+
+    def ink(self, label, width):
+        """Columns from the first to the last that has ink."""
+        inked = [at // 3 % width for at, value in enumerate(label) if value > 100]
+        return max(inked) - min(inked)
+
+    def test_every_columns_and_labels(self):
+        sheet = self.sheet(sample("h264.mp4"), 160, "--every", 45, "--columns", 5)
+        self.assertEqual((sheet.columns, sheet.height),
+                         (5, sheet.gap + 2 * (90 + sheet.label + sheet.gap)))
+        expected = self.references(sample("h264.mp4"), 160, 90, r"not(mod(n\,45))")
+        self.assertEqual(len(expected), 6)
+        labels = set()
+        for index, own in enumerate(expected):
+            picture, label = sheet.cell(index, 160, 90)
+            self.assertLess(difference(picture, own), 7)
+            self.assertGreater(max(label), 150)
+            labels.add(label)
+        self.assertEqual(len(labels), 6)
+        counting = self.sheet(sample("mpeg4.avi"), 64, "--every", 1)
+        self.assertEqual(len({counting.cell(index, 64, 36)[1] for index in range(30)}), 30)
+        late = self.made("late.mkv", "64x48", "-c:v", "ffv1", "-fps_mode", "passthrough",
+                         "-frames:v", "2", "-vf", "setpts=N*3661.5/TB")
+        hours = self.sheet(late, 160, "--every", 1)
+        short, long = (self.ink(hours.cell(index, 160, 120)[1], 160) for index in (0, 1))
+        self.assertGreater(long, 1.2 * short)
+        ground = sheet.cell(6, 160, 90)[0]
+        self.assertEqual(set(ground), {sheet.rgb[0]})
+        few = self.sheet(sample("h264.mp4"), 64, "--columns", 100)
+        self.assertEqual(few.columns, 8)
+
+    def test_colours_whatever_the_source(self):
+        """Flat pictures, coded by the defining equations: matrix, range, depth, subsampling."""
+        matrices = {"bt709": (.2126, .0722), "smpte170m": (.299, .114), "unknown": (.299, .114)}
+        formats = {"yuv420p": (2, 2, 8), "yuv422p": (2, 1, 8), "yuv444p": (1, 1, 8),
+                   "yuv420p10le": (2, 2, 10), "yuv444p16le": (1, 1, 16)}
+        colours = [(200, 50, 100), (20, 180, 60), (255, 255, 255), (0, 0, 0), (30, 60, 220)]
+        for layout, (across, down, bits) in formats.items():
+            for matrix, (kr, kb) in matrices.items():
+                for full in True, False:
+                    raw = b""
+                    for rgb in colours:
+                        r, g, b = (c / 255 for c in rgb)
+                        y = kr * r + (1 - kr - kb) * g + kb * b
+                        u, v = (b - y) / (2 - 2 * kb), (r - y) / (2 - 2 * kr)
+                        top, unit = 2 ** bits - 1, 2 ** (bits - 8)
+                        coded = ([y * top, u * top + 128 * unit, v * top + 128 * unit] if full else
+                                 [unit * (16 + 219 * y), unit * (128 + 224 * u),
+                                  unit * (128 + 224 * v)])
+                        chroma = 32 * 32 // across // down
+                        for value, count in zip(coded, (32 * 32, chroma, chroma)):
+                            value = min(round(value), top)
+                            raw += value.to_bytes((bits + 7) // 8, "little") * count
+                    clip = self.path("flat.mkv")
+                    ffmpeg("-f", "rawvideo", "-pix_fmt", layout, "-s", "32x32", "-i", "-", "-c:v",
+                           "ffv1", "-strict", "-2", "-colorspace", matrix, "-color_range",
+                           "pc" if full else "tv", clip, stdin=raw)
+                    sheet = self.sheet(clip, 32, "--every", 1)
+                    for index, rgb in enumerate(colours):
+                        middle = sheet.cell(index, 32, 32)[0][3 * 32 * 16 + 48:][:3]
+                        with self.subTest(layout=layout, matrix=matrix, full=full, rgb=rgb):
+                            self.assertLessEqual(max(abs(a - b) for a, b in zip(middle, rgb)), 2)
+
+    def test_shapes(self):
+        """Pixels that are no squares, sizes that change, a sliver, hundreds of pictures."""
+        wide = self.made("wide.mp4", "64x48", "-c:v", "mpeg4", "-vf", "setsar=2")
+        self.assertEqual(self.sheet(wide, 64).height, 2 * 4 + 24 + 15)
+        small, large = (self.made(f"{size}.m4v", size, "-f", "m4v") for size in ("64x48", "130x76"))
+        with open(small, "rb") as one, open(large, "rb") as two:
+            both = self.written("both.m4v", one.read() + two.read())
+        sizes = [row.split(",")[2] for row in self.ok("digest", both).splitlines()[1:]]
+        self.assertEqual(sizes, ["64x48"] * 10 + ["130x76"] * 10)
+        sheet = self.sheet(both, 64, "--every", 10)
+        for index, path in enumerate((small, large)):
+            expected = self.references(path, 64, 48, r"eq(n\,0)")[0]
+            self.assertLess(difference(sheet.cell(index, 64, 48)[0], expected), 7)
+        sliver = self.made("sliver.mkv", "512x2", "-c:v", "ffv1", "-frames:v", "1")
+        self.assertEqual(self.sheet(sliver, 16).height, 2 * 4 + 1 + 15)
+        tall = self.made("tall.mkv", "2x9000", "-c:v", "ffv1", "-frames:v", "1")
+        self.fails("sheet", tall, "-o", self.path("tall.png"), says="2x9000")
+        # The last row and column of an odd size have chroma of their own.
+        odd = self.made("odd.mkv", "16x16", "-frames:v", "1", "-c:v", "ffv1", "-vf",
+                        "scale=3:3,format=gbrp,geq=r=255*lt(max(X\\,Y)\\,2):g=0:b=255-r(X\\,Y)")
+        picture = self.sheet(odd, 16, "--every", 1).cell(0, 16, 16)[0]
+        for corner in 15, 15 * 16, 16 * 16 - 1:
+            red, _, blue = picture[3 * corner:3 * corner + 3]
+            self.assertLess(red, blue)
+        many = self.made("many.avi", "32x24", "-c:v", "mjpeg", "-pix_fmt", "yuvj420p", seconds=40)
+        self.assertEqual(self.sheet(many, 32).height, 4 + 100 * (24 + 15 + 4))

@@ -1,0 +1,78 @@
+"""What the tests of the program share: running it, and ffmpeg's answers to compare with."""
+
+import json
+import os
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+TAVU = os.environ["TAVU"]
+SAMPLES = os.environ["TAVU_SAMPLES"]
+HAVE_FFMPEG = shutil.which("ffmpeg") and shutil.which("ffprobe")
+NAMES = ["h264.mp4", "h264.h264", "hevc.mp4", "mpeg4.avi", "mpeg4.mp4", "h263.3gp", "wmv1.wmv",
+         "wmv2.avi", "div3.avi", "huffyuv.avi"]
+YUV420 = [name for name in NAMES if name != "huffyuv.avi"]
+COUNTING = "testsrc2=s={}:r=10:d={}"
+
+
+def sample(name):
+    return os.path.join(SAMPLES, name)
+
+
+def run(*args, **options):
+    return subprocess.run([TAVU, *map(str, args)], capture_output=True, text=True, **options)
+
+
+def ffmpeg(*args, stdin=None):
+    command = ["ffmpeg", "-v", "error", "-y", "-fflags", "+bitexact", *map(str, args)]
+    return subprocess.run(command, input=stdin or b"", capture_output=True, check=True).stdout
+
+
+def ffprobe(path, entries, *args):
+    command = ["ffprobe", "-v", "error", "-select_streams", "v", "-of", "json", "-show_entries",
+               entries, *args, path]
+    return json.loads(subprocess.run(command, capture_output=True, check=True).stdout)
+
+
+def packets(path):
+    return ffprobe(path, "packet=flags,size,pts_time,pos")["packets"]
+
+
+needs_ffmpeg = unittest.skipUnless(HAVE_FFMPEG, "needs ffmpeg and ffprobe")
+
+
+class Case(unittest.TestCase):
+    def setUp(self):
+        directory = tempfile.TemporaryDirectory()
+        self.addCleanup(directory.cleanup)
+        self.directory = directory.name
+
+    def path(self, name):
+        return os.path.join(self.directory, name)
+
+    def written(self, name, data):
+        with open(self.path(name), "wb") as file:
+            file.write(data)
+        return self.path(name)
+
+    def made(self, name, size, *args, seconds=1):
+        ffmpeg("-f", "lavfi", "-i", COUNTING.format(size, seconds), *args, self.path(name))
+        return self.path(name)
+
+    def ok(self, *args):
+        result = run(*args)
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
+        return result.stdout
+
+    def fails(self, *args, status=1, says="", **options):
+        """Runs into an error: one line, which names the file or the argument."""
+        result = run(*args, **options)
+        self.assertEqual(result.returncode, status, result.stderr)
+        self.assertRegex(result.stderr, r"\Atavu: [^\n]+\n\Z")
+        self.assertIn(says, result.stderr)
+        return result.stdout
+
+    def video(self, path):
+        tracks = json.loads(self.ok("probe", path, "--json"))["tracks"]
+        return next(track for track in tracks if track["kind"] == "video")

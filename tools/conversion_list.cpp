@@ -1,0 +1,63 @@
+#include <cstdio>
+#include <iostream>
+#include <string>
+
+#include "commands.h"
+#include "layouts.h"
+#include "routines.h"
+
+namespace {
+
+constexpr const char *EQUATIONS = R"(
+A is alpha, 255 where the source has none. | parts planes; rows and planes follow without gaps.
+A 5-6-5 unit is 16 bits, low byte first, each byte drawn from its highest bit.
+
+Matrix and range: ITU-R BT.601, full range as in JPEG; u = U - 128, v = V - 128.
+  R = Y + ((359 v + 128) >> 8)
+  G = Y - ((183 v + 88 u + 128) >> 8)
+  B = Y + ((454 u + 128) >> 8)
+  Y = (77 R + 150 G + 29 B + 128) >> 8
+  U = 128 + ((-43 R - 85 G + 128 B + 128) >> 8)
+  V = 128 + ((128 R - 107 G - 21 B + 128) >> 8)
+Rounding: shifts round down, so that the 128 rounds to nearest; results are held in 0..255, but a U
+or V outside becomes 255. 5-6-5 units keep the upper bits.
+Resizing is bilinear. From YUV it is done in 16 bits that wrap: strong colours come out far off,
+but for the last width % 8 pixels of each row.
+The same-size routines to rgb888 and rgba8888 also write bgr888 (B G R) and bgra8888 (B G R A).
+)";
+
+std::string name_of(int32_t cs) {
+    const PixelLayout *layout = find_layout(cs);
+    return std::to_string(cs) + (layout ? std::string(" ") + layout->name : "");
+}
+
+std::string drawing_of(int32_t from, int32_t to) {
+    const PixelLayout *layout = find_layout(written_code(from, to));
+    std::string drawing = layout && layout->drawing ? layout->drawing : "?";
+    const bool alpha = from == TAVU_CS_YUV444A8 || from == TAVU_CS_R8G8B8A8;
+    if (const size_t at = drawing.find('A'); at != std::string::npos && !alpha)
+        drawing.replace(at, 1, "255");
+    return drawing;
+}
+
+}  // namespace
+
+void list_conversions() {
+    constexpr int32_t END = 1000;  // codes are below it
+    const char *const row = "%-13s  %-12s  %-9s  %-8s  %s\n";
+    const auto print = [row](auto... texts) {
+        char line[128];
+        std::snprintf(line, sizeof line, row, texts...);
+        std::cout << line;
+    };
+    print("source", "target", "same size", "resizing", "one pixel in memory");
+    for (int32_t from = 0; from < END; from++)
+        for (int32_t to = 0; to < END; to++) {
+            const bool same = offered_routine(from, to, false) != nullptr;
+            const bool resizing = offered_routine(from, to, true) != nullptr;
+            if (!same && !resizing) continue;
+            print(name_of(from).c_str(), name_of(to).c_str(), same ? "yes" : "-",
+                  resizing ? "yes" : "-", drawing_of(from, to).c_str());
+        }
+    std::cout << EQUATIONS;
+}

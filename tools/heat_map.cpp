@@ -1,0 +1,75 @@
+#include "heat_map.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "label.h"
+#include "png_file.h"
+
+namespace {
+
+constexpr int BLOCK = 8, SCALE_H = 6, LABEL_H = 16;
+constexpr uint8_t GROUND = 0x1E, INK = 0xE6;
+
+/** Blends a colour into a pixel. */
+void blend(uint8_t *pixel, const double (&colour)[3], double opacity) {
+    for (int c = 0; c < 3; c++)
+        pixel[c] = static_cast<uint8_t>(std::lround(pixel[c] + (colour[c] - pixel[c]) * opacity));
+}
+
+/** Tints by a value of 0..1: from violet over red to yellow, ever lighter. */
+void tint(uint8_t *pixel, double value, double opacity) {
+    constexpr double STOPS[][3] = {
+        {40, 10, 140}, {126, 3, 168}, {204, 71, 120}, {248, 149, 64}, {240, 249, 33}};
+    const double at = value * 4;
+    const int stop = std::min(static_cast<int>(at), 3);
+    double colour[3];
+    for (int c = 0; c < 3; c++)
+        colour[c] = STOPS[stop][c] + (STOPS[stop + 1][c] - STOPS[stop][c]) * (at - stop);
+    blend(pixel, colour, opacity);
+}
+
+/** Makes the pixel grey first, so that its own colour is not taken for a value. */
+void mark(uint8_t *pixel, double value) {
+    const int grey = (77 * pixel[0] + 150 * pixel[1] + 29 * pixel[2] + 128) >> 8;
+    std::fill_n(pixel, 3, static_cast<uint8_t>(grey));
+    // The smallest values are seen too, and the largest do not hide the picture.
+    tint(pixel, value, 0.6 + 0.25 * value);
+}
+
+void draw_text(uint8_t *row, const std::string &text, int width) {
+    constexpr double COLOUR[3] = {INK, INK, INK};
+    const Label label = draw_label(text, width, LABEL_H);
+    for (const uint8_t coverage : label.coverage) {
+        blend(row, COLOUR, coverage / 255.0);
+        row += 3;
+    }
+}
+
+/** Adds the colours of all values from 0 to `top`, with a text under them. */
+void add_scale(std::vector<uint8_t> &pixels, int width, int32_t top) {
+    const size_t row = 3 * static_cast<size_t>(width);
+    const size_t size = pixels.size();
+    pixels.resize(size + row * (SCALE_H + LABEL_H), GROUND);
+    uint8_t *out = &pixels[size];
+    for (int i = 0; i < SCALE_H * width; i++, out += 3)
+        tint(out, static_cast<double>(i % width) / std::max(width - 1, 1), 1);
+    draw_text(out, "SATD 0 to " + std::to_string(top), width);
+}
+
+}  // namespace
+
+void write_heat_map(const std::string &path, std::vector<uint8_t> pixels, int width, int height,
+                    const std::vector<int32_t> &blocks) {
+    const int columns = (width + BLOCK - 1) / BLOCK;
+    const int32_t top = *std::max_element(blocks.begin(), blocks.end());
+    for (int y = 0; y < height; y++)
+        for (int x = 0; x < width; x++) {
+            const int32_t value = blocks[static_cast<size_t>(y / BLOCK) * columns + x / BLOCK];
+            uint8_t *pixel = &pixels[3 * (static_cast<size_t>(y) * width + x)];
+            if (value > 0) mark(pixel, static_cast<double>(value) / top);
+        }
+    add_scale(pixels, width, top);
+    write_png(path, TAVU_CS_RGB888, pixels.data(), width, height + SCALE_H + LABEL_H,
+              3 * static_cast<size_t>(width));
+}

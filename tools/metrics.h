@@ -1,0 +1,23 @@
+/** How far two pictures are apart. */
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "handles.h"
+
+/** Sums over a picture of 8-bit luma; `blocks` are its 8x8 blocks row by row. */
+struct Difference {
+    int64_t sad = 0, ssd = 0, satd = 0;
+    double mse = 0;
+    std::vector<int32_t> blocks;
+};
+
+/** An empty luma picture, in which compare_luma() may read; what surrounds the picture is 0. */
+ImagePtr make_luma(int width, int height);
+
+/** Compares pictures of make_luma(), of equal size. */
+Difference compare_luma(const tavu_imgb_t &a, const tavu_imgb_t &b);
+
+/** Infinite for 0. */
+double psnr(double mse);

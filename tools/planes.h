@@ -1,0 +1,18 @@
+#pragma once
+
+#include "handles.h"
+
+/** Four planes of one size: R, G, B or full-range BT.601 Y, U, V, and alpha. */
+struct Planes {
+    ImagePtr image;
+    bool rgb = false;
+    bool alpha = false;  ///< false: the alpha plane holds 255 alone
+
+    /** Colour-space code of the planes, taken with or without that of alpha. */
+    int32_t code(bool with_alpha) const;
+};
+
+/** The samples of a frame; chroma is brought to full size with the library's resizer. */
+Planes read_planes(const AVFrame &frame);
+
+Planes resize(const Planes &planes, int width, int height);
