@@ -1,13 +1,13 @@
 // Conversions: the model, every variant of the processor, and the best peer, on the same planes.
-#include <benchmark/benchmark.h>
-
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "kernels.h"
 #include "peers.h"
 #include "picture.h"
+#include "rows.h"
 
 namespace {
 
@@ -21,35 +21,34 @@ double difference(Picture &picture, tavu_fn_csc_t a, tavu_fn_csc_t b) {
     return sum / static_cast<double>(expected.size());
 }
 
-void run(benchmark::State &state, const CscKernel &kernel, tavu_fn_csc_t routine) {
-    Picture picture(kernel, static_cast<int32_t>(state.range(0)),
-                    static_cast<int32_t>(state.range(1)));
-    const double differs = difference(picture, kernel.model, routine);
-    if (differs > 0) state.SetLabel("mean difference " + std::to_string(differs));
-    for (auto _ : state) {
-        picture.convert(routine);
-        benchmark::ClobberMemory();
-    }
-    state.SetItemsProcessed(state.iterations() * state.range(0) * state.range(1));
+// "exported" is what a user gets; the others are its variants.
+std::string side_name(const char *level) {
+    return level == std::string("exported") ? "tavu" : std::string("tavu-") + level;
 }
 
 void add(const CscKernel &kernel, const std::string &who, tavu_fn_csc_t routine) {
-    const std::string name = "csc_" + std::string(kernel.name) + "/" + who;
-    benchmark::RegisterBenchmark(name.c_str(), run, kernel, routine)
-        ->Args({320, 180})
-        ->Args({1920, 1080})
-        ->Unit(benchmark::kMicrosecond);
+    for (const auto &[w, h] : {std::pair(320, 180), std::pair(1920, 1080)}) {
+        Picture picture(kernel, w, h);
+        const double differs = difference(picture, kernel.model, routine);
+        std::string side = who;
+        if (differs > 0) side += " (mean difference " + std::to_string(differs).substr(0, 4) + ")";
+        add_side(
+            "csc_" + std::string(kernel.name) + '/' + std::to_string(w) + 'x' + std::to_string(h),
+            side, [kernel, w = w, h = h, routine, made = std::shared_ptr<Picture>()]() mutable {
+                if (!made) made = std::make_shared<Picture>(kernel, w, h);
+                made->convert(routine);
+            });
+    }
 }
 
 }  // namespace
 
-int main(int argc, char **argv) {
+void add_csc_rows() {
     for (const CscKernel &kernel : csc_kernels()) {
-        add(kernel, "model", kernel.model);
-        for (const CscVariant &variant : kernel.variants) add(kernel, variant.level, variant.run);
+        add(kernel, "tavu-model", kernel.model);
+        for (const CscVariant &variant : kernel.variants) {
+            add(kernel, side_name(variant.level), variant.run);
+        }
         if (const tavu_fn_csc_t peer = csc_peer(kernel.name)) add(kernel, "libyuv", peer);
     }
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
 }

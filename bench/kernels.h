@@ -6,16 +6,15 @@
 #include <vector>
 
 #include "tavu.h"
+#include "variants.h"
 
-struct CscVariant {
-    const char *level;
-    tavu_fn_csc_t run;
-};
+using CscVariant = Variant<tavu_fn_csc_t>;
+using CscVariants = std::vector<CscVariant>;
 
 struct CscKernel {
     const char *name;
     tavu_fn_csc_t model;
-    std::vector<CscVariant> variants;
+    CscVariants variants;
     int src_planes;
     int src_step;  // bytes from pixel to pixel: 1, or of a packed source whose channels
                    // are the planes

@@ -21,10 +21,6 @@ set(TAVU_SOURCES
   src/media/fcc2mt.cpp
   src/media/vkeyfrm.cpp
   src/media/md5.cpp
-  src/metric/diff.cpp
-  src/metric/sad.cpp
-  src/metric/satd.cpp
-  src/metric/ssd.cpp
   src/imgp/irsz.cpp
   src/imgp/irsz_kernels.cpp
   src/imgp/csc_rsz.cpp
@@ -39,7 +35,11 @@ set(TAVU_SOURCES
 set(TAVU_WIDE_SOURCES
   src/imgp/csc_to_565.cpp
   src/imgp/csc_to_packed.cpp
-  src/imgp/csc_to_yuv.cpp)
+  src/imgp/csc_to_yuv.cpp
+  src/metric/diff.cpp
+  src/metric/sad.cpp
+  src/metric/satd.cpp
+  src/metric/ssd.cpp)
 
 function(tavu_objects name)
   add_library(${name} OBJECT ${ARGN})

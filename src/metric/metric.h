@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "simd/kernel.h"
+#include "simd/vec.h"
 #include "tavu.h"
 
 namespace tavu {

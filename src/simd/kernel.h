@@ -6,23 +6,18 @@
 // build a kernel is an ordinary function.
 //
 //     TAVU_KERNEL(void, tavu_name, (int32_t a, int32_t b)) { ... }
-//     TAVU_ONE_LEVEL(definition)     for what gains nothing from v3: not compiled for it
 #ifndef TAVU_SIMD_KERNEL_H
 #define TAVU_SIMD_KERNEL_H
 
 #if !defined(TAVU_LEVEL)
 
 #define TAVU_KERNEL(ret, name, params) extern "C" ret name params
-#define TAVU_ONE_LEVEL(...) __VA_ARGS__
 
 #elif TAVU_LEVEL == 3
 
 #define TAVU_KERNEL(ret, name, params) extern "C" ret name##_v3 params
-#define TAVU_ONE_LEVEL(...)
 
 #else
-
-#define TAVU_ONE_LEVEL(...) __VA_ARGS__
 
 #include "simd/level.h"
 

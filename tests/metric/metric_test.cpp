@@ -1,4 +1,4 @@
-// Block metrics against their definitions, on blocks that end at an unreadable page.
+// Block metrics of every level against their definitions, on blocks that end at an unreadable page.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,8 +8,19 @@
 #include "content.h"
 #include "memory.h"
 #include "tavu.h"
+#include "variants.h"
 
 namespace {
+
+// The tests run at each level in turn.
+class Metric : public testing::TestWithParam<size_t> {
+  protected:
+    template <auto *Routine>
+    static auto get() {
+        return variants<Routine>()[GetParam()].run;
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Levels, Metric, testing::Range<size_t>(0, variants<tavu_ssd>().size()));
 
 // A block whose last row ends `slack` bytes before an unreadable page.
 struct Block {
@@ -55,16 +66,18 @@ int sad_of(int width, int height, Block &a, Block &b) {
     return sum_of(width, height, a, b, [](int d) { return std::abs(d); });
 }
 
-TEST(Metric, SadOfFixedSizes) {
+TEST_P(Metric, SadOfFixedSizes) {
     struct {
         tavu_metric_block_t *sad;
         int width, height;
-    } const kernels[] = {{tavu_sad2x2, 2, 2},     {tavu_sad2x4, 2, 4},     {tavu_sad4x2, 4, 2},
-                         {tavu_sad4x4, 4, 4},     {tavu_sad4x8, 4, 8},     {tavu_sad8x4, 8, 4},
-                         {tavu_sad8x8, 8, 8},     {tavu_sad8x16, 8, 16},   {tavu_sad16x8, 16, 8},
-                         {tavu_sad16x16, 16, 16}, {tavu_sad16x32, 16, 32}, {tavu_sad32x16, 32, 16},
-                         {tavu_sad32x32, 32, 32}, {tavu_sad64x32, 64, 32}, {tavu_sad32x64, 32, 64},
-                         {tavu_sad64x64, 64, 64}};
+    } const kernels[] = {{get<tavu_sad2x2>(), 2, 2},     {get<tavu_sad2x4>(), 2, 4},
+                         {get<tavu_sad4x2>(), 4, 2},     {get<tavu_sad4x4>(), 4, 4},
+                         {get<tavu_sad4x8>(), 4, 8},     {get<tavu_sad8x4>(), 8, 4},
+                         {get<tavu_sad8x8>(), 8, 8},     {get<tavu_sad8x16>(), 8, 16},
+                         {get<tavu_sad16x8>(), 16, 8},   {get<tavu_sad16x16>(), 16, 16},
+                         {get<tavu_sad16x32>(), 16, 32}, {get<tavu_sad32x16>(), 32, 16},
+                         {get<tavu_sad32x32>(), 32, 32}, {get<tavu_sad64x32>(), 64, 32},
+                         {get<tavu_sad32x64>(), 32, 64}, {get<tavu_sad64x64>(), 64, 64}};
     for (const auto &k : kernels) {
         for_each_pair(k.width, k.height, [&](Block &a, Block &b) {
             ASSERT_EQ(k.sad(a.at(), b.at(), a.stride, b.stride), sad_of(k.width, k.height, a, b))
@@ -75,19 +88,19 @@ TEST(Metric, SadOfFixedSizes) {
     }
 }
 
-TEST(Metric, SadOfEveryWidthButEightIsThatOfSixteen) {
+TEST_P(Metric, SadOfEveryWidthButEightIsThatOfSixteen) {
     for (const int width : {8, 0, 4, 12, 16, 32, -8}) {
         for (const int height : {8, 16, 256}) {
             const int columns = width == 8 ? 8 : 16;
             for_each_pair(columns, height, [&](Block &a, Block &b) {
-                ASSERT_EQ(tavu_sad(width, height, a.at(), b.at(), a.stride, b.stride),
+                ASSERT_EQ(get<tavu_sad>()(width, height, a.at(), b.at(), a.stride, b.stride),
                           sad_of(columns, height, a, b));
             });
         }
     }
 }
 
-TEST(Metric, EarlySkipStopsBehindTheRowThatExceeds) {
+TEST_P(Metric, EarlySkipStopsBehindTheRowThatExceeds) {
     for (const int width : {4, 8, 16, 20, 64}) {
         for (int align = 0; align < 4; align++) {
             // Words around the rows of b are readable, no byte more.
@@ -100,7 +113,8 @@ TEST(Metric, EarlySkipStopsBehindTheRowThatExceeds) {
                 sums[y] = sum;
             }
             const auto eskip = [&](int height, int threshold) {
-                return tavu_sad_eskip(width, height, a.at(), at, a.stride, b.stride, threshold);
+                return get<tavu_sad_eskip>()(width, height, a.at(), at, a.stride, b.stride,
+                                             threshold);
             };
             EXPECT_EQ(reinterpret_cast<uintptr_t>(at) % 4, static_cast<uintptr_t>(align));
             for (int y = 0; y < 5; y++) {
@@ -114,21 +128,21 @@ TEST(Metric, EarlySkipStopsBehindTheRowThatExceeds) {
 }
 
 // Whatever stands in columns 4 to 7 is read and never seen.
-TEST(Metric, FourColumnsSeeFourColumns) {
+TEST_P(Metric, FourColumnsSeeFourColumns) {
     Bytes a(8 * 8, 10), b(8 * 8, 7);
     for (size_t i = 0; i < 64; i++) {
         if (i % 8 >= 4) a[i] = static_cast<uint8_t>(37 * i);
     }
-    EXPECT_EQ(tavu_sad4x4(a.data(), b.data(), 8, 8), 3 * 16);
-    EXPECT_EQ(tavu_sad4x8(a.data(), b.data(), 8, 8), 3 * 32);
-    EXPECT_EQ(tavu_ssd(4, 8, a.data(), b.data(), 8, 8), 9 * 32);
-    EXPECT_EQ(tavu_satd4x4(a.data(), b.data(), 8, 8), 24);
+    EXPECT_EQ(get<tavu_sad4x4>()(a.data(), b.data(), 8, 8), 3 * 16);
+    EXPECT_EQ(get<tavu_sad4x8>()(a.data(), b.data(), 8, 8), 3 * 32);
+    EXPECT_EQ(get<tavu_ssd>()(4, 8, a.data(), b.data(), 8, 8), 9 * 32);
+    EXPECT_EQ(get<tavu_satd4x4>()(a.data(), b.data(), 8, 8), 24);
     std::vector<int16_t> diff(8 * 4, 99);
-    tavu_diff4x4(a.data(), b.data(), 8, 8, 8, diff.data());
+    get<tavu_diff4x4>()(a.data(), b.data(), 8, 8, 8, diff.data());
     for (size_t i = 0; i < diff.size(); i++) EXPECT_EQ(diff[i], i % 8 < 4 ? 3 : 99);
 }
 
-TEST(Metric, DifferencesAreWrittenAndNothingElse) {
+TEST_P(Metric, DifferencesAreWrittenAndNothingElse) {
     const auto check = [](int width, int height, const auto &run) {
         for_each_pair(std::max(width, 1), std::max(height, 1), [&](Block &a, Block &b) {
             for (const int stride : {std::max(width, 1), std::max(width, 1) + 3}) {
@@ -148,8 +162,9 @@ TEST(Metric, DifferencesAreWrittenAndNothingElse) {
     struct {
         tavu_diff_block_t *diff;
         int size;
-    } const kernels[] = {{tavu_diff2x2, 2},    {tavu_diff4x4, 4},    {tavu_diff8x8, 8},
-                         {tavu_diff16x16, 16}, {tavu_diff32x32, 32}, {tavu_diff64x64, 64}};
+    } const kernels[] = {{get<tavu_diff2x2>(), 2},    {get<tavu_diff4x4>(), 4},
+                         {get<tavu_diff8x8>(), 8},    {get<tavu_diff16x16>(), 16},
+                         {get<tavu_diff32x32>(), 32}, {get<tavu_diff64x64>(), 64}};
     for (const auto &k : kernels) {
         check(k.size, k.size, [&](Block &a, Block &b, int stride, int16_t *out) {
             k.diff(a.at(), b.at(), a.stride, b.stride, stride, out);
@@ -159,24 +174,24 @@ TEST(Metric, DifferencesAreWrittenAndNothingElse) {
     for (const auto &[width, height] : sizes) {
         check(width, height,
               [&, w = width, h = height](Block &a, Block &b, int stride, int16_t *out) {
-                  tavu_diff(w, h, a.at(), b.at(), a.stride, b.stride, stride, out);
+                  get<tavu_diff>()(w, h, a.at(), b.at(), a.stride, b.stride, stride, out);
               });
     }
 }
 
-TEST(Metric, SsdOfOtherWidthsIsThatOf64) {
+TEST_P(Metric, SsdOfOtherWidthsIsThatOf64) {
     for (const int width : {4, 8, 16, 32, 64, 0, 12, 24, -4, 128}) {
         const bool known = width == 4 || width == 8 || width == 16 || width == 32;
         const int columns = known ? width : 64;
         for (const int height : {4, 64}) {
             for_each_pair(columns, height, [&](Block &a, Block &b) {
-                ASSERT_EQ(tavu_ssd(width, height, a.at(), b.at(), a.stride, b.stride),
+                ASSERT_EQ(get<tavu_ssd>()(width, height, a.at(), b.at(), a.stride, b.stride),
                           sum_of(columns, height, a, b, [](int d) { return d * d; }));
             });
         }
     }
     const Bytes black(64 * 64, 0), white(64 * 64, 255);
-    EXPECT_EQ(tavu_ssd(64, 64, black.data(), white.data(), 64, 64), 266342400);
+    EXPECT_EQ(get<tavu_ssd>()(64, 64, black.data(), white.data(), 64, 64), 266342400);
 }
 
 // Sums of magnitudes of each horizontal frequency, by the sign matrix of the transform.
@@ -213,28 +228,28 @@ int satd_of(int size, int width, int height, Block &a, Block &b) {
     return sum;
 }
 
-TEST(Metric, SatdIsTheTransformsMagnitude) {
+TEST_P(Metric, SatdIsTheTransformsMagnitude) {
     for_each_pair(4, 4, [](Block &a, Block &b) {
         const int expected = satd_of(4, 4, 4, a, b);
-        ASSERT_EQ(tavu_satd4x4(a.at(), b.at(), a.stride, b.stride), expected);
+        ASSERT_EQ(get<tavu_satd4x4>()(a.at(), b.at(), a.stride, b.stride), expected);
         int16_t residual[16];
-        tavu_diff4x4(a.at(), b.at(), a.stride, b.stride, 4, residual);
-        ASSERT_EQ(tavu_hadamard4x4(residual), expected);
+        get<tavu_diff4x4>()(a.at(), b.at(), a.stride, b.stride, 4, residual);
+        ASSERT_EQ(get<tavu_hadamard4x4>()(residual), expected);
     });
     for_each_pair(8, 8, [](Block &a, Block &b) {
-        ASSERT_EQ(tavu_satd8x8(a.at(), b.at(), a.stride, b.stride), satd_of(8, 8, 8, a, b));
+        ASSERT_EQ(get<tavu_satd8x8>()(a.at(), b.at(), a.stride, b.stride), satd_of(8, 8, 8, a, b));
     });
     for (const int d : {1, -1, 5, 255, -255}) {
         int16_t flat[16], single[16] = {static_cast<int16_t>(d)};
         for (int16_t &r : flat) r = static_cast<int16_t>(d);
-        EXPECT_EQ(tavu_hadamard4x4(flat), 8 * std::abs(d));
-        EXPECT_EQ(tavu_hadamard4x4(single), 8 * std::abs(d));
+        EXPECT_EQ(get<tavu_hadamard4x4>()(flat), 8 * std::abs(d));
+        EXPECT_EQ(get<tavu_hadamard4x4>()(single), 8 * std::abs(d));
     }
     const int16_t large[16] = {2047, -2047, 2047, -2047, 2047, -2047, 2047, -2047};
-    EXPECT_EQ(tavu_hadamard4x4(large), 2 * 8 * 2047 / 2);
+    EXPECT_EQ(get<tavu_hadamard4x4>()(large), 2 * 8 * 2047 / 2);
 }
 
-TEST(Metric, SatdOfAnAreaIsTheSumOfItsTiles) {
+TEST_P(Metric, SatdOfAnAreaIsTheSumOfItsTiles) {
     const int sizes[][2] = {{4, 4}, {16, 8}, {8, 16}, {12, 20}, {9, 5}, {1, 1}};
     for (const auto &[w, h] : sizes) {
         const int width = w, height = h;
@@ -242,14 +257,14 @@ TEST(Metric, SatdOfAnAreaIsTheSumOfItsTiles) {
             const auto run = [&](tavu_metric_area_t *metric) {
                 return metric(width, height, a.at(), b.at(), a.stride, b.stride);
             };
-            ASSERT_EQ(run(tavu_satd1), satd_of(4, width, height, a, b));
-            ASSERT_EQ(run(tavu_satd2), satd_of(8, width, height, a, b));
+            ASSERT_EQ(run(get<tavu_satd1>()), satd_of(4, width, height, a, b));
+            ASSERT_EQ(run(get<tavu_satd2>()), satd_of(8, width, height, a, b));
             if (width % 4 == 0 && height % 4 == 0) {
-                ASSERT_EQ(run(tavu_satd), satd_of(4, width, height, a, b));
+                ASSERT_EQ(run(get<tavu_satd>()), satd_of(4, width, height, a, b));
             }
         });
     }
-    for (tavu_metric_area_t *metric : {tavu_satd1, tavu_satd2}) {
+    for (tavu_metric_area_t *metric : {get<tavu_satd1>(), get<tavu_satd2>()}) {
         EXPECT_EQ(metric(8, 0, nullptr, nullptr, 0, 0), 0);
         EXPECT_EQ(metric(8, -1, nullptr, nullptr, 0, 0), 0);
     }
@@ -257,7 +272,7 @@ TEST(Metric, SatdOfAnAreaIsTheSumOfItsTiles) {
 
 // The residual 255 s(y) t(x) of signs has the coefficients 255 S(v) T(u), whose sums of one u leave
 // 15 bits: they wrap one by one, and as signed numbers.
-TEST(Metric, Satd8x8SumsEachFrequencyIn16Bits) {
+TEST_P(Metric, Satd8x8SumsEachFrequencyIn16Bits) {
     int magnitude[256][8] = {};
     for (int signs = 0; signs < 256; signs++) {
         for (int u = 0; u < 8; u++) {
@@ -280,7 +295,8 @@ TEST(Metric, Satd8x8SumsEachFrequencyIn16Bits) {
                 wrapped += 255 * rows * m > INT16_MAX;
                 total += static_cast<int16_t>(255 * rows * m);
             }
-            ASSERT_EQ(tavu_satd8x8(a, b, 8, 8), (total + 2) >> 2) << vertical << ' ' << horizontal;
+            ASSERT_EQ(get<tavu_satd8x8>()(a, b, 8, 8), (total + 2) >> 2)
+                << vertical << ' ' << horizontal;
         }
     }
     EXPECT_GT(wrapped, 1000);

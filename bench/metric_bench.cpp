@@ -1,0 +1,183 @@
+// Block metrics beside those of video encoders, on blocks at changing places of two noisy planes.
+#include <cstring>
+#include <vector>
+
+#include "rows.h"
+#include "tavu.h"
+
+namespace {
+
+constexpr int32_t STRIDE = 192;
+
+struct Planes {
+    Planes() {
+        for (size_t i = 0; i < sizeof a; i++) {
+            a[i] = static_cast<uint8_t>(i * 2654435761U >> 13);
+            b[i] = static_cast<uint8_t>(i * 2246822519U >> 11);
+        }
+    }
+    // Places that an encoder would try: one block, displaced a little in the other plane.
+    const uint8_t *next_a() { return a + (turn & 3) * 32; }
+    const uint8_t *next_b() {
+        turn++;
+        return b + (turn & 3) * STRIDE + (turn * 7 & 15);
+    }
+    // The encoders' SSD wants aligned blocks.
+    const uint8_t *next_aligned_b() {
+        turn++;
+        return b + (turn & 3) * STRIDE + (turn & 1) * 32;
+    }
+
+    alignas(64) uint8_t a[STRIDE * 80], b[STRIDE * 80];
+    alignas(64) int16_t diff[64 * 64];
+    uint32_t turn = 0;
+} planes;
+
+void add_block(const std::string &row, const std::string &who, tavu_metric_block_t *metric) {
+    add_side(row, who, [metric] {
+        const uint8_t *a = planes.next_a();
+        return metric(a, planes.next_b(), STRIDE, STRIDE);
+    });
+}
+
+void add_area(const std::string &row, tavu_metric_area_t *metric, int32_t size) {
+    add_side(row, "tavu", [metric, size] {
+        const uint8_t *a = planes.next_a();
+        return metric(size, size, a, planes.next_b(), STRIDE, STRIDE);
+    });
+}
+
+void add_ssd(int32_t size) {
+    add_side("ssd/" + std::to_string(size), "tavu", [size] {
+        const uint8_t *a = planes.next_a();
+        return tavu_ssd(size, size, a, planes.next_aligned_b(), STRIDE, STRIDE);
+    });
+}
+
+void add_diff(const std::string &row, tavu_diff_block_t *diff, int32_t size) {
+    add_side(row, "tavu", [diff, size] {
+        const uint8_t *a = planes.next_a();
+        diff(a, planes.next_b(), STRIDE, STRIDE, size, planes.diff);
+    });
+}
+
+void add_early_skip(const std::string &row, int32_t size, int32_t rows, int32_t threshold,
+                    tavu_metric_block_t *same_rows) {
+    add_side(row, "tavu", [size, rows, threshold] {
+        const uint8_t *a = planes.next_a();
+        return tavu_sad_eskip(size, rows, a, planes.next_b(), STRIDE, STRIDE, threshold);
+    });
+    if (same_rows != nullptr) add_block(row, "plain SAD of these rows", same_rows);
+}
+
+}  // namespace
+
+#if TAVU_HAVE_X264
+
+extern "C" {
+using EncoderMetric = int(const uint8_t *, intptr_t, const uint8_t *, intptr_t);
+using EncoderDiff = void(int16_t *, intptr_t, const uint8_t *, const uint8_t *, intptr_t, intptr_t);
+EncoderMetric x264_8_pixel_sad_4x4_mmx2, x264_8_pixel_sad_8x8_mmx2, x264_8_pixel_sad_16x16_sse2,
+    x264_8_pixel_sad_4x4_avx512, x264_8_pixel_sad_8x8_avx512, x264_8_pixel_sad_16x16_avx512,
+    x265_pixel_sad_32x32_avx2, x265_pixel_sad_64x64_avx2, x265_pixel_sad_64x64_avx512,
+    x264_8_pixel_ssd_8x8_avx, x264_8_pixel_ssd_16x16_avx2, x265_pixel_ssd_64x64_avx2,
+    x265_pixel_satd_4x4_avx, x265_pixel_satd_4x4_avx512, x265_pixel_sa8d_8x8_avx2,
+    x265_pixel_sa8d_8x8_avx512, x265_pixel_satd_16x16_avx2, x265_pixel_satd_16x16_avx512,
+    x265_pixel_satd_64x64_avx2, x265_pixel_satd_64x64_avx512, x265_pixel_sa8d_16x16_avx2,
+    x265_pixel_sa8d_64x64_avx;
+EncoderDiff x265_pixel_sub_ps_8x8_sse4, x265_pixel_sub_ps_16x16_avx2, x265_pixel_sub_ps_64x64_avx2,
+    x265_pixel_sub_ps_64x64_avx512;
+}
+
+namespace {
+
+bool runs(const char *level) {
+    if (strcmp(level, "avx512") == 0) return __builtin_cpu_supports("avx512bw");
+    return strcmp(level, "sse4") == 0 || __builtin_cpu_supports("avx2");
+}
+
+void add_peer(const std::string &row, const char *who, const char *level, EncoderMetric *metric) {
+    if (!runs(level)) return;
+    add_side(row, std::string(who) + ' ' + level, [metric] {
+        const uint8_t *a = planes.next_a();
+        return metric(a, STRIDE, planes.next_b(), STRIDE);
+    });
+}
+
+void add_ssd_peer(int32_t size, const char *who, EncoderMetric *ssd) {
+    if (!runs("avx2")) return;
+    add_side("ssd/" + std::to_string(size), who, [ssd] {
+        const uint8_t *a = planes.next_a();
+        return ssd(a, STRIDE, planes.next_aligned_b(), STRIDE);
+    });
+}
+
+void add_peer(const std::string &row, const char *level, EncoderDiff *diff, int32_t size) {
+    if (!runs(level)) return;
+    add_side(row, std::string("x265 ") + level, [diff, size] {
+        const uint8_t *a = planes.next_a();
+        diff(planes.diff, size, a, planes.next_b(), STRIDE, STRIDE);
+    });
+}
+
+void add_peers() {
+    add_peer("sad/4x4", "x264", "sse4", x264_8_pixel_sad_4x4_mmx2);
+    add_peer("sad/4x4", "x264", "avx512", x264_8_pixel_sad_4x4_avx512);
+    add_peer("sad/8x8", "x264", "sse4", x264_8_pixel_sad_8x8_mmx2);
+    add_peer("sad/8x8", "x264", "avx512", x264_8_pixel_sad_8x8_avx512);
+    add_peer("sad/16x16", "x264", "sse4", x264_8_pixel_sad_16x16_sse2);
+    add_peer("sad/16x16", "x264", "avx512", x264_8_pixel_sad_16x16_avx512);
+    add_peer("sad/32x32", "x265", "avx2", x265_pixel_sad_32x32_avx2);
+    add_peer("sad/64x64", "x265", "avx2", x265_pixel_sad_64x64_avx2);
+    add_peer("sad/64x64", "x265", "avx512", x265_pixel_sad_64x64_avx512);
+    add_ssd_peer(8, "x264 avx", x264_8_pixel_ssd_8x8_avx);
+    add_ssd_peer(16, "x264 avx2", x264_8_pixel_ssd_16x16_avx2);
+    add_ssd_peer(64, "x265 avx2", x265_pixel_ssd_64x64_avx2);
+    add_peer("satd/4x4", "x265", "avx2", x265_pixel_satd_4x4_avx);
+    add_peer("satd/4x4", "x265", "avx512", x265_pixel_satd_4x4_avx512);
+    add_peer("satd/8x8", "x265", "avx2", x265_pixel_sa8d_8x8_avx2);
+    add_peer("satd/8x8", "x265", "avx512", x265_pixel_sa8d_8x8_avx512);
+    add_peer("satd/16x16 of 4x4", "x265", "avx2", x265_pixel_satd_16x16_avx2);
+    add_peer("satd/16x16 of 4x4", "x265", "avx512", x265_pixel_satd_16x16_avx512);
+    add_peer("satd/64x64 of 4x4", "x265", "avx2", x265_pixel_satd_64x64_avx2);
+    add_peer("satd/64x64 of 4x4", "x265", "avx512", x265_pixel_satd_64x64_avx512);
+    add_peer("satd/16x16 of 8x8", "x265", "avx2", x265_pixel_sa8d_16x16_avx2);
+    add_peer("satd/64x64 of 8x8", "x265", "avx2", x265_pixel_sa8d_64x64_avx);
+    add_peer("diff/8x8", "sse4", x265_pixel_sub_ps_8x8_sse4, 8);
+    add_peer("diff/16x16", "avx2", x265_pixel_sub_ps_16x16_avx2, 16);
+    add_peer("diff/64x64", "avx2", x265_pixel_sub_ps_64x64_avx2, 64);
+    add_peer("diff/64x64", "avx512", x265_pixel_sub_ps_64x64_avx512, 64);
+}
+
+}  // namespace
+
+#else
+
+static void add_peers() {}
+
+#endif
+
+void add_metric_rows() {
+    add_block("sad/4x4", "tavu", tavu_sad4x4);
+    add_block("sad/8x8", "tavu", tavu_sad8x8);
+    add_block("sad/16x16", "tavu", tavu_sad16x16);
+    add_block("sad/32x32", "tavu", tavu_sad32x32);
+    add_block("sad/64x64", "tavu", tavu_sad64x64);
+    add_early_skip("sad_eskip/16x16 whole", 16, 16, INT32_MAX, tavu_sad16x16);
+    add_early_skip("sad_eskip/64x64 whole", 64, 64, INT32_MAX, tavu_sad64x64);
+    // A row of 16 columns differs by 900 to 1800, one of 64 by 4500 to 6500.
+    add_early_skip("sad_eskip/16x16 to row 8", 16, 16, 10000, tavu_sad16x8);
+    add_early_skip("sad_eskip/64x64 to row 32", 64, 64, 170000, tavu_sad64x32);
+    add_diff("diff/8x8", tavu_diff8x8, 8);
+    add_diff("diff/16x16", tavu_diff16x16, 16);
+    add_diff("diff/64x64", tavu_diff64x64, 64);
+    for (const int size : {8, 16, 64}) add_ssd(size);
+    for (const int size : {16, 64}) {
+        const std::string shape = std::to_string(size) + 'x' + std::to_string(size);
+        add_area("satd/" + shape + " of 4x4", tavu_satd, size);
+        add_area("satd/" + shape + " of 8x8", tavu_satd2, size);
+    }
+    add_block("satd/4x4", "tavu", tavu_satd4x4);
+    add_block("satd/8x8", "tavu", tavu_satd8x8);
+    add_peers();
+}
