@@ -2,6 +2,7 @@
 #ifndef TAVU_BENCH_VARIANTS_H
 #define TAVU_BENCH_VARIANTS_H
 
+#include <cstddef>
 #include <vector>
 
 #include "tavu.h"

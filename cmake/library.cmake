@@ -1,7 +1,6 @@
 # The library: one set of position-independent objects in a shared and a static form.
 
 set(TAVU_SOURCES
-  src/simd/level.cpp
   src/core/alloc.cpp
   src/core/atomic.cpp
   src/core/log2.cpp
@@ -35,7 +34,10 @@ set(TAVU_SOURCES
 set(TAVU_WIDE_SOURCES
   src/imgp/csc_to_565.cpp
   src/imgp/csc_to_packed.cpp
-  src/imgp/csc_to_yuv.cpp
+  src/imgp/csc_to_yuv.cpp)
+
+# Kernels that gain once more from registers of 64 bytes: for level v4 too.
+set(TAVU_WIDEST_SOURCES
   src/metric/diff.cpp
   src/metric/sad.cpp
   src/metric/satd.cpp
@@ -57,21 +59,31 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$" AND TAVU_SIMD)
   set(x86_64 ON)
 endif()
 
-tavu_objects(tavu_base ${TAVU_SOURCES})
-tavu_objects(tavu_wide ${TAVU_WIDE_SOURCES})
-set(TAVU_OBJECTS tavu_base tavu_wide)
-if(x86_64)
-  target_compile_options(tavu_base PRIVATE -march=x86-64-v2 -mtune=generic)
-  target_compile_options(tavu_wide PRIVATE -march=x86-64-v2 -mtune=generic)
-endif()
+# NAME compiled for a level; TOP is the highest one that its sources are compiled for.
+function(tavu_level_objects name level top)
+  tavu_objects(${name} ${ARGN})
+  target_compile_options(${name} PRIVATE -march=x86-64-v${level} -mtune=generic)
+  target_compile_definitions(${name} PRIVATE TAVU_LEVEL=${level} TAVU_TOP_LEVEL=${top})
+endfunction()
+
 set(TAVU_LEVELS OFF)
 if(x86_64 AND TAVU_DISPATCH)
   set(TAVU_LEVELS ON)
-  target_compile_definitions(tavu_wide PRIVATE TAVU_LEVEL=2)
-  tavu_objects(tavu_wide_v3 ${TAVU_WIDE_SOURCES})
-  target_compile_options(tavu_wide_v3 PRIVATE -march=x86-64-v3 -mtune=generic)
-  target_compile_definitions(tavu_wide_v3 PRIVATE TAVU_LEVEL=3)
-  list(APPEND TAVU_OBJECTS tavu_wide_v3)
+  tavu_objects(tavu_base ${TAVU_SOURCES} src/simd/level.cpp)
+  tavu_level_objects(tavu_wide 2 3 ${TAVU_WIDE_SOURCES})
+  tavu_level_objects(tavu_wide_v3 3 3 ${TAVU_WIDE_SOURCES})
+  tavu_level_objects(tavu_widest 2 4 ${TAVU_WIDEST_SOURCES})
+  tavu_level_objects(tavu_widest_v3 3 4 ${TAVU_WIDEST_SOURCES})
+  tavu_level_objects(tavu_widest_v4 4 4 ${TAVU_WIDEST_SOURCES})
+  # The compiler's own header for AVX-512 begins many operations with an undefined register.
+  target_compile_options(tavu_widest_v4 PRIVATE -Wno-uninitialized -Wno-maybe-uninitialized)
+  set(TAVU_OBJECTS tavu_base tavu_wide tavu_wide_v3 tavu_widest tavu_widest_v3 tavu_widest_v4)
+else()
+  tavu_objects(tavu_base ${TAVU_SOURCES} ${TAVU_WIDE_SOURCES} ${TAVU_WIDEST_SOURCES})
+  set(TAVU_OBJECTS tavu_base)
+endif()
+if(x86_64)
+  target_compile_options(tavu_base PRIVATE -march=x86-64-v2 -mtune=generic)
 endif()
 
 foreach(object IN LISTS TAVU_OBJECTS)

@@ -5,15 +5,27 @@
 namespace tavu {
 namespace {
 
+#if TAVU_VEC
+
+// As many of a row as fill registers of N bytes.
+template <int N>
+TAVU_VEC_INLINE void store_differences(int32_t *x, int32_t width, const Blocks &at, int16_t *diff) {
+#pragma GCC unroll 8
+    for (; *x + N / 2 <= width; *x += N / 2) {
+        store_difference<N>(at.a + *x, at.b + *x, diff + *x);
+    }
+}
+
+#endif
+
 TAVU_VEC_INLINE void best_diff(int32_t width, int32_t height, Blocks at, int32_t stride_diff,
                                int16_t *diff) {
 #if TAVU_VEC
-    constexpr int N = LANES / 2;
     for (; height > 0; height--, at.next_row(), diff += stride_diff) {
         int32_t x = 0;
-#pragma GCC unroll 8
-        for (; x + N <= width; x += N) store_difference<N>(at.a + x, at.b + x, diff + x);
-        for (; x + 8 <= width; x += 8) store_difference<8>(at.a + x, at.b + x, diff + x);
+        if constexpr (WIDEST >= 64) store_differences<64>(&x, width, at, diff);
+        if constexpr (WIDEST >= 32) store_differences<32>(&x, width, at, diff);
+        store_differences<16>(&x, width, at, diff);
         for (; x < width; x++) diff[x] = static_cast<int16_t>(at.a[x] - at.b[x]);
     }
 #else

@@ -8,38 +8,34 @@ namespace {
 template <int Columns, int Rows>
 TAVU_VEC_INLINE int32_t best_sad(Blocks at) {
 #if TAVU_VEC
-    if constexpr (Columns >= 4 && Rows % ROWS<Columns> == 0) {
-        return sum_block<AbsSum, Columns, Rows>(at);
-    }
+    constexpr int N = ROW_WIDTH<Columns>;
+    if constexpr (Columns * Rows >= N) return sum_block<AbsSum<N>, Columns, Rows>(at);
 #endif
     return sad<Columns, Rows>(at);
 }
 
 #if TAVU_VEC
 
+template <int Columns>
+TAVU_VEC_INLINE int32_t sad_columns(int32_t height, Blocks at) {
+    constexpr int32_t MOST = AbsSum<16>::MAX_BYTES / Columns;
+    int32_t sum = 0;
+    for (; height > MOST; height -= MOST) sum += sum_rows<AbsSum<16>, Columns>(MOST, at);
+    return sum + sum_rows<AbsSum<16>, Columns>(height, at);
+}
+
 TAVU_VEC_INLINE int32_t best_sad_area(int32_t width, int32_t height, const Blocks &at) {
-    return width == 8 ? sum_rows<AbsSum, 8>(height, at) : sum_rows<AbsSum, 16>(height, at);
+    return width == 8 ? sad_columns<8>(height, at) : sad_columns<16>(height, at);
 }
 
 template <int W>
-TAVU_VEC_INLINE void add_start(AbsSum &sum, const Blocks &at, int32_t x) {
+TAVU_VEC_INLINE void add_start(AbsSum<16> &sum, const Blocks &at, int32_t x) {
     sum.add(load_start<W>(at.a + x), load_start<W>(at.b + x));
-}
-
-template <int Columns>
-TAVU_VEC_INLINE void add_row(AbsSum &sum, const Blocks &at) {
-    if constexpr (Columns <= 16) return add_start<Columns>(sum, at, 0);
-#pragma GCC unroll 4
-    for (int x = 0; x < Columns; x += LANES) {
-        const uint8_t *a = at.a + x, *b = at.b + x;
-        const U8 va = load(a);
-        sum.add(va, load(b));
-    }
 }
 
 // Any multiple of four columns.
 TAVU_VEC_INLINE int32_t sum_row(int32_t width, const Blocks &at) {
-    AbsSum sum = AbsSum::zero();
+    AbsSum<16> sum = AbsSum<16>::zero();
     int32_t x = 0;
     for (; x + 16 <= width; x += 16) add_start<16>(sum, at, x);
     if (width & 8) add_start<8>(sum, at, x);
@@ -56,35 +52,53 @@ __attribute__((noinline)) int32_t skip_by_rows(int32_t width, int32_t height, Bl
     return sum;
 }
 
-// Groups of four rows: their running totals never fall, so that one test serves a group.
 template <int Columns>
-TAVU_VEC_INLINE int32_t skip_by_groups(int32_t height, Blocks at, int32_t threshold) {
+TAVU_VEC_INLINE void add_row(AbsSum<ROW_WIDTH<Columns>> &sum, Blocks &at) {
+    if constexpr (Columns > 8) {
+        add_rows<Columns>(sum, at);
+    } else {
+        add_start<Columns>(sum, at, 0);
+        at.next_row();
+    }
+}
+
+// Groups of four rows: a running sum never falls, so that one test serves a group.
+template <int Columns>
+__attribute__((noinline)) int32_t skip_by_groups(int32_t height, const uint8_t *a, const uint8_t *b,
+                                                 int32_t stride_a, int32_t stride_b,
+                                                 int32_t threshold) {
+    Blocks at{a, b, stride_a, stride_b};
     int32_t sum = 0;
     for (; height >= 4; height -= 4) {
-        AbsSum rows[4];
+        AbsSum<ROW_WIDTH<Columns>> rows[4], group;
 #pragma GCC unroll 4
-        for (AbsSum &row : rows) {
+        for (auto &row : rows) {
             add_row<Columns>(row, at);
-            at.next_row();
+            group.add(row);
         }
-        int32_t totals[4];
-        running_totals(rows, totals);
-        if (sum + totals[3] > threshold) {
-            int i = 0;
+        const int32_t more = group.total();
+        if (sum + more > threshold) {
+            int32_t totals[4], i = 0;
+            running_totals(rows, totals);
             while (sum + totals[i] <= threshold) i++;
             return sum + totals[i];
         }
-        sum += totals[3];
+        sum += more;
     }
     return height > 0 ? skip_by_rows(Columns, height, at, threshold, sum) : sum;
 }
 
-int32_t best_sad_eskip(int32_t width, int32_t height, const Blocks &at, int32_t threshold) {
+// The paths are apart, so that none pays for the registers of another.
+TAVU_VEC_INLINE int32_t best_sad_eskip(int32_t width, int32_t height, const Blocks &at,
+                                       int32_t threshold) {
+    const auto skip = [&](auto *path) {
+        return path(height, at.a, at.b, at.stride_a, at.stride_b, threshold);
+    };
     switch (width) {
-        case 8: return skip_by_groups<8>(height, at, threshold);
-        case 16: return skip_by_groups<16>(height, at, threshold);
-        case 32: return skip_by_groups<32>(height, at, threshold);
-        case 64: return skip_by_groups<64>(height, at, threshold);
+        case 8: return skip(skip_by_groups<8>);
+        case 16: return skip(skip_by_groups<16>);
+        case 32: return skip(skip_by_groups<32>);
+        case 64: return skip(skip_by_groups<64>);
         default: return skip_by_rows(width, height, at, threshold, 0);
     }
 }

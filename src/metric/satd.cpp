@@ -11,48 +11,53 @@ namespace {
 #if TAVU_VEC
 
 TAVU_VEC_INLINE int32_t best_hadamard4x4(const int16_t *block) {
-    I16 rows[2]{};
-    memcpy(&rows[0], block, 16);
-    memcpy(&rows[1], block + 8, 16);
-    butterfly(rows[0], rows[1]);
-    return finish4x4(rows[0], rows[1]);
+    Words<16> top, bottom;
+    memcpy(&top, block, sizeof top);
+    memcpy(&bottom, block + 8, sizeof bottom);
+    butterfly(top, bottom);
+    return finish4x4(top, bottom);
 }
 
-TAVU_VEC_INLINE int32_t best_satd4x4(const Blocks &at) { return satd4x4_registers(at); }
+int32_t best_satd4x4(const Blocks &at) { return satd4x4_registers(at); }
 
-TAVU_VEC_INLINE int32_t best_satd8x8(const Blocks &at) { return satd8x8_registers(at); }
+int32_t best_satd8x8(const Blocks &at) { return satd8x8_registers(at); }
 
-// Add takes Columns x Size samples at a time.
-template <int Size, int Columns, class Sum, void (*Add)(Sum &, Blocks)>
-TAVU_VEC_INLINE int32_t whole_registers(int32_t width, int32_t height, const Blocks &at) {
+// Takes Columns x Rows samples at a time, in strips from top to bottom: add(sum, strip) moves on.
+template <class Sum, int Columns, int Rows, class Add>
+TAVU_VEC_INLINE int32_t whole_registers(int32_t width, int32_t height, const Blocks &at, Add add) {
     Sum sum = Sum::zero();
-    for (int32_t y = 0; y < height; y += Size) {
-        for (int32_t x = 0; x < width; x += Columns) Add(sum, at.tile(x, y));
+    for (int32_t x = 0; x < width; x += Columns) {
+        Blocks strip = at.tile(x, 0);
+        for (int32_t y = 0; y < height; y += Rows) add(sum, strip);
     }
     return sum.total();
 }
 
-template <int Size, int Columns, class Sum, void (*Add)(Sum &, Blocks),
-          int32_t (*Single)(const Blocks &)>
-__attribute__((noinline)) int32_t registers_and_tiles(int32_t width, int32_t height, Blocks at) {
+// The part of an area that does not fill registers goes by single tiles.
+template <class Sum, int Columns, int Size, class Add>
+TAVU_VEC_INLINE int32_t best_tiles(int32_t width, int32_t height, const Blocks &at, Add add,
+                                   int32_t (*single)(const Blocks &)) {
     const int32_t whole = width > 0 ? width & -Columns : 0;
-    return whole_registers<Size, Columns, Sum, Add>(whole, height, at) +
-           tiles<Size, Single>(width - whole, height, at.tile(whole, 0));
+    const int32_t sum = whole_registers<Sum, Columns, Size>(whole, height, at, add);
+    if (whole == width) return sum;
+    return sum + tiles<Size>(width - whole, height, at.tile(whole, 0), single);
 }
 
-template <int Size, int Columns, class Sum, void (*Add)(Sum &, Blocks),
-          int32_t (*Single)(const Blocks &)>
-TAVU_VEC_INLINE int32_t best_tiles(int32_t width, int32_t height, const Blocks &at) {
-    if (width % Columns == 0) return whole_registers<Size, Columns, Sum, Add>(width, height, at);
-    return registers_and_tiles<Size, Columns, Sum, Add, Single>(width, height, at);
-}
+constexpr int N = WIDEST < 32 ? WIDEST : 32;
 
 TAVU_VEC_INLINE int32_t best_satd4x4_area(int32_t width, int32_t height, const Blocks &at) {
-    return best_tiles<4, 16, MagnitudeSum, add_satd4x4, best_satd4x4>(width, height, at);
+    const auto add = [](auto &sum, Blocks &strip) { add_satd4x4(sum, strip); };
+    if constexpr (WIDEST == 64) {
+        if (((width | height * 2) & 15) == 0) {
+            return whole_registers<MagnitudeSum<64>, 16, 8>(width, height, at, add);
+        }
+    }
+    return best_tiles<MagnitudeSum<N>, 16, 4>(width, height, at, add, best_satd4x4);
 }
 
 TAVU_VEC_INLINE int32_t best_satd8x8_area(int32_t width, int32_t height, const Blocks &at) {
-    return best_tiles<8, LANES / 2, RoundedSum, add_satd8x8, best_satd8x8>(width, height, at);
+    const auto add = [](auto &sum, Blocks &strip) { add_satd8x8(sum, strip); };
+    return best_tiles<RoundedSum<N>, N / 2, 8>(width, height, at, add, best_satd8x8);
 }
 
 #else
@@ -65,8 +70,13 @@ int32_t best_hadamard4x4(const int16_t *block) {
 
 constexpr auto best_satd4x4 = satd4x4;
 constexpr auto best_satd8x8 = satd8x8;
-constexpr auto best_satd4x4_area = tiles<4, satd4x4>;
-constexpr auto best_satd8x8_area = tiles<8, satd8x8>;
+int32_t best_satd4x4_area(int32_t width, int32_t height, const Blocks &at) {
+    return tiles<4>(width, height, at, satd4x4);
+}
+
+int32_t best_satd8x8_area(int32_t width, int32_t height, const Blocks &at) {
+    return tiles<8>(width, height, at, satd8x8);
+}
 
 #endif
 

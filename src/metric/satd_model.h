@@ -68,11 +68,11 @@ inline int32_t satd8x8(const Blocks &at) {
     return (sum + 2) >> 2;
 }
 
-template <int Size, int32_t (*Satd)(const Blocks &)>
-int32_t tiles(int32_t width, int32_t height, const Blocks &at) {
+template <int Size>
+int32_t tiles(int32_t width, int32_t height, const Blocks &at, int32_t (*satd)(const Blocks &)) {
     int32_t sum = 0;
     for (int32_t y = 0; y < height; y += Size) {
-        for (int32_t x = 0; x < width; x += Size) sum += Satd(at.tile(x, y));
+        for (int32_t x = 0; x < width; x += Size) sum += satd(at.tile(x, y));
     }
     return sum;
 }

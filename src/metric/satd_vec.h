@@ -12,37 +12,42 @@ namespace tavu {
 namespace {
 
 // The three stages that a first butterfly of 16 residuals leaves.
-TAVU_VEC_INLINE int32_t finish4x4(I16 p, I16 q) {
+TAVU_VEC_INLINE int32_t finish4x4(Words<16> p, Words<16> q) {
 #pragma GCC unroll 2
     for (int i = 0; i < 2; i++) {
         zip(p, q);
         butterfly(p, q);
     }
     zip(p, q);
-    MagnitudeSum sum;
+    MagnitudeSum<16> sum;
     sum.add(abs_max(p, q));
     return sum.total();
 }
 
 TAVU_VEC_INLINE int32_t satd4x4_registers(Blocks at) {
-    const U8 a = load_rows<4>(at.a, at.stride_a);
-    I16 p, q;
-    butterfly_difference(a, load_rows<4>(at.b, at.stride_b), &p, &q);
+    const Bytes<16> a = load_rows<16, 4>(at.a, at.stride_a);
+    Words<16> p, q;
+    butterfly_difference(a, load_rows<16, 4>(at.b, at.stride_b), &p, &q);
     return finish4x4(p, q);
 }
 
-// Four blocks of 4x4 side by side. A magnitude is at most 16 * 255.
-TAVU_VEC_INLINE void add_satd4x4(MagnitudeSum &sum, Blocks at) {
-    constexpr int N = COLUMN_REGISTERS;
-    I16 v[4 * N];
+// Blocks of 4x4 in 16 columns and 4 rows, of 64 bytes 8 rows; moves on behind them. A magnitude is at
+// most 16 * 255.
+template <int N>
+TAVU_VEC_INLINE void add_satd4x4(MagnitudeSum<N> &sum, Blocks &at) {
+    constexpr int R = COLUMN_REGISTERS<N>;
+    Words<N> v[4 * R];
 #pragma GCC unroll 4
-    for (int y = 0; y < 4; y++) load_butterflies(at.a, at.stride_a, at.b, at.stride_b, v + y * N);
+    for (int y = 0; y < 4; y++) {
+        load_butterflies<N>(at.a, at.stride_a, at.b, at.stride_b, v + y * R);
+    }
+    if constexpr (N == 64) at = at.tile(0, 4);
 #pragma GCC unroll 2
-    for (int i = 0; i < N; i++) {
-        butterfly(v[i], v[i + N]);
-        butterfly(v[i + 2 * N], v[i + 3 * N]);
-        butterfly(v[i], v[i + 2 * N]);
-        butterfly(v[i + N], v[i + 3 * N]);
+    for (int i = 0; i < R; i++) {
+        butterfly(v[i], v[i + R]);
+        butterfly(v[i + 2 * R], v[i + 3 * R]);
+        butterfly(v[i], v[i + 2 * R]);
+        butterfly(v[i + R], v[i + 3 * R]);
     }
     sum.add_pairs(v);
 }
@@ -50,7 +55,8 @@ TAVU_VEC_INLINE void add_satd4x4(MagnitudeSum &sum, Blocks at) {
 // All but the last stage of a group of four rows, y to y + 3. After three zips the lanes are, by the
 // bits of their numbers, one vertical and two horizontal frequency bits; the third horizontal one
 // tells even from odd registers.
-TAVU_VEC_INLINE void transform_rows(I16 *v) {
+template <class Register>
+TAVU_VEC_INLINE void transform_rows(Register *v) {
 #pragma GCC unroll 2
     for (int y = 0; y < 4; y += 2) {
         butterfly(v[y], v[y + 1]);
@@ -65,20 +71,21 @@ TAVU_VEC_INLINE void transform_rows(I16 *v) {
 }
 
 // The last stage, between rows 4 apart, and the sum over the registers of one parity.
-template <int N>
-TAVU_VEC_INLINE I16 sum_maxima(const I16 (&v)[N], int parity) {
-    if constexpr (N == 8) {
-        return abs_max(v[parity], v[parity + 4]) + abs_max(v[parity + 2], v[parity + 6]);
+template <class Register, int M>
+TAVU_VEC_INLINE Register sum_maxima(const Register (&v)[M], int parity) {
+    if constexpr (M == 8) {
+        return add(abs_max(v[parity], v[parity + 4]), abs_max(v[parity + 2], v[parity + 6]));
     } else {
-        return abs_max_of_halves(v[parity]) + abs_max_of_halves(v[parity + 2]);
+        return add(abs_max_of_halves(v[parity]), abs_max_of_halves(v[parity + 2]));
     }
 }
 
-// LANES / 16 blocks of 8x8 side by side.
-TAVU_VEC_INLINE void add_satd8x8(RoundedSum &sum, Blocks at) {
-    I16 v[8];
+// N / 16 blocks of 8x8 side by side; moves on behind them.
+template <int N>
+TAVU_VEC_INLINE void add_satd8x8(RoundedSum<N> &sum, Blocks &at) {
+    Words<N> v[8];
 #pragma GCC unroll 8
-    for (I16 &row : v) row = load_difference(at.a, at.stride_a, at.b, at.stride_b);
+    for (auto &row : v) row = load_difference<N>(at.a, at.stride_a, at.b, at.stride_b);
     transform_rows(v);
     transform_rows(v + 4);
     sum.add(sum_maxima(v, 0), sum_maxima(v, 1));
@@ -86,14 +93,14 @@ TAVU_VEC_INLINE void add_satd8x8(RoundedSum &sum, Blocks at) {
 
 // One block of 8x8.
 TAVU_VEC_INLINE int32_t satd8x8_registers(Blocks at) {
-    I16 v[STACKED_REGISTERS];
+    Words<STACKED> v[128 / STACKED];
 #pragma GCC unroll 8
-    for (I16 &row : v) row = load_stacked_difference(at.a, at.stride_a, at.b, at.stride_b);
+    for (auto &row : v) row = load_stacked_difference(at.a, at.stride_a, at.b, at.stride_b);
 #pragma GCC unroll 2
-    for (int y = 0; y < STACKED_REGISTERS; y += 4) transform_rows(v + y);
-    RoundedSum sum;
+    for (int y = 0; y < 128 / STACKED; y += 4) transform_rows(v + y);
+    RoundedSum<STACKED> sum;
     sum.add(sum_maxima(v, 0), sum_maxima(v, 1));
-    return sum.total_of_stacked();
+    return sum.total_of_first();
 }
 
 }  // namespace

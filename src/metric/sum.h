@@ -10,24 +10,30 @@
 namespace tavu {
 namespace {
 
-// Passes ROWS rows to use(a, b), register by register.
-template <int Columns, class Use>
-TAVU_VEC_INLINE void step(Blocks &at, Use use) {
-    if constexpr (Columns <= LANES) {
-        const U8 a = load_rows<Columns>(at.a, at.stride_a);
-        use(a, load_rows<Columns>(at.b, at.stride_b));
+// The register for a row.
+template <int Columns>
+constexpr int ROW_WIDTH = Columns < 16       ? 16
+                          : Columns < WIDEST ? Columns
+                                             : WIDEST;
+
+// Rows that a register holds.
+template <int N, int Columns>
+constexpr int ROWS = Columns < N ? N / Columns : 1;
+
+// Adds ROWS rows and moves on behind them.
+template <int Columns, template <int> class Sum, int N>
+TAVU_VEC_INLINE void add_rows(Sum<N> &sum, Blocks &at) {
+    if constexpr (Columns <= 16) {
+        const Bytes<N> a = load_rows<N, Columns>(at.a, at.stride_a);
+        sum.add(a, load_rows<N, Columns>(at.b, at.stride_b));
     } else {
-        const uint8_t *a = at.a, *b = at.b;
 #pragma GCC unroll 4
-        for (int x = 0; x < Columns; x += LANES) {
-            const U8 va = load(a);
-            use(va, load(b));
-        }
+        for (int x = 0; x < Columns; x += N) sum.add(load<N>(at.a + x), load<N>(at.b + x));
         at.next_row();
     }
 }
 
-// Rows are a multiple of ROWS.
+// The sum of a block, whose rows are a multiple of ROWS.
 template <class Sum, int Columns, int Rows>
 TAVU_VEC_INLINE int32_t sum_block(Blocks &at) {
     if constexpr (Columns * Rows > Sum::MAX_BYTES) {
@@ -36,28 +42,22 @@ TAVU_VEC_INLINE int32_t sum_block(Blocks &at) {
     } else {
         Sum sum;
 #pragma GCC unroll 16
-        for (int y = 0; y < Rows; y += ROWS<Columns>) {
-            step<Columns>(at, [&sum](U8 a, U8 b) { sum.add(a, b); });
-        }
+        for (int y = 0; y < Rows; y += ROWS<Sum::WIDTH, Columns>) add_rows<Columns>(sum, at);
         return sum.total();
     }
 }
 
-// The same for rows that are known at run time.
+// The same for rows that are known at run time, at most as many as a sum takes. They are a multiple
+// of 4, of more than 16 columns of 2 and 1.
 template <class Sum, int Columns>
-TAVU_VEC_INLINE int32_t sum_rows(int32_t rows, Blocks at) {
-    constexpr int32_t MOST = Sum::MAX_BYTES / Columns;
-    int32_t total = 0;
-    do {
-        Sum sum = Sum::zero();
-        int32_t n = rows < MOST ? rows : MOST;
-        rows -= n;
-        for (; n > 0; n -= ROWS<Columns>) {
-            step<Columns>(at, [&sum](U8 a, U8 b) { sum.add(a, b); });
-        }
-        total += sum.total();
-    } while (rows > 0);
-    return total;
+TAVU_VEC_INLINE int32_t sum_rows(int32_t rows, Blocks &at) {
+    constexpr int GROUP = Columns <= 16 ? 4 : 64 / Columns;
+    Sum sum = Sum::zero();
+    for (; rows > 0; rows -= GROUP) {
+#pragma GCC unroll 4
+        for (int y = 0; y < GROUP; y += ROWS<Sum::WIDTH, Columns>) add_rows<Columns>(sum, at);
+    }
+    return sum.total();
 }
 
 }  // namespace

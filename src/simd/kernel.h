@@ -1,9 +1,9 @@
 // Exporting a kernel at the instruction-set levels that the build has.
 //
-// TAVU_LEVEL is 2 or 3 where a file is compiled once for x86-64-v2 and once for v3. The v2 pass
-// then exports NAME as an indirect function: the dynamic linker asks the resolver once, at load.
-// Calls cost nothing extra and the library holds no pointer that could be written. In every other
-// build a kernel is an ordinary function.
+// TAVU_LEVEL is 2, 3 or 4 where a file is compiled once for each of x86-64-v2, v3 and, up to
+// TAVU_TOP_LEVEL, v4. The v2 pass then exports NAME as an indirect function: the dynamic linker asks
+// the resolver once, at load. Calls cost nothing extra and the library holds no pointer that could be
+// written. In every other build a kernel is an ordinary function.
 //
 //     TAVU_KERNEL(void, tavu_name, (int32_t a, int32_t b)) { ... }
 #ifndef TAVU_SIMD_KERNEL_H
@@ -13,6 +13,10 @@
 
 #define TAVU_KERNEL(ret, name, params) extern "C" ret name params
 
+#elif TAVU_LEVEL == 4
+
+#define TAVU_KERNEL(ret, name, params) extern "C" ret name##_v4 params
+
 #elif TAVU_LEVEL == 3
 
 #define TAVU_KERNEL(ret, name, params) extern "C" ret name##_v3 params
@@ -21,12 +25,21 @@
 
 #include "simd/level.h"
 
+#if TAVU_TOP_LEVEL == 4
+#define TAVU_TOP(name) name##_v4
+#else
+#define TAVU_TOP(name) name##_v3
+#endif
+
 #define TAVU_KERNEL(ret, name, params)                          \
     extern "C" {                                                \
     ret name##_v2 params;                                       \
     ret name##_v3 params;                                       \
+    ret TAVU_TOP(name) params;                                  \
     TAVU_UNINSTRUMENTED decltype(&name##_v2) name##_resolve() { \
-        return tavu_cpu_level() >= 3 ? name##_v3 : name##_v2;   \
+        const int level = tavu_cpu_level();                     \
+        if (level >= TAVU_TOP_LEVEL) return TAVU_TOP(name);     \
+        return level >= 3 ? name##_v3 : name##_v2;              \
     }                                                           \
     ret name params __attribute__((ifunc(#name "_resolve")));   \
     }                                                           \

@@ -8,7 +8,7 @@
 #define TAVU_UNINSTRUMENTED \
     __attribute__((no_sanitize("address", "undefined", "thread"), no_stack_protector))
 
-// 2 or 3.
+// 2, 3 or 4.
 extern "C" __attribute__((visibility("hidden"))) int tavu_cpu_level();
 
 #endif

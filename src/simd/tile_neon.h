@@ -9,6 +9,12 @@
 namespace tavu {
 namespace {
 
+constexpr int WIDEST = 16, STACKED = 16;
+template <int N>
+using Bytes = U8;
+template <int N>
+using Words = I16;
+
 #if defined(__arm__)
 
 // In assembly, for compilers do not use the loads that move on by a stride.
@@ -78,7 +84,12 @@ TAVU_VEC_INLINE U8 load_rows4(const uint8_t *&p, int32_t stride) {
 
 #endif
 
-template <int W>
+template <int N>
+TAVU_VEC_INLINE U8 load(const uint8_t *p) {
+    return vld1q_u8(p);
+}
+
+template <int N, int W>
 TAVU_VEC_INLINE U8 load_rows(const uint8_t *&p, int32_t stride) {
     if constexpr (W == 4) return load_rows4(p, stride);
     if constexpr (W == 8) return load_rows8(p, stride);
@@ -100,8 +111,10 @@ TAVU_VEC_INLINE int32_t sum_lanes(uint32x4_t v) {
 }
 
 // Eight 16-bit lanes, of which each takes every eighth byte. The first addition needs no zeros.
+template <int N>
 class AbsSum {
   public:
+    static constexpr int WIDTH = N;
     static TAVU_VEC_INLINE AbsSum zero() { return AbsSum(false); }
     explicit AbsSum(bool empty = true) : empty_(empty) {}
     static constexpr int MAX_BYTES = 8 * 256;
@@ -112,6 +125,7 @@ class AbsSum {
         sum_ = vabal_u8(sum_, vget_high_u8(a), vget_high_u8(b));
         empty_ = false;
     }
+    TAVU_VEC_INLINE void add(const AbsSum &other) { sum_ += other.sum_; }
     TAVU_VEC_INLINE uint32x2_t pair() const {
         const uint32x4_t v = vpaddlq_u16(sum_);
         return vadd_u32(vget_low_u32(v), vget_high_u32(v));
@@ -123,7 +137,7 @@ class AbsSum {
     bool empty_;
 };
 
-TAVU_VEC_INLINE void running_totals(const AbsSum (&sums)[4], int32_t *totals) {
+TAVU_VEC_INLINE void running_totals(const AbsSum<16> (&sums)[4], int32_t *totals) {
     const uint32x4_t zero = vdupq_n_u32(0);
     uint32x4_t v = vcombine_u32(vpadd_u32(sums[0].pair(), sums[1].pair()),
                                 vpadd_u32(sums[2].pair(), sums[3].pair()));
@@ -133,8 +147,10 @@ TAVU_VEC_INLINE void running_totals(const AbsSum (&sums)[4], int32_t *totals) {
 }
 
 // Squares of absolute differences fit unsigned 16-bit lanes.
+template <int N>
 class SquareSum {
   public:
+    static constexpr int WIDTH = N;
     static TAVU_VEC_INLINE SquareSum zero() { return SquareSum(false); }
     explicit SquareSum(bool empty = true) : empty_(empty) {}
     static constexpr int MAX_BYTES = INT32_MAX;
@@ -155,6 +171,7 @@ class SquareSum {
 
 TAVU_VEC_INLINE I16 as_signed(U16 v) { return vreinterpretq_s16_u16(v); }
 
+template <int N>
 TAVU_VEC_INLINE I16 load_difference(const uint8_t *&a, int32_t stride_a, const uint8_t *&b,
                                     int32_t stride_b) {
     const uint8x8_t va = load_row8(a, stride_a);
@@ -163,7 +180,6 @@ TAVU_VEC_INLINE I16 load_difference(const uint8_t *&a, int32_t stride_a, const u
 
 template <int N>
 TAVU_VEC_INLINE void store_difference(const uint8_t *a, const uint8_t *b, int16_t *out) {
-    static_assert(N == 8);
     vst1q_s16(out, as_signed(vsubl_u8(vld1_u8(a), vld1_u8(b))));
 }
 
@@ -172,16 +188,22 @@ TAVU_VEC_INLINE Wide difference(U8 a, U8 b) {
             as_signed(vsubl_u8(vget_high_u8(a), vget_high_u8(b)))};
 }
 
+TAVU_VEC_INLINE void butterfly(I16 &a, I16 &b) {
+    const I16 sum = a + b;
+    b = a - b;
+    a = sum;
+}
+
+TAVU_VEC_INLINE I16 add(I16 a, I16 b) { return a + b; }
+
 TAVU_VEC_INLINE void zip(I16 &a, I16 &b) {
     const int16x8x2_t v = vzipq_s16(a, b);
     a = v.val[0], b = v.val[1];
 }
 
-constexpr int STACKED_REGISTERS = 8;
-
 TAVU_VEC_INLINE I16 load_stacked_difference(const uint8_t *&a, int32_t stride_a, const uint8_t *&b,
                                             int32_t stride_b) {
-    return load_difference(a, stride_a, b, stride_b);
+    return load_difference<16>(a, stride_a, b, stride_b);
 }
 
 TAVU_VEC_INLINE void butterfly_difference(U8 a, U8 b, I16 *p, I16 *q) {
@@ -190,8 +212,10 @@ TAVU_VEC_INLINE void butterfly_difference(U8 a, U8 b, I16 *p, I16 *q) {
     *q = w.lo - w.hi;
 }
 
+template <int N>
 constexpr int COLUMN_REGISTERS = 2;
 
+template <int N>
 TAVU_VEC_INLINE void load_butterflies(const uint8_t *&a, int32_t stride_a, const uint8_t *&b,
                                       int32_t stride_b, I16 *v) {
     const U8 va = load_row16(a, stride_a);
@@ -203,6 +227,7 @@ TAVU_VEC_INLINE void load_butterflies(const uint8_t *&a, int32_t stride_a, const
 
 TAVU_VEC_INLINE I16 abs_max(I16 a, I16 b) { return vmaxq_s16(vabsq_s16(a), vabsq_s16(b)); }
 
+template <int N>
 class MagnitudeSum {
   public:
     static TAVU_VEC_INLINE MagnitudeSum zero() { return MagnitudeSum(false); }
@@ -212,11 +237,11 @@ class MagnitudeSum {
         sum_ = empty_ ? vpaddlq_u16(u) : vpadalq_u16(sum_, u);
         empty_ = false;
     }
-    template <int N>
-    TAVU_VEC_INLINE void add_pairs(const I16 (&v)[N]) {
+    template <int M>
+    TAVU_VEC_INLINE void add_pairs(const I16 (&v)[M]) {
         I16 maxima = I16{};
 #pragma GCC unroll 8
-        for (int i = 0; i < N; i += 2) {
+        for (int i = 0; i < M; i += 2) {
             const int16x8x2_t pairs = vtrnq_s16(v[i], v[i + 1]);
             const I16 m = abs_max(pairs.val[0], pairs.val[1]);
             maxima = i == 0 ? m : maxima + m;
@@ -232,6 +257,7 @@ class MagnitudeSum {
 
 // Adds (s + 2) >> 2 for each transform, where s sums 2 m over its eight horizontal frequencies: m is
 // the sum of two lanes, v[i] and v[i + 4] of `a` and of `b`, and 2 m wraps in 16 signed bits.
+template <int N>
 class RoundedSum {
   public:
     static TAVU_VEC_INLINE RoundedSum zero() { return RoundedSum(false); }
@@ -247,7 +273,7 @@ class RoundedSum {
         empty_ = false;
     }
     TAVU_VEC_INLINE int32_t total() const { return vget_lane_s32(sum_, 0); }
-    TAVU_VEC_INLINE int32_t total_of_stacked() const { return total(); }
+    TAVU_VEC_INLINE int32_t total_of_first() const { return total(); }
 
   private:
     int32x2_t sum_ = int32x2_t{};

@@ -1,19 +1,102 @@
-// Operations on blocks for x86-64: v2 (SSE4.1) and v3 (AVX2). They are told in tile.h.
+// Operations on blocks for x86-64: v2 (SSE4.1), v3 (AVX2) and v4 (AVX-512). They are told in tile.h.
 #ifndef TAVU_SIMD_TILE_X86_H
 #define TAVU_SIMD_TILE_X86_H
 
+#include <immintrin.h>
+
 #include <cstring>
-
-#include "simd/vec_x86.h"
-
-#if defined(__AVX2__)
-#define TAVU_MM(op) _mm256_##op
-#else
-#define TAVU_MM(op) _mm_##op
-#endif
 
 namespace tavu {
 namespace {
+
+// Each instruction under one name for registers of every width.
+template <int N>
+struct Isa;
+
+#define TAVU_UNARY(name) \
+    static TAVU_VEC_INLINE Register name(Register a) { return TAVU_MM(name)(a); }
+#define TAVU_BINARY(name) \
+    static TAVU_VEC_INLINE Register name(Register a, Register b) { return TAVU_MM(name)(a, b); }
+#define TAVU_ISA                                                                                   \
+    TAVU_UNARY(abs_epi16)                                                                          \
+    TAVU_BINARY(add_epi16)                                                                         \
+    TAVU_BINARY(add_epi32)                                                                         \
+    TAVU_BINARY(madd_epi16)                                                                        \
+    TAVU_BINARY(maddubs_epi16)                                                                     \
+    TAVU_BINARY(max_epi16)                                                                         \
+    TAVU_BINARY(sad_epu8)                                                                          \
+    TAVU_BINARY(sub_epi16)                                                                         \
+    TAVU_BINARY(unpackhi_epi8)                                                                     \
+    TAVU_BINARY(unpackhi_epi16)                                                                    \
+    TAVU_BINARY(unpackhi_epi64)                                                                    \
+    TAVU_BINARY(unpacklo_epi8)                                                                     \
+    TAVU_BINARY(unpacklo_epi16)                                                                    \
+    TAVU_BINARY(unpacklo_epi64)                                                                    \
+    static TAVU_VEC_INLINE Register set1_epi16(int x) {                                            \
+        return TAVU_MM(set1_epi16)(static_cast<int16_t>(x));                                       \
+    }                                                                                              \
+    static TAVU_VEC_INLINE Register set1_epi32(int x) { return TAVU_MM(set1_epi32)(x); }           \
+    static TAVU_VEC_INLINE Register odd_to_even(Register a) { return TAVU_MM(srli_epi32)(a, 16); } \
+    static TAVU_VEC_INLINE Register quarter(Register a) { return TAVU_MM(srai_epi32)(a, 2); }      \
+    template <int Order>                                                                           \
+    static TAVU_VEC_INLINE Register shuffle_epi32(Register a) {                                    \
+        return TAVU_MM(shuffle_epi32)(a, static_cast<TAVU_ORDER>(Order));                          \
+    }
+
+#define TAVU_MM(name) _mm_##name
+#define TAVU_ORDER int
+template <>
+struct Isa<16> {
+    using Register = __m128i;
+    TAVU_ISA
+};
+#undef TAVU_MM
+
+#if defined(__AVX2__)
+#define TAVU_MM(name) _mm256_##name
+template <>
+struct Isa<32> {
+    using Register = __m256i;
+    TAVU_ISA
+};
+#undef TAVU_MM
+#endif
+
+#undef TAVU_ORDER
+#if defined(__AVX512BW__)
+#define TAVU_MM(name) _mm512_##name
+#define TAVU_ORDER _MM_PERM_ENUM
+template <>
+struct Isa<64> {
+    using Register = __m512i;
+    TAVU_ISA
+};
+#undef TAVU_MM
+#undef TAVU_ORDER
+constexpr int WIDEST = 64;
+#elif defined(__AVX2__)
+constexpr int WIDEST = 32;
+#else
+constexpr int WIDEST = 16;
+#endif
+
+#undef TAVU_UNARY
+#undef TAVU_BINARY
+#undef TAVU_ISA
+
+template <int N>
+using Bytes = typename Isa<N>::Register;
+template <int N>
+using Words = typename Isa<N>::Register;
+template <class R>
+using Of = Isa<sizeof(R)>;
+
+template <int N>
+TAVU_VEC_INLINE Bytes<N> load(const uint8_t *p) {
+    Bytes<N> v;
+    memcpy(&v, p, sizeof v);
+    return v;
+}
 
 TAVU_VEC_INLINE int32_t load4(const uint8_t *p) {
     int32_t v;
@@ -21,90 +104,90 @@ TAVU_VEC_INLINE int32_t load4(const uint8_t *p) {
     return v;
 }
 
-TAVU_VEC_INLINE __m128i load_low(const uint8_t *p) {
+TAVU_VEC_INLINE __m128i load8(const uint8_t *p) {
     return _mm_loadl_epi64(reinterpret_cast<const __m128i *>(p));
 }
 
-// 16 / W rows, `stride` apart.
-template <int W>
-TAVU_VEC_INLINE __m128i load_half(const uint8_t *p, ptrdiff_t stride) {
-    if constexpr (W == 16) {
-        return _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
-    } else if constexpr (W == 8) {
-        return _mm_castps_si128(_mm_loadh_pi(_mm_castsi128_ps(load_low(p)),
-                                             reinterpret_cast<const __m64 *>(p + stride)));
-    } else {
-        __m128i rows = _mm_cvtsi32_si128(load4(p));
-        rows = _mm_insert_epi32(rows, load4(p + stride), 1);
-        rows = _mm_insert_epi32(rows, load4(p + 2 * stride), 2);
-        return _mm_insert_epi32(rows, load4(p + 3 * stride), 3);
+// Two rows of 8 bytes.
+TAVU_VEC_INLINE __m128i load8_twice(const uint8_t *p, ptrdiff_t stride) {
+    return _mm_castps_si128(
+        _mm_loadh_pi(_mm_castsi128_ps(load8(p)), reinterpret_cast<const __m64 *>(p + stride)));
+}
+
+template <int N, int W>
+TAVU_VEC_INLINE Bytes<N> load_rows(const uint8_t *&p, ptrdiff_t stride) {
+    const uint8_t *const at = p;
+    p += N / W * stride;
+#if defined(__AVX2__)
+    if constexpr (N == 32) {
+        const uint8_t *below = at;
+        const __m128i low = load_rows<16, W>(below, stride);
+        const __m128i high = load_rows<16, W>(below, stride);
+        return _mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1);
+    }
+#endif
+    if constexpr (N == 16 && W == 16) return load<16>(at);
+    if constexpr (N == 16 && W == 8) return load8_twice(at, stride);
+    if constexpr (N == 16 && W == 4) {
+        __m128i rows = _mm_cvtsi32_si128(load4(at));
+        rows = _mm_insert_epi32(rows, load4(at + stride), 1);
+        rows = _mm_insert_epi32(rows, load4(at + 2 * stride), 2);
+        return _mm_insert_epi32(rows, load4(at + 3 * stride), 3);
     }
 }
 
 template <int W>
-TAVU_VEC_INLINE U8 load_rows(const uint8_t *&p, ptrdiff_t stride) {
-    const uint8_t *const at = p;
-    p += ROWS<W> * stride;
-    if constexpr (W == LANES) return as<U8>(load_register(at));
-#if defined(__AVX2__)
-    const __m128i low = load_half<W>(at, stride);
-    if constexpr (W == 4) return as<U8>(_mm256_zextsi128_si256(low));
-    const __m128i high = load_half<W>(at + 16 / W * stride, stride);
-    return as<U8>(_mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1));
-#else
-    return as<U8>(load_half<W>(at, stride));
-#endif
+TAVU_VEC_INLINE __m128i load_start(const uint8_t *p) {
+    if constexpr (W == 16) return load<16>(p);
+    if constexpr (W == 8) return load8(p);
+    return _mm_cvtsi32_si128(load4(p));
 }
 
-template <int W>
-TAVU_VEC_INLINE U8 load_start(const uint8_t *p) {
-    __m128i v;
-    if constexpr (W == 16) v = load_half<16>(p, 0);
-    if constexpr (W == 8) v = load_low(p);
-    if constexpr (W == 4) v = _mm_cvtsi32_si128(load4(p));
+// Sums of 32-bit lanes of each 16 bytes.
+TAVU_VEC_INLINE __m128i fold(__m128i v) { return v; }
 #if defined(__AVX2__)
-    return as<U8>(_mm256_zextsi128_si256(v));
-#else
-    return as<U8>(v);
-#endif
-}
-
-TAVU_VEC_INLINE __m128i fold(Register v) {
-#if defined(__AVX2__)
+TAVU_VEC_INLINE __m128i fold(__m256i v) {
     return _mm_add_epi32(_mm256_castsi256_si128(v), _mm256_extracti128_si256(v, 1));
-#else
-    return v;
+}
 #endif
+#if defined(__AVX512BW__)
+TAVU_VEC_INLINE __m128i fold(__m512i v) {
+    return fold(_mm256_add_epi32(_mm512_castsi512_si256(v), _mm512_extracti64x4_epi64(v, 1)));
+}
+#endif
+
+TAVU_VEC_INLINE int32_t sum_pair(__m128i v) {
+    return _mm_cvtsi128_si32(_mm_add_epi32(v, _mm_unpackhi_epi64(v, v)));
 }
 
 TAVU_VEC_INLINE int32_t sum_lanes(__m128i v) {
-    v = _mm_add_epi32(v, _mm_unpackhi_epi64(v, v));
-    return _mm_cvtsi128_si32(_mm_add_epi32(v, _mm_shuffle_epi32(v, 1)));
+    return sum_pair(_mm_add_epi32(v, _mm_shuffle_epi32(v, 0xB1)));
 }
 
+template <int N>
 class AbsSum {
   public:
+    static constexpr int WIDTH = N;
     static TAVU_VEC_INLINE AbsSum zero() { return {}; }
     static constexpr int MAX_BYTES = INT32_MAX;
 
-    TAVU_VEC_INLINE void add(U8 a, U8 b) {
-        sum_ = TAVU_MM(add_epi32)(sum_, TAVU_MM(sad_epu8)(as<Register>(a), as<Register>(b)));
+    TAVU_VEC_INLINE void add(Bytes<N> a, Bytes<N> b) {
+        sum_ = Isa<N>::add_epi32(sum_, Isa<N>::sad_epu8(a, b));
     }
+    TAVU_VEC_INLINE void add(const AbsSum &other) { sum_ = Isa<N>::add_epi32(sum_, other.sum_); }
     TAVU_VEC_INLINE __m128i pair() const { return fold(sum_); }
-    TAVU_VEC_INLINE int32_t total() const {
-        const __m128i halves = pair();
-        return _mm_cvtsi128_si32(_mm_add_epi32(halves, _mm_unpackhi_epi64(halves, halves)));
-    }
+    TAVU_VEC_INLINE int32_t total() const { return sum_pair(pair()); }
 
   private:
-    Register sum_{};  // in each half of 16 bytes two 64-bit sums
+    Bytes<N> sum_{};  // in each 16 bytes two 64-bit sums
 };
 
 TAVU_VEC_INLINE __m128i join_pairs(__m128i a, __m128i b) {
     return _mm_add_epi32(_mm_unpacklo_epi64(a, b), _mm_unpackhi_epi64(a, b));
 }
 
-TAVU_VEC_INLINE void running_totals(const AbsSum (&sums)[4], int32_t *totals) {
+template <int N>
+TAVU_VEC_INLINE void running_totals(const AbsSum<N> (&sums)[4], int32_t *totals) {
     const __m128 low = _mm_castsi128_ps(join_pairs(sums[0].pair(), sums[1].pair()));
     const __m128 high = _mm_castsi128_ps(join_pairs(sums[2].pair(), sums[3].pair()));
     __m128i v = _mm_castps_si128(_mm_shuffle_ps(low, high, 0x88));
@@ -113,191 +196,220 @@ TAVU_VEC_INLINE void running_totals(const AbsSum (&sums)[4], int32_t *totals) {
     _mm_storeu_si128(reinterpret_cast<__m128i *>(totals), v);
 }
 
-// Squares of absolute differences, in pairs.
+// Sums of pairs of bytes with these weights.
+template <class R>
+TAVU_VEC_INLINE R weigh_pairs(R v, int even, int odd) {
+    return Of<R>::maddubs_epi16(v, Of<R>::set1_epi16((even & 0xFF) + odd * 256));
+}
+
+template <int N>
 class SquareSum {
   public:
+    static constexpr int WIDTH = N;
     static TAVU_VEC_INLINE SquareSum zero() { return {}; }
     static constexpr int MAX_BYTES = INT32_MAX;
 
-    TAVU_VEC_INLINE void add(U8 a, U8 b) {
-        sum_ = TAVU_MM(add_epi32)(sum_, squares(as<Register>(a), as<Register>(b)));
+    TAVU_VEC_INLINE void add(Bytes<N> a, Bytes<N> b) {
+        const Bytes<N> lo = weigh_pairs(Isa<N>::unpacklo_epi8(a, b), 1, -1);
+        const Bytes<N> hi = weigh_pairs(Isa<N>::unpackhi_epi8(a, b), 1, -1);
+        sum_ = Isa<N>::add_epi32(sum_, Isa<N>::madd_epi16(lo, lo));
+        sum_ = Isa<N>::add_epi32(sum_, Isa<N>::madd_epi16(hi, hi));
     }
     TAVU_VEC_INLINE int32_t total() const { return sum_lanes(fold(sum_)); }
 
   private:
-    static TAVU_VEC_INLINE Register squares(Register a, Register b) {
-        const Register zero{};
-        const Register d = TAVU_MM(subs_epu8)(a, b) | TAVU_MM(subs_epu8)(b, a);
-        const Register lo = TAVU_MM(unpacklo_epi8)(d, zero), hi = TAVU_MM(unpackhi_epi8)(d, zero);
-        return TAVU_MM(add_epi32)(TAVU_MM(madd_epi16)(lo, lo), TAVU_MM(madd_epi16)(hi, hi));
-    }
-
-    Register sum_{};
+    Bytes<N> sum_{};
 };
 
-// LANES / 2 bytes, zero-extended.
-TAVU_VEC_INLINE I16 load_wide(const uint8_t *p) {
-#if defined(__AVX2__)
-    return as<I16>(_mm256_cvtepu8_epi16(load_half<16>(p, 0)));
-#else
-    return as<I16>(_mm_cvtepu8_epi16(load_low(p)));
+// N / 2 bytes, zero-extended.
+template <int N>
+TAVU_VEC_INLINE Words<N> load_wide(const uint8_t *p) {
+#if defined(__AVX512BW__)
+    if constexpr (N == 64) return _mm512_cvtepu8_epi16(load<32>(p));
 #endif
+#if defined(__AVX2__)
+    if constexpr (N == 32) return _mm256_cvtepu8_epi16(load<16>(p));
+#endif
+    if constexpr (N == 16) return _mm_cvtepu8_epi16(load8(p));
 }
 
 template <int N>
 TAVU_VEC_INLINE void store_difference(const uint8_t *a, const uint8_t *b, int16_t *out) {
-    if constexpr (N == LANES / 2) {
-        const I16 d = load_wide(a) - load_wide(b);
-        memcpy(out, &d, sizeof d);
-    } else {
-        const __m128i d =
-            _mm_sub_epi16(_mm_cvtepu8_epi16(load_low(a)), _mm_cvtepu8_epi16(load_low(b)));
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(out), d);
+    const Words<N> d = Isa<N>::sub_epi16(load_wide<N>(a), load_wide<N>(b));
+    memcpy(out, &d, sizeof d);
+}
+
+template <class R>
+TAVU_VEC_INLINE void butterfly(R &a, R &b) {
+    const R sum = Of<R>::add_epi16(a, b);
+    b = Of<R>::sub_epi16(a, b);
+    a = sum;
+}
+
+template <class R>
+TAVU_VEC_INLINE R add(R a, R b) {
+    return Of<R>::add_epi16(a, b);
+}
+
+template <class R>
+TAVU_VEC_INLINE void zip(R &a, R &b) {
+    const R low = Of<R>::unpacklo_epi16(a, b);
+    b = Of<R>::unpackhi_epi16(a, b);
+    a = low;
+}
+
+template <class R>
+TAVU_VEC_INLINE R abs_max(R a, R b) {
+    return Of<R>::max_epi16(Of<R>::abs_epi16(a), Of<R>::abs_epi16(b));
+}
+
+TAVU_VEC_INLINE void butterfly_difference(__m128i a, __m128i b, __m128i *p, __m128i *q) {
+    *p = _mm_sub_epi16(weigh_pairs(a, 1, 1), weigh_pairs(b, 1, 1));
+    *q = _mm_sub_epi16(weigh_pairs(a, 1, -1), weigh_pairs(b, 1, -1));
+}
+
+// Registers of 16 bytes hold sums and differences, wider ones sums beside differences.
+template <int N>
+constexpr int COLUMN_REGISTERS = N == 16 ? 2 : 1;
+
+#if defined(__AVX2__)
+TAVU_VEC_INLINE __m256i load_column_butterflies(const uint8_t *p) {
+    const __m256i weights = _mm256_setr_m128i(_mm_set1_epi8(1), _mm_set1_epi16(1 - 256));
+    return _mm256_maddubs_epi16(_mm256_broadcastsi128_si256(load<16>(p)), weights);
+}
+#endif
+
+template <int N>
+TAVU_VEC_INLINE Words<N> load_column_difference([[maybe_unused]] const uint8_t *a,
+                                                [[maybe_unused]] ptrdiff_t stride_a,
+                                                [[maybe_unused]] const uint8_t *b,
+                                                [[maybe_unused]] ptrdiff_t stride_b) {
+#if defined(__AVX512BW__)
+    if constexpr (N == 64) {
+        const auto load = [](const uint8_t *p, ptrdiff_t stride) {
+            const __m512i weights = _mm512_broadcast_i64x4(
+                _mm256_setr_m128i(_mm_set1_epi8(1), _mm_set1_epi16(1 - 256)));
+            const __m512i row = _mm512_broadcast_i32x4(tavu::load<16>(p));
+            const __m512i rows =
+                _mm512_mask_broadcast_i32x4(row, 0xFF00, tavu::load<16>(p + 4 * stride));
+            return _mm512_maddubs_epi16(rows, weights);
+        };
+        return _mm512_sub_epi16(load(a, stride_a), load(b, stride_b));
     }
-}
-
-TAVU_VEC_INLINE I16 load_difference(const uint8_t *&a, ptrdiff_t stride_a, const uint8_t *&b,
-                                    ptrdiff_t stride_b) {
-    const I16 d = load_wide(a) - load_wide(b);
-    a += stride_a;
-    b += stride_b;
-    return d;
-}
-
-constexpr int STACKED_REGISTERS = 128 / LANES;
-
-TAVU_VEC_INLINE I16 load_stacked(const uint8_t *p, ptrdiff_t stride) {
+#endif
 #if defined(__AVX2__)
-    return as<I16>(_mm256_cvtepu8_epi16(load_half<8>(p, 4 * stride)));
-#else
-    (void)stride;
-    return load_wide(p);
+    if constexpr (N == 32)
+        return _mm256_sub_epi16(load_column_butterflies(a), load_column_butterflies(b));
 #endif
 }
 
-TAVU_VEC_INLINE I16 load_stacked_difference(const uint8_t *&a, ptrdiff_t stride_a,
-                                            const uint8_t *&b, ptrdiff_t stride_b) {
-    const I16 d = load_stacked(a, stride_a) - load_stacked(b, stride_b);
-    a += stride_a;
-    b += stride_b;
-    return d;
-}
-
-TAVU_VEC_INLINE void zip(I16 &a, I16 &b) {
-    const Register ra = as<Register>(a), rb = as<Register>(b);
-    a = as<I16>(TAVU_MM(unpacklo_epi16)(ra, rb));
-    b = as<I16>(TAVU_MM(unpackhi_epi16)(ra, rb));
-}
-
-// Sums of pairs of bytes with these weights.
-TAVU_VEC_INLINE I16 weigh_pairs(U8 v, int8_t even, int8_t odd) {
-    const auto weights = static_cast<int16_t>((even & 0xFF) | odd * 256);
-    return as<I16>(TAVU_MM(maddubs_epi16)(as<Register>(v), as<Register>(I16{} + weights)));
-}
-
-TAVU_VEC_INLINE void butterfly_difference(U8 a, U8 b, I16 *p, I16 *q) {
-    *p = weigh_pairs(a, 1, 1) - weigh_pairs(b, 1, 1);
-    *q = weigh_pairs(a, 1, -1) - weigh_pairs(b, 1, -1);
-}
-
-#if defined(__AVX2__)
-
-// Sums in the first half, differences in the second.
-constexpr int COLUMN_REGISTERS = 1;
-
-TAVU_VEC_INLINE I16 load_butterfly(const uint8_t *p) {
-    const Register weights = _mm256_setr_m128i(_mm_set1_epi8(1), _mm_set1_epi16(1 - 256));
-    return as<I16>(_mm256_maddubs_epi16(_mm256_broadcastsi128_si256(load_half<16>(p, 0)), weights));
-}
-
-#else
-
-constexpr int COLUMN_REGISTERS = 2;
-
-#endif
-
+template <int N>
 TAVU_VEC_INLINE void load_butterflies(const uint8_t *&a, ptrdiff_t stride_a, const uint8_t *&b,
-                                      ptrdiff_t stride_b, I16 *v) {
-#if defined(__AVX2__)
-    v[0] = load_butterfly(a) - load_butterfly(b);
-#else
-    butterfly_difference(as<U8>(load_register(a)), as<U8>(load_register(b)), &v[0], &v[1]);
-#endif
+                                      ptrdiff_t stride_b, Words<N> *v) {
+    if constexpr (N == 16) {
+        butterfly_difference(load<16>(a), load<16>(b), &v[0], &v[1]);
+    } else {
+        v[0] = load_column_difference<N>(a, stride_a, b, stride_b);
+    }
     a += stride_a;
     b += stride_b;
 }
 
-TAVU_VEC_INLINE Register magnitude(I16 v) { return TAVU_MM(abs_epi16)(as<Register>(v)); }
-
-TAVU_VEC_INLINE I16 abs_max(I16 a, I16 b) {
-    return as<I16>(TAVU_MM(max_epi16)(magnitude(a), magnitude(b)));
+template <int N>
+TAVU_VEC_INLINE Words<N> load_difference(const uint8_t *&a, ptrdiff_t stride_a, const uint8_t *&b,
+                                         ptrdiff_t stride_b) {
+    const Words<N> d = Isa<N>::sub_epi16(load_wide<N>(a), load_wide<N>(b));
+    a += stride_a;
+    b += stride_b;
+    return d;
 }
 
 #if defined(__AVX2__)
-// The same of both halves of a register.
-TAVU_VEC_INLINE I16 abs_max_of_halves(I16 v) {
-    const Register m = magnitude(v);
-    return as<I16>(_mm256_max_epi16(m, _mm256_permute4x64_epi64(m, 0x4E)));
+
+constexpr int STACKED = 32;
+
+TAVU_VEC_INLINE __m256i load_stacked(const uint8_t *p, ptrdiff_t stride) {
+    return _mm256_cvtepu8_epi16(load8_twice(p, 4 * stride));
 }
+
+TAVU_VEC_INLINE __m256i load_stacked_difference(const uint8_t *&a, ptrdiff_t stride_a,
+                                                const uint8_t *&b, ptrdiff_t stride_b) {
+    const __m256i d = _mm256_sub_epi16(load_stacked(a, stride_a), load_stacked(b, stride_b));
+    a += stride_a;
+    b += stride_b;
+    return d;
+}
+
+// abs_max() of both halves of a register, in both halves.
+TAVU_VEC_INLINE __m256i abs_max_of_halves(__m256i v) {
+    const __m256i m = _mm256_abs_epi16(v);
+    return _mm256_max_epi16(m, _mm256_permute4x64_epi64(m, 0x4E));
+}
+
+#else
+
+constexpr int STACKED = 16;
+
+TAVU_VEC_INLINE __m128i load_stacked_difference(const uint8_t *&a, ptrdiff_t stride_a,
+                                                const uint8_t *&b, ptrdiff_t stride_b) {
+    return load_difference<16>(a, stride_a, b, stride_b);
+}
+
 #endif
 
-TAVU_VEC_INLINE Register sum_pairs(I16 v) {
-    return TAVU_MM(madd_epi16)(as<Register>(v), as<Register>(I16{} + 1));
-}
-
+template <int N>
 class MagnitudeSum {
   public:
     static TAVU_VEC_INLINE MagnitudeSum zero() { return {}; }
-    TAVU_VEC_INLINE void add(I16 v) { sum_ = TAVU_MM(add_epi32)(sum_, sum_pairs(v)); }
+
+    TAVU_VEC_INLINE void add(Words<N> v) {
+        sum_ = Isa<N>::add_epi32(sum_, Isa<N>::madd_epi16(v, Isa<N>::set1_epi16(1)));
+    }
     // The maxima gather in the even lanes, of which alone the sum is taken.
-    template <int N>
-    TAVU_VEC_INLINE void add_pairs(const I16 (&v)[N]) {
-        Register maxima{};
+    template <int M>
+    TAVU_VEC_INLINE void add_pairs(const Words<N> (&v)[M]) {
+        Words<N> maxima{};
 #pragma GCC unroll 8
-        for (int i = 0; i < N; i++) {
-            const Register m = magnitude(v[i]);
-            const Register pair = TAVU_MM(max_epi16)(m, TAVU_MM(srli_epi32)(m, 16));
-            maxima = i == 0 ? pair : TAVU_MM(add_epi16)(maxima, pair);
+        for (int i = 0; i < M; i++) {
+            const Words<N> m = Isa<N>::abs_epi16(v[i]);
+            const Words<N> pair = Isa<N>::max_epi16(m, Isa<N>::odd_to_even(m));
+            maxima = i == 0 ? pair : Isa<N>::add_epi16(maxima, pair);
         }
-        sum_ = TAVU_MM(add_epi32)(sum_, TAVU_MM(madd_epi16)(maxima, TAVU_MM(set1_epi32)(1)));
+        sum_ = Isa<N>::add_epi32(sum_, Isa<N>::madd_epi16(maxima, Isa<N>::set1_epi32(1)));
     }
     TAVU_VEC_INLINE int32_t total() const { return sum_lanes(fold(sum_)); }
 
   private:
-    Register sum_{};
+    Words<N> sum_{};
 };
 
 // Adds (s + 2) >> 2 for each transform, where s sums 2 m over its eight horizontal frequencies: m is
-// the sum of two lanes, v[i] and v[i + 4] of `a` and of `b`, and 2 m wraps in 16 signed bits. A v3
-// register holds two transforms.
+// the sum of two lanes, v[i] and v[i + 4] of `a` and of `b`, and 2 m wraps in 16 signed bits. Each 16
+// bytes are of one transform.
+template <int N>
 class RoundedSum {
   public:
     static TAVU_VEC_INLINE RoundedSum zero() { return {}; }
-    TAVU_VEC_INLINE void add(I16 a, I16 b) {
-        const Register ra = as<Register>(a), rb = as<Register>(b);
-        const U16 m =
-            as<U16>(TAVU_MM(unpacklo_epi64)(ra, rb)) + as<U16>(TAVU_MM(unpackhi_epi64)(ra, rb));
-        Register s = sum_pairs(as<I16>(m + m));
-        s = TAVU_MM(add_epi32)(s, TAVU_MM(shuffle_epi32)(s, 0x4E));
-        s = TAVU_MM(add_epi32)(s, TAVU_MM(shuffle_epi32)(s, 0xB1));
-        s = TAVU_MM(add_epi32)(s, TAVU_MM(set1_epi32)(2));
-        sum_ = TAVU_MM(add_epi32)(sum_, TAVU_MM(srai_epi32)(s, 2));
+
+    TAVU_VEC_INLINE void add(Words<N> a, Words<N> b) {
+        const Words<N> m =
+            Isa<N>::add_epi16(Isa<N>::unpacklo_epi64(a, b), Isa<N>::unpackhi_epi64(a, b));
+        Words<N> s = Isa<N>::madd_epi16(Isa<N>::add_epi16(m, m), Isa<N>::set1_epi16(1));
+        s = Isa<N>::add_epi32(s, Isa<N>::template shuffle_epi32<0x4E>(s));
+        s = Isa<N>::add_epi32(s, Isa<N>::template shuffle_epi32<0xB1>(s));
+        s = Isa<N>::add_epi32(s, Isa<N>::set1_epi32(2));
+        sum_ = Isa<N>::add_epi32(sum_, Isa<N>::quarter(s));
     }
     TAVU_VEC_INLINE int32_t total() const { return _mm_cvtsi128_si32(fold(sum_)); }
-    // Of one transform, whose rows are stacked.
-    TAVU_VEC_INLINE int32_t total_of_stacked() const {
-#if defined(__AVX2__)
-        return _mm_cvtsi128_si32(_mm256_castsi256_si128(sum_));
-#else
-        return total();
-#endif
+    TAVU_VEC_INLINE int32_t total_of_first() const {
+        int32_t first;
+        memcpy(&first, &sum_, sizeof first);
+        return first;
     }
 
   private:
-    Register sum_{};
+    Words<N> sum_{};
 };
-
-#undef TAVU_MM
 
 }  // namespace
 }  // namespace tavu
