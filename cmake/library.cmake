@@ -1,6 +1,7 @@
 # The library: one set of position-independent objects in a shared and a static form.
 
 set(TAVU_SOURCES
+  src/simd/tile_constants.cpp
   src/core/alloc.cpp
   src/core/atomic.cpp
   src/core/log2.cpp

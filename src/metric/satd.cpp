@@ -18,9 +18,9 @@ TAVU_VEC_INLINE int32_t best_hadamard4x4(const int16_t *block) {
     return finish4x4(top, bottom);
 }
 
-int32_t best_satd4x4(const Blocks &at) { return satd4x4_registers(at); }
+TAVU_VEC_INLINE int32_t best_satd4x4(const Blocks &at) { return satd4x4_registers(at); }
 
-int32_t best_satd8x8(const Blocks &at) { return satd8x8_registers(at); }
+TAVU_VEC_INLINE int32_t best_satd8x8(const Blocks &at) { return satd8x8_registers(at); }
 
 // Takes Columns x Rows samples at a time, in strips from top to bottom: add(sum, strip) moves on.
 template <class Sum, int Columns, int Rows, class Add>
@@ -52,12 +52,14 @@ TAVU_VEC_INLINE int32_t best_satd4x4_area(int32_t width, int32_t height, const B
             return whole_registers<MagnitudeSum<64>, 16, 8>(width, height, at, add);
         }
     }
-    return best_tiles<MagnitudeSum<N>, 16, 4>(width, height, at, add, best_satd4x4);
+    const auto single = [](const Blocks &tile) { return best_satd4x4(tile); };
+    return best_tiles<MagnitudeSum<N>, 16, 4>(width, height, at, add, single);
 }
 
 TAVU_VEC_INLINE int32_t best_satd8x8_area(int32_t width, int32_t height, const Blocks &at) {
     const auto add = [](auto &sum, Blocks &strip) { add_satd8x8(sum, strip); };
-    return best_tiles<RoundedSum<N>, N / 2, 8>(width, height, at, add, best_satd8x8);
+    const auto single = [](const Blocks &tile) { return best_satd8x8(tile); };
+    return best_tiles<RoundedSum<N>, N / 2, 8>(width, height, at, add, single);
 }
 
 #else

@@ -52,32 +52,26 @@ TAVU_VEC_INLINE void add_satd4x4(MagnitudeSum<N> &sum, Blocks &at) {
     sum.add_pairs(v);
 }
 
-// All but the last stage of a group of four rows, y to y + 3. After three zips the lanes are, by the
-// bits of their numbers, one vertical and two horizontal frequency bits; the third horizontal one
-// tells even from odd registers.
+// Two rows that a butterfly takes at once, and their horizontal stages. After three zips the lanes
+// are, by the bits of their numbers, one vertical and two horizontal frequency bits; the third
+// horizontal one tells the registers apart.
 template <class Register>
-TAVU_VEC_INLINE void transform_rows(Register *v) {
-#pragma GCC unroll 2
-    for (int y = 0; y < 4; y += 2) {
-        butterfly(v[y], v[y + 1]);
+TAVU_VEC_INLINE void transform_pair(Register &a, Register &b) {
+    butterfly(a, b);
 #pragma GCC unroll 3
-        for (int i = 0; i < 3; i++) {
-            zip(v[y], v[y + 1]);
-            butterfly(v[y], v[y + 1]);
-        }
+    for (int i = 0; i < 3; i++) {
+        zip(a, b);
+        butterfly(a, b);
     }
-    butterfly(v[0], v[2]);
-    butterfly(v[1], v[3]);
 }
 
-// The last stage, between rows 4 apart, and the sum over the registers of one parity.
-template <class Register, int M>
-TAVU_VEC_INLINE Register sum_maxima(const Register (&v)[M], int parity) {
-    if constexpr (M == 8) {
-        return add(abs_max(v[parity], v[parity + 4]), abs_max(v[parity + 2], v[parity + 6]));
-    } else {
-        return add(abs_max_of_halves(v[parity]), abs_max_of_halves(v[parity + 2]));
-    }
+// All but the last stage of four rows.
+template <class Register>
+TAVU_VEC_INLINE void transform_rows(Register *v) {
+    transform_pair(v[0], v[1]);
+    transform_pair(v[2], v[3]);
+    butterfly(v[0], v[2]);
+    butterfly(v[1], v[3]);
 }
 
 // N / 16 blocks of 8x8 side by side; moves on behind them.
@@ -88,19 +82,35 @@ TAVU_VEC_INLINE void add_satd8x8(RoundedSum<N> &sum, Blocks &at) {
     for (auto &row : v) row = load_difference<N>(at.a, at.stride_a, at.b, at.stride_b);
     transform_rows(v);
     transform_rows(v + 4);
-    sum.add(sum_maxima(v, 0), sum_maxima(v, 1));
+    sum.add(add(abs_max(v[0], v[4]), abs_max(v[2], v[6])),
+            add(abs_max(v[1], v[5]), abs_max(v[3], v[7])));
 }
 
-// One block of 8x8.
+// One block of 8x8, with several rows in a register where they fit.
+template <int N = STACKED>
 TAVU_VEC_INLINE int32_t satd8x8_registers(Blocks at) {
-    Words<STACKED> v[128 / STACKED];
+    RoundedSum<16> sum;
+    if constexpr (N == 16) {
+        add_satd8x8(sum, at);
+        return sum.total();
+    }
+    Words<N> v[128 / N];
 #pragma GCC unroll 8
     for (auto &row : v) row = load_stacked_difference(at.a, at.stride_a, at.b, at.stride_b);
-#pragma GCC unroll 2
-    for (int y = 0; y < 128 / STACKED; y += 4) transform_rows(v + y);
-    RoundedSum<STACKED> sum;
-    sum.add(sum_maxima(v, 0), sum_maxima(v, 1));
-    return sum.total_of_first();
+    if constexpr (N == 32) {
+        transform_rows(v);
+        sum.add(add(abs_max_of_halves(v[0]), abs_max_of_halves(v[2])),
+                add(abs_max_of_halves(v[1]), abs_max_of_halves(v[3])));
+    }
+    if constexpr (N == 64) {
+        transform_pair(v[0], v[1]);
+        zip_rows(v[0], v[1]);
+        butterfly(v[0], v[1]);
+        zip_rows(v[0], v[1]);
+        const auto m = add_halves(abs_max(v[0], v[1]));
+        sum.add(low_half(m), high_half(m));
+    }
+    return sum.total();
 }
 
 }  // namespace

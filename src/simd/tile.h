@@ -34,8 +34,9 @@
 //     load_difference<N>(a, stride_a, b, stride_b)
 //                               a - b of N / 2 columns; a and b move on by one row
 //     load_stacked_difference(a, stride_a, b, stride_b)
-//                               Words<STACKED> of a - b of 8 columns: if STACKED is 32 of this row and
-//                               that 4 rows below; a and b move on by one row
+//                               Words<STACKED> of a - b of 8 columns: of this row, if STACKED is 32
+//                               also of that 4 rows below, if 64 of those 2, 4 and 6 rows below; a
+//                               and b move on by one row
 //     MagnitudeSum<N>           add(v) adds lanes that are not negative; add_pairs(v) adds max(|a|,
 //                               |b|) of even and odd lanes of registers, which must not exceed 4080
 //     RoundedSum<N>             of 8x8 transforms, see there

@@ -273,7 +273,6 @@ class RoundedSum {
         empty_ = false;
     }
     TAVU_VEC_INLINE int32_t total() const { return vget_lane_s32(sum_, 0); }
-    TAVU_VEC_INLINE int32_t total_of_first() const { return total(); }
 
   private:
     int32x2_t sum_ = int32x2_t{};

@@ -7,6 +7,19 @@
 #include <cstring>
 
 namespace tavu {
+
+// Defined in a file of its own, so that they are read from memory: compilers would rather move such
+// constants through general registers, which takes longer than a whole block of 4x4.
+struct TileConstants {
+    alignas(64) int8_t sums[64];         // 1, 1: weights of even and odd bytes
+    alignas(64) int8_t differences[64];  // 1, -1
+    alignas(64) int8_t both[64];         // sums in even 16 bytes, differences in odd ones
+    alignas(64) int16_t ones[32];
+    alignas(64) int32_t even_ones[16];  // 1 in the even lanes of 16 bits
+    alignas(64) int32_t twos[16];
+};
+extern const TileConstants TILE_CONSTANTS;
+
 namespace {
 
 // Each instruction under one name for registers of every width.
@@ -32,10 +45,6 @@ struct Isa;
     TAVU_BINARY(unpacklo_epi8)                                                                     \
     TAVU_BINARY(unpacklo_epi16)                                                                    \
     TAVU_BINARY(unpacklo_epi64)                                                                    \
-    static TAVU_VEC_INLINE Register set1_epi16(int x) {                                            \
-        return TAVU_MM(set1_epi16)(static_cast<int16_t>(x));                                       \
-    }                                                                                              \
-    static TAVU_VEC_INLINE Register set1_epi32(int x) { return TAVU_MM(set1_epi32)(x); }           \
     static TAVU_VEC_INLINE Register odd_to_even(Register a) { return TAVU_MM(srli_epi32)(a, 16); } \
     static TAVU_VEC_INLINE Register quarter(Register a) { return TAVU_MM(srai_epi32)(a, 2); }      \
     template <int Order>                                                                           \
@@ -143,7 +152,7 @@ TAVU_VEC_INLINE __m128i load_start(const uint8_t *p) {
     return _mm_cvtsi32_si128(load4(p));
 }
 
-// Sums of 32-bit lanes of each 16 bytes.
+// The 32-bit lanes of each 16 bytes, added.
 TAVU_VEC_INLINE __m128i fold(__m128i v) { return v; }
 #if defined(__AVX2__)
 TAVU_VEC_INLINE __m128i fold(__m256i v) {
@@ -196,10 +205,19 @@ TAVU_VEC_INLINE void running_totals(const AbsSum<N> (&sums)[4], int32_t *totals)
     _mm_storeu_si128(reinterpret_cast<__m128i *>(totals), v);
 }
 
-// Sums of pairs of bytes with these weights.
 template <class R>
-TAVU_VEC_INLINE R weigh_pairs(R v, int even, int odd) {
-    return Of<R>::maddubs_epi16(v, Of<R>::set1_epi16((even & 0xFF) + odd * 256));
+TAVU_VEC_INLINE R constant(const void *values) {
+    return *static_cast<const R *>(values);
+}
+
+template <class R>
+TAVU_VEC_INLINE R sum_columns(R v) {
+    return Of<R>::maddubs_epi16(v, constant<R>(TILE_CONSTANTS.sums));
+}
+
+template <class R>
+TAVU_VEC_INLINE R subtract_columns(R v) {
+    return Of<R>::maddubs_epi16(v, constant<R>(TILE_CONSTANTS.differences));
 }
 
 template <int N>
@@ -210,8 +228,8 @@ class SquareSum {
     static constexpr int MAX_BYTES = INT32_MAX;
 
     TAVU_VEC_INLINE void add(Bytes<N> a, Bytes<N> b) {
-        const Bytes<N> lo = weigh_pairs(Isa<N>::unpacklo_epi8(a, b), 1, -1);
-        const Bytes<N> hi = weigh_pairs(Isa<N>::unpackhi_epi8(a, b), 1, -1);
+        const Bytes<N> lo = subtract_columns(Isa<N>::unpacklo_epi8(a, b));
+        const Bytes<N> hi = subtract_columns(Isa<N>::unpackhi_epi8(a, b));
         sum_ = Isa<N>::add_epi32(sum_, Isa<N>::madd_epi16(lo, lo));
         sum_ = Isa<N>::add_epi32(sum_, Isa<N>::madd_epi16(hi, hi));
     }
@@ -264,43 +282,32 @@ TAVU_VEC_INLINE R abs_max(R a, R b) {
 }
 
 TAVU_VEC_INLINE void butterfly_difference(__m128i a, __m128i b, __m128i *p, __m128i *q) {
-    *p = _mm_sub_epi16(weigh_pairs(a, 1, 1), weigh_pairs(b, 1, 1));
-    *q = _mm_sub_epi16(weigh_pairs(a, 1, -1), weigh_pairs(b, 1, -1));
+    *p = _mm_sub_epi16(sum_columns(a), sum_columns(b));
+    *q = _mm_sub_epi16(subtract_columns(a), subtract_columns(b));
 }
 
 // Registers of 16 bytes hold sums and differences, wider ones sums beside differences.
 template <int N>
 constexpr int COLUMN_REGISTERS = N == 16 ? 2 : 1;
 
-#if defined(__AVX2__)
-TAVU_VEC_INLINE __m256i load_column_butterflies(const uint8_t *p) {
-    const __m256i weights = _mm256_setr_m128i(_mm_set1_epi8(1), _mm_set1_epi16(1 - 256));
-    return _mm256_maddubs_epi16(_mm256_broadcastsi128_si256(load<16>(p)), weights);
-}
-#endif
-
+// 16 columns, twice; of 64 bytes also those 4 rows below.
 template <int N>
-TAVU_VEC_INLINE Words<N> load_column_difference([[maybe_unused]] const uint8_t *a,
-                                                [[maybe_unused]] ptrdiff_t stride_a,
-                                                [[maybe_unused]] const uint8_t *b,
-                                                [[maybe_unused]] ptrdiff_t stride_b) {
+TAVU_VEC_INLINE Bytes<N> load_columns(const uint8_t *p, [[maybe_unused]] ptrdiff_t stride) {
 #if defined(__AVX512BW__)
     if constexpr (N == 64) {
-        const auto load = [](const uint8_t *p, ptrdiff_t stride) {
-            const __m512i weights = _mm512_broadcast_i64x4(
-                _mm256_setr_m128i(_mm_set1_epi8(1), _mm_set1_epi16(1 - 256)));
-            const __m512i row = _mm512_broadcast_i32x4(tavu::load<16>(p));
-            const __m512i rows =
-                _mm512_mask_broadcast_i32x4(row, 0xFF00, tavu::load<16>(p + 4 * stride));
-            return _mm512_maddubs_epi16(rows, weights);
-        };
-        return _mm512_sub_epi16(load(a, stride_a), load(b, stride_b));
+        const __m512i row = _mm512_broadcast_i32x4(load<16>(p));
+        return _mm512_mask_broadcast_i32x4(row, 0xFF00, load<16>(p + 4 * stride));
     }
 #endif
 #if defined(__AVX2__)
-    if constexpr (N == 32)
-        return _mm256_sub_epi16(load_column_butterflies(a), load_column_butterflies(b));
+    if constexpr (N == 32) return _mm256_broadcastsi128_si256(load<16>(p));
 #endif
+}
+
+template <int N>
+TAVU_VEC_INLINE Words<N> load_column_butterflies(const uint8_t *p, ptrdiff_t stride) {
+    return Isa<N>::maddubs_epi16(load_columns<N>(p, stride),
+                                 constant<Bytes<N>>(TILE_CONSTANTS.both));
 }
 
 template <int N>
@@ -309,7 +316,8 @@ TAVU_VEC_INLINE void load_butterflies(const uint8_t *&a, ptrdiff_t stride_a, con
     if constexpr (N == 16) {
         butterfly_difference(load<16>(a), load<16>(b), &v[0], &v[1]);
     } else {
-        v[0] = load_column_difference<N>(a, stride_a, b, stride_b);
+        v[0] = Isa<N>::sub_epi16(load_column_butterflies<N>(a, stride_a),
+                                 load_column_butterflies<N>(b, stride_b));
     }
     a += stride_a;
     b += stride_b;
@@ -324,7 +332,30 @@ TAVU_VEC_INLINE Words<N> load_difference(const uint8_t *&a, ptrdiff_t stride_a, 
     return d;
 }
 
-#if defined(__AVX2__)
+#if defined(__AVX512BW__)
+
+constexpr int STACKED = 64;
+
+TAVU_VEC_INLINE __m512i load_stacked(const uint8_t *p, ptrdiff_t stride) {
+    const __m128i low = load8_twice(p, 2 * stride), high = load8_twice(p + 4 * stride, 2 * stride);
+    return _mm512_cvtepu8_epi16(_mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1));
+}
+
+// As zip(), but of a bit that tells rows apart, which are 16 bytes each.
+TAVU_VEC_INLINE void zip_rows(__m512i &a, __m512i &b) {
+    const __m512i even = _mm512_shuffle_i64x2(a, b, 0x88);
+    b = _mm512_shuffle_i64x2(a, b, 0xDD);
+    a = even;
+}
+
+TAVU_VEC_INLINE __m256i add_halves(__m512i v) {
+    return _mm256_add_epi16(_mm512_castsi512_si256(v), _mm512_extracti64x4_epi64(v, 1));
+}
+
+TAVU_VEC_INLINE __m128i low_half(__m256i v) { return _mm256_castsi256_si128(v); }
+TAVU_VEC_INLINE __m128i high_half(__m256i v) { return _mm256_extracti128_si256(v, 1); }
+
+#elif defined(__AVX2__)
 
 constexpr int STACKED = 32;
 
@@ -332,30 +363,27 @@ TAVU_VEC_INLINE __m256i load_stacked(const uint8_t *p, ptrdiff_t stride) {
     return _mm256_cvtepu8_epi16(load8_twice(p, 4 * stride));
 }
 
-TAVU_VEC_INLINE __m256i load_stacked_difference(const uint8_t *&a, ptrdiff_t stride_a,
-                                                const uint8_t *&b, ptrdiff_t stride_b) {
-    const __m256i d = _mm256_sub_epi16(load_stacked(a, stride_a), load_stacked(b, stride_b));
-    a += stride_a;
-    b += stride_b;
-    return d;
-}
-
-// abs_max() of both halves of a register, in both halves.
-TAVU_VEC_INLINE __m256i abs_max_of_halves(__m256i v) {
+TAVU_VEC_INLINE __m128i abs_max_of_halves(__m256i v) {
     const __m256i m = _mm256_abs_epi16(v);
-    return _mm256_max_epi16(m, _mm256_permute4x64_epi64(m, 0x4E));
+    return _mm_max_epi16(_mm256_castsi256_si128(m), _mm256_extracti128_si256(m, 1));
 }
 
 #else
 
 constexpr int STACKED = 16;
 
-TAVU_VEC_INLINE __m128i load_stacked_difference(const uint8_t *&a, ptrdiff_t stride_a,
-                                                const uint8_t *&b, ptrdiff_t stride_b) {
-    return load_difference<16>(a, stride_a, b, stride_b);
-}
+TAVU_VEC_INLINE __m128i load_stacked(const uint8_t *p, ptrdiff_t) { return load_wide<16>(p); }
 
 #endif
+
+TAVU_VEC_INLINE Words<STACKED> load_stacked_difference(const uint8_t *&a, ptrdiff_t stride_a,
+                                                       const uint8_t *&b, ptrdiff_t stride_b) {
+    const Words<STACKED> d =
+        Isa<STACKED>::sub_epi16(load_stacked(a, stride_a), load_stacked(b, stride_b));
+    a += stride_a;
+    b += stride_b;
+    return d;
+}
 
 template <int N>
 class MagnitudeSum {
@@ -363,7 +391,8 @@ class MagnitudeSum {
     static TAVU_VEC_INLINE MagnitudeSum zero() { return {}; }
 
     TAVU_VEC_INLINE void add(Words<N> v) {
-        sum_ = Isa<N>::add_epi32(sum_, Isa<N>::madd_epi16(v, Isa<N>::set1_epi16(1)));
+        sum_ =
+            Isa<N>::add_epi32(sum_, Isa<N>::madd_epi16(v, constant<Words<N>>(TILE_CONSTANTS.ones)));
     }
     // The maxima gather in the even lanes, of which alone the sum is taken.
     template <int M>
@@ -375,7 +404,8 @@ class MagnitudeSum {
             const Words<N> pair = Isa<N>::max_epi16(m, Isa<N>::odd_to_even(m));
             maxima = i == 0 ? pair : Isa<N>::add_epi16(maxima, pair);
         }
-        sum_ = Isa<N>::add_epi32(sum_, Isa<N>::madd_epi16(maxima, Isa<N>::set1_epi32(1)));
+        sum_ = Isa<N>::add_epi32(
+            sum_, Isa<N>::madd_epi16(maxima, constant<Words<N>>(TILE_CONSTANTS.even_ones)));
     }
     TAVU_VEC_INLINE int32_t total() const { return sum_lanes(fold(sum_)); }
 
@@ -394,18 +424,14 @@ class RoundedSum {
     TAVU_VEC_INLINE void add(Words<N> a, Words<N> b) {
         const Words<N> m =
             Isa<N>::add_epi16(Isa<N>::unpacklo_epi64(a, b), Isa<N>::unpackhi_epi64(a, b));
-        Words<N> s = Isa<N>::madd_epi16(Isa<N>::add_epi16(m, m), Isa<N>::set1_epi16(1));
+        Words<N> s =
+            Isa<N>::madd_epi16(Isa<N>::add_epi16(m, m), constant<Words<N>>(TILE_CONSTANTS.ones));
         s = Isa<N>::add_epi32(s, Isa<N>::template shuffle_epi32<0x4E>(s));
         s = Isa<N>::add_epi32(s, Isa<N>::template shuffle_epi32<0xB1>(s));
-        s = Isa<N>::add_epi32(s, Isa<N>::set1_epi32(2));
+        s = Isa<N>::add_epi32(s, constant<Words<N>>(TILE_CONSTANTS.twos));
         sum_ = Isa<N>::add_epi32(sum_, Isa<N>::quarter(s));
     }
     TAVU_VEC_INLINE int32_t total() const { return _mm_cvtsi128_si32(fold(sum_)); }
-    TAVU_VEC_INLINE int32_t total_of_first() const {
-        int32_t first;
-        memcpy(&first, &sum_, sizeof first);
-        return first;
-    }
 
   private:
     Words<N> sum_{};

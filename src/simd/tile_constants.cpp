@@ -1,0 +1,29 @@
+#include "simd/vec.h"
+
+#if TAVU_VEC && !defined(__ARM_NEON)
+
+#include "simd/tile.h"
+
+namespace tavu {
+
+static constexpr TileConstants make_constants() {
+    TileConstants c{};
+    for (int i = 0; i < 64; i++) {
+        c.sums[i] = 1;
+        c.differences[i] = i % 2 == 0 ? 1 : -1;
+        c.both[i] = i / 16 % 2 == 0 ? c.sums[i] : c.differences[i];
+    }
+    for (int16_t &one : c.ones) one = 1;
+    for (int i = 0; i < 16; i++) {
+        c.even_ones[i] = 1;
+        c.twos[i] = 2;
+    }
+    return c;
+}
+
+extern const TileConstants TILE_CONSTANTS;
+const TileConstants TILE_CONSTANTS = make_constants();
+
+}  // namespace tavu
+
+#endif
