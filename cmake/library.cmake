@@ -19,7 +19,6 @@ set(TAVU_SOURCES
   src/bs/bsr.cpp
   src/bs/bsw.cpp
   src/media/fcc2mt.cpp
-  src/media/vkeyfrm.cpp
   src/media/md5.cpp
   src/imgp/irsz.cpp
   src/imgp/irsz_kernels.cpp
@@ -33,9 +32,11 @@ set(TAVU_SOURCES
 
 # Kernels that gain from wider vectors: on x86-64 compiled a second time for level v3.
 set(TAVU_WIDE_SOURCES
+  src/core/mset_pattern.cpp
   src/imgp/csc_to_565.cpp
   src/imgp/csc_to_packed.cpp
-  src/imgp/csc_to_yuv.cpp)
+  src/imgp/csc_to_yuv.cpp
+  src/media/vkeyfrm.cpp)
 
 # Kernels that gain once more from registers of 64 bytes: for level v4 too.
 set(TAVU_WIDEST_SOURCES

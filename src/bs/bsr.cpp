@@ -7,8 +7,6 @@
 namespace tavu {
 namespace {
 
-constexpr int32_t CACHE_BYTES = 4;
-
 void consume(tavu_bsr_t *bs, int32_t bits) {
     bs->code = shift_left(bs->code, bits);
     bs->leftbits -= bits;
@@ -18,18 +16,22 @@ int32_t refill(tavu_bsr_t *bs) { return bs->flush(bs, CACHE_BYTES); }
 
 uint32_t top_bits(uint32_t code, int32_t n) { return shift_right(code, 32 - n); }
 
-int32_t read(tavu_bsr_t *bs, int32_t size) {
-    if (bs->leftbits >= size) {
-        const uint32_t value = top_bits(bs->code, size);
-        consume(bs, size);
-        return static_cast<int32_t>(value);
-    }
+TAVU_RARE int32_t read_across_refill(tavu_bsr_t *bs, int32_t size) {
     const uint32_t high = top_bits(bs->code, size);
     const int32_t missing = size - bs->leftbits;
     if (refill(bs) != 0) return -1;
     const uint32_t value = high | top_bits(bs->code, missing);
     consume(bs, missing);
     return static_cast<int32_t>(value);
+}
+
+int32_t read(tavu_bsr_t *bs, int32_t size) {
+    const int32_t rest = bs->leftbits - size;
+    if (rest < 0) return read_across_refill(bs, size);
+    bs->leftbits = rest;
+    const uint32_t code = bs->code;
+    bs->code = shift_left(code, size);
+    return static_cast<int32_t>(top_bits(code, size));
 }
 
 int32_t read1(tavu_bsr_t *bs) {
@@ -59,11 +61,7 @@ uint32_t peek(tavu_bsr_t *bs, int32_t size) {
     return value;
 }
 
-int32_t read_ue(tavu_bsr_t *bs) {
-    if (bs->code >> 31) {  // a set bit is always valid
-        consume(bs, 1);
-        return 0;
-    }
+TAVU_RARE int32_t read_ue_across_refill(tavu_bsr_t *bs) {
     int32_t dropped = 0;  // zeros of the prefix that a refill has dropped
     if (bs->code == 0) {
         dropped = bs->leftbits;
@@ -76,6 +74,18 @@ int32_t read_ue(tavu_bsr_t *bs) {
     }
     const int32_t value = read(bs, 2 * zeros + 1 + dropped);
     return static_cast<int32_t>(static_cast<uint32_t>(value) - 1);
+}
+
+// A code of at most 15 zeros, all of it in the cache, needs nothing but the cache.
+int32_t read_ue(tavu_bsr_t *bs) {
+    const uint32_t code = bs->code;
+    if (code >> 16 == 0) return read_ue_across_refill(bs);
+    const int32_t size = 2 * __builtin_clz(code) + 1;
+    const int32_t rest = bs->leftbits - size;
+    if (rest < 0) return read_ue_across_refill(bs);
+    bs->leftbits = rest;
+    bs->code = code << size;
+    return static_cast<int32_t>((code >> (32 - size)) - 1);
 }
 
 // Whether a run of ones ends within the cache. The test spans one bit beyond the valid ones, where
@@ -128,6 +138,12 @@ void tavu_bsr_init(tavu_bsr_t *bs, const void *buf, int32_t size, tavu_bsr_flush
 
 int32_t tavu_bsr_flush(tavu_bsr_t *bs, int32_t bytes) {
     const intptr_t left = tavu::remaining(bs);
+    if (bytes == tavu::CACHE_BYTES && left >= tavu::CACHE_BYTES) {
+        bs->code = tavu::load_word(bs->cur);
+        bs->leftbits = 8 * tavu::CACHE_BYTES;
+        bs->cur += tavu::CACHE_BYTES;
+        return 0;
+    }
     const int32_t n = bytes < left ? bytes : static_cast<int32_t>(left);
     bs->code = 0;
     bs->leftbits = 0;

@@ -11,6 +11,12 @@ namespace {
 int32_t pending_bytes(const tavu_bsw_t *bs) { return (39 - bs->leftbits) >> 3; }
 
 int32_t spill(tavu_bsw_t *bs) {
+    if (pending_bytes(bs) == CACHE_BYTES) {
+        store_word(bs->cur, bs->code);
+        bs->cur += CACHE_BYTES;
+        bs->code = 0;
+        return 0;
+    }
     for (int32_t n = pending_bytes(bs); n > 0; n--) {
         *bs->cur++ = static_cast<uint8_t>(bs->code >> 24);
         bs->code <<= 8;
@@ -24,19 +30,23 @@ void spill_all(tavu_bsw_t *bs) {
     bs->leftbits = 32;
 }
 
-int32_t write(tavu_bsw_t *bs, uint32_t value, int32_t len) {
-    const uint32_t bits = shift_left(value, 32 - len);
-    const int32_t free_bits = bs->leftbits;
-    bs->code |= shift_right(bits, 32 - free_bits);
-    if (free_bits > len) {
-        bs->leftbits -= len;
-        return 0;
-    }
+// Of the left-justified `bits`, which the cache already holds as far as they fit.
+TAVU_RARE int32_t spill_and_keep(tavu_bsw_t *bs, uint32_t bits, int32_t len) {
     if (remaining(bs) < 5) return -1;  // one more than is written; callers rely on it
+    const int32_t free_bits = bs->leftbits;
     bs->leftbits = 0;
     bs->flush(bs);
     bs->code = shift_left(bits, free_bits);
     bs->leftbits = free_bits + 32 - len;
+    return 0;
+}
+
+int32_t write(tavu_bsw_t *bs, uint32_t value, int32_t len) {
+    const uint32_t bits = shift_left(value, 32 - len);
+    const int32_t free_bits = bs->leftbits;
+    bs->code |= shift_right(bits, 32 - free_bits);
+    if (free_bits <= len) return spill_and_keep(bs, bits, len);
+    bs->leftbits = free_bits - len;
     return 0;
 }
 
@@ -52,8 +62,8 @@ int32_t write1(tavu_bsw_t *bs, int32_t bit) {
 int32_t floor_log2(uint32_t x) { return 31 - count_leading_zeros(x); }
 
 int32_t write_ue(tavu_bsw_t *bs, uint32_t value) {
-    const uint32_t x = value + 1;
-    return x == 0 ? write(bs, 1, 1) : write(bs, x, 2 * floor_log2(x) + 1);
+    const uint32_t x = value == UINT32_MAX ? 1 : value + 1;
+    return write(bs, x, 2 * floor_log2(x) + 1);
 }
 
 // 0, 1, -1, 2, -2 to 0, 1, 2, 3, 4.

@@ -3,9 +3,15 @@
 #define TAVU_BS_BUFFER_H
 
 #include <cstdint>
+#include <cstring>
+
+// Out of line, so that the usual way saves no registers.
+#define TAVU_RARE __attribute__((noinline))
 
 namespace tavu {
 namespace {
+
+constexpr int32_t CACHE_BYTES = 4;
 
 // Takes over a buffer, by integers, for an empty one may be null.
 template <class Bs, class Byte>
@@ -22,6 +28,25 @@ template <class Bs>
 intptr_t remaining(const Bs *bs) {
     return static_cast<intptr_t>(reinterpret_cast<uintptr_t>(bs->end) + 1 -
                                  reinterpret_cast<uintptr_t>(bs->cur));
+}
+
+// The conversion of a word between the processor's order of bytes and the stream's.
+inline uint32_t big_endian(uint32_t word) {
+#if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    word = __builtin_bswap32(word);
+#endif
+    return word;
+}
+
+inline uint32_t load_word(const uint8_t *p) {
+    uint32_t word;
+    memcpy(&word, p, sizeof word);
+    return big_endian(word);
+}
+
+inline void store_word(uint8_t *p, uint32_t word) {
+    word = big_endian(word);
+    memcpy(p, &word, sizeof word);
 }
 
 }  // namespace

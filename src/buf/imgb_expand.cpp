@@ -2,13 +2,29 @@
 #include <cstddef>
 #include <cstring>
 
+#include "core/chunk.h"
 #include "tavu.h"
 
 namespace tavu {
 namespace {
 
+// With the width as a constant each row is a few stores.
+template <int Width>
+void repeat_column(const uint8_t *src, uint8_t *dst, int32_t rows, int32_t stride) {
+    for (; rows > 0; rows--, src += stride, dst += stride) fill_chunk<Width>(dst, *src);
+}
+
 // `width` copies of the byte at src in each row.
 void repeat_column(const uint8_t *src, uint8_t *dst, int32_t rows, int32_t stride, int32_t width) {
+    switch (width) {
+        case 8: return repeat_column<8>(src, dst, rows, stride);
+        case 16: return repeat_column<16>(src, dst, rows, stride);
+        case 24: return repeat_column<24>(src, dst, rows, stride);
+        case 32: return repeat_column<32>(src, dst, rows, stride);
+        case 40: return repeat_column<40>(src, dst, rows, stride);
+        case 80: return repeat_column<80>(src, dst, rows, stride);
+        default: break;
+    }
     if (width < 1) return;
     for (; rows > 0; rows--, src += stride, dst += stride) {
         memset(dst, *src, static_cast<size_t>(width));

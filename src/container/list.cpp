@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "container/links.h"
 #include "tavu.h"
 
 namespace tavu {
@@ -10,21 +11,20 @@ namespace {
 
 using Node = tavu_list_node_t;
 
-Node *allocate_node(uint32_t elem_size) {
-    const size_t bytes = sizeof(Node) + elem_size;
-    return bytes < elem_size ? nullptr : static_cast<Node *>(malloc(bytes));
-}
-
 void *data(Node *node) { return node != nullptr ? node + 1 : nullptr; }
 
-// The node itself if it is an element, null if it is a marker.
-Node *element(const tavu_list_t *list, Node *node) {
-    return node != list->head && node != list->tail ? node : nullptr;
+// The elements beside a node, null at the ends.
+Node *next(const tavu_list_t *list, const Node *node) {
+    return node->next != list->tail ? node->next : nullptr;
 }
 
-Node *first(const tavu_list_t *list) { return element(list, list->head->next); }
+Node *prev(const tavu_list_t *list, const Node *node) {
+    return node->prev != list->head ? node->prev : nullptr;
+}
 
-Node *last(const tavu_list_t *list) { return element(list, list->tail->prev); }
+Node *first(const tavu_list_t *list) { return next(list, list->head); }
+
+Node *last(const tavu_list_t *list) { return prev(list, list->tail); }
 
 bool has_index(const tavu_list_t *list, int32_t index) { return index >= 0 && index < list->cnt; }
 
@@ -44,17 +44,31 @@ Node *node_at(const tavu_list_t *list, int32_t index) {
     return forward(list->head->next, index);
 }
 
-void link_after(Node *prev, Node *node) {
-    *node = {prev, prev->next};
-    node->next->prev = node;
-    prev->next = node;
+// A pointer or two at most, as most elements are, without a call.
+void copy_element(void *dst, const void *src, uint32_t size) {
+    auto *to = static_cast<char *>(dst);
+    const auto *from = static_cast<const char *>(src);
+    constexpr uint32_t POINTER = sizeof(void *);
+    if (size >= POINTER && size <= 2 * POINTER) {
+        memcpy(to, from, POINTER);
+        memcpy(to + size - POINTER, from + size - POINTER, POINTER);
+    } else if (size > 0) {
+        memcpy(to, from, size);
+    }
 }
 
-void *insert_after(tavu_list_t *list, Node *prev, const void *elem) {
-    Node *node = allocate_node(list->elem_size);
+Node *make_node(const tavu_list_t *list, const void *elem) {
+    Node *node = allocate_links<Node>(list->elem_size);
+    if (node != nullptr) copy_element(data(node), elem, list->elem_size);
+    return node;
+}
+
+// Null for null.
+void *link_after(tavu_list_t *list, Node *before, Node *node) {
     if (node == nullptr) return nullptr;
-    if (list->elem_size > 0) memcpy(data(node), elem, list->elem_size);
-    link_after(prev, node);
+    *node = {before, before->next};
+    node->next->prev = node;
+    before->next = node;
     list->cnt++;
     return data(node);
 }
@@ -62,7 +76,7 @@ void *insert_after(tavu_list_t *list, Node *prev, const void *elem) {
 // Does nothing for null. The cursor leaves the element before the callback can look at it.
 void remove_node(tavu_list_t *list, Node *node) {
     if (node == nullptr) return;
-    if (node == list->cur) list->cur = element(list, node->next);
+    if (node == list->cur) list->cur = next(list, node);
     node->prev->next = node->next;
     node->next->prev = node->prev;
     if (list->release != nullptr) list->release(data(node));
@@ -93,7 +107,7 @@ using namespace tavu;
 tavu_list_t *tavu_list_create(uint32_t elem_size, tavu_list_release_fn release) {
     auto *list = static_cast<tavu_list_t *>(malloc(sizeof(tavu_list_t)));
     if (list == nullptr) return nullptr;
-    *list = {elem_size, 0, allocate_node(0), allocate_node(0), nullptr, release};
+    *list = {elem_size, 0, allocate_links<Node>(0), allocate_links<Node>(0), nullptr, release};
     if (list->head == nullptr || list->tail == nullptr) {
         free_list(list);
         return nullptr;
@@ -109,23 +123,25 @@ void tavu_list_delete(tavu_list_t *list) {
 }
 
 void *tavu_list_add(tavu_list_t *list, const void *elem) {
-    return insert_after(list, list->tail->prev, elem);
+    Node *node = make_node(list, elem);
+    return link_after(list, list->tail->prev, node);
 }
 
 void *tavu_list_add_first(tavu_list_t *list, const void *elem) {
-    return insert_after(list, list->head, elem);
+    return link_after(list, list->head, make_node(list, elem));
 }
 
 void *tavu_list_insert_at(tavu_list_t *list, const void *elem, int32_t index) {
     // Only the two ends: callers rely on an index within the list being refused.
     if (index >= 0 && index != list->cnt) return nullptr;
-    return insert_after(list, index < 0 ? list->head : list->tail->prev, elem);
+    Node *node = make_node(list, elem);
+    return link_after(list, index < 0 ? list->head : list->tail->prev, node);
 }
 
 void *tavu_list_get_at(tavu_list_t *list, int32_t index) {
     if (index >= list->cnt) return nullptr;
     // A negative index stands for the first element; callers rely on it.
-    return data(element(list, node_at(list, index)));
+    return data(list->cnt > 0 ? node_at(list, index) : nullptr);
 }
 
 void *tavu_list_get_id(tavu_list_t *list, int32_t index) {
@@ -162,12 +178,12 @@ void *tavu_list_move_last(tavu_list_t *list) { return move_to(list, last(list));
 
 void *tavu_list_move_next(tavu_list_t *list) {
     if (list->cur == nullptr) return nullptr;
-    return move_to(list, element(list, list->cur->next));
+    return move_to(list, next(list, list->cur));
 }
 
 void *tavu_list_move_prev(tavu_list_t *list) {
     if (list->cur == nullptr) return nullptr;
-    return move_to(list, element(list, list->cur->prev));
+    return move_to(list, prev(list, list->cur));
 }
 
 void tavu_list_rem_cur(tavu_list_t *list) { remove_node(list, list->cur); }
@@ -175,9 +191,9 @@ void tavu_list_rem_cur(tavu_list_t *list) { remove_node(list, list->cur); }
 // Without a cursor this one removes the last element and the next one nothing; callers rely on it.
 void tavu_list_rem_prev(tavu_list_t *list) {
     const Node *from = list->cur != nullptr ? list->cur : list->tail;
-    remove_node(list, element(list, from->prev));
+    remove_node(list, prev(list, from));
 }
 
 void tavu_list_rem_next(tavu_list_t *list) {
-    if (list->cur != nullptr) remove_node(list, element(list, list->cur->next));
+    if (list->cur != nullptr) remove_node(list, next(list, list->cur));
 }

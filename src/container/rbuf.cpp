@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "simd/scan.h"
 #include "tavu.h"
 
 namespace tavu {
@@ -13,9 +14,10 @@ namespace {
 bool is_empty(const tavu_rbuf_t *rbuf) { return rbuf->head == rbuf->tail; }
 
 bool is_full(const tavu_rbuf_t *rbuf) {
-    const auto size = static_cast<uint32_t>(rbuf->size);
-    return static_cast<uint32_t>(rbuf->head) ==
-           (static_cast<uint32_t>(rbuf->tail) + size - 1) % size;
+    int32_t last = rbuf->tail - 1;  // what the head is when full, on the circle
+    if (last < 0) last += rbuf->size;
+    if (last == rbuf->size) last = 0;
+    return rbuf->head == last;
 }
 
 // Whether the stored bytes go on at the start of the storage.
@@ -103,19 +105,39 @@ int32_t hand_out(const tavu_rbuf_t *rbuf, int32_t at, int32_t count, uint8_t **p
     return 0;
 }
 
+// Bytes up to the first line feed or zero, itself included; all `count` if there is none.
+int32_t length_of_line(const uint8_t *src, int32_t count) {
+    const uint8_t *p = src, *const end = src + count;
+#if TAVU_VEC
+    if (count >= LANES) {
+        while (p < end) {
+            // The last register begins before what is left and finds nothing there again.
+            if (end - p < LANES) p = end - LANES;
+            const U8 v = load(p);
+            const ZeroLanes z = zero_lanes(lesser(v, v ^ '\n'));
+            if (z) return static_cast<int32_t>(p - src) - LANES + first_lane(z) + 1;
+        }
+        return count;
+    }
+#endif
+    while (p < end) {
+        const uint8_t c = *p++;
+        if (c == 0 || c == '\n') break;
+    }
+    return static_cast<int32_t>(p - src);
+}
+
 // Copies up to a line feed, which is given the carriage return that it may lack: the length of the
 // result. 0 when a zero byte or the limit comes first.
 int32_t copy_line(uint8_t *dst, const uint8_t *src, int32_t limit) {
-    for (int32_t i = 0; i < limit; i++) {
-        dst[i] = src[i];
-        if (src[i] == 0) return 0;
-        if (src[i] != '\n') continue;
-        if (i > 0 && src[i - 1] == '\r') return i + 1;
-        dst[i] = '\r';
-        dst[i + 1] = '\n';
-        return i + 2;
-    }
-    return 0;
+    if (limit < 1) return 0;
+    const int32_t len = length_of_line(src, limit);
+    copy(dst, src, len);
+    if (src[len - 1] != '\n') return 0;
+    if (len > 1 && src[len - 2] == '\r') return len;
+    dst[len - 1] = '\r';
+    dst[len] = '\n';
+    return len + 1;
 }
 
 // The tail moves by the length delivered, so for a lone line feed one byte too far; callers rely on

@@ -1,6 +1,7 @@
 // The used slots are the last ones of the chain, the oldest at its end; all before them are free.
 #include <cstdlib>
 
+#include "container/links.h"
 #include "tavu.h"
 
 namespace tavu {
@@ -8,13 +9,8 @@ namespace {
 
 using Slot = tavu_rlist_slot_t;
 
-Slot *allocate_slot(uint32_t slot_size) {
-    const size_t bytes = sizeof(Slot) + slot_size;
-    return bytes < slot_size ? nullptr : static_cast<Slot *>(malloc(bytes));
-}
-
 bool append_slot(tavu_rlist_t *rlist) {
-    Slot *slot = allocate_slot(rlist->slot_size);
+    Slot *slot = allocate_links<Slot>(rlist->slot_size);
     if (slot == nullptr) return false;
     *slot = {rlist->last, nullptr};
     (rlist->last != nullptr ? rlist->last->next : rlist->first) = slot;

@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <cstring>
 
+#include "core/chunk.h"
 #include "tavu.h"
 
 namespace tavu {
@@ -22,8 +23,9 @@ void copy_rows(Rows at, int32_t width, int32_t height) {
 // With the width as a constant each row is one or two loads and stores.
 template <int Width>
 void copy_rows(Rows at, int32_t height) {
+#pragma GCC unroll 8
     for (; height > 0; height--, at.dst += at.dst_stride, at.src += at.src_stride) {
-        memcpy(at.dst, at.src, Width);
+        copy_chunk<Width>(at.dst, at.src);
     }
 }
 

@@ -1,3 +1,4 @@
+// One table for all families, looked up without a branch that depends on the code.
 #include "tavu.h"
 
 namespace {
@@ -8,116 +9,143 @@ constexpr uint32_t fcc(const char (&s)[5]) {
     return code;
 }
 
-int32_t audio(uint32_t code) {
-    switch (code) {
-        case 1: return TAVU_MT_AUD_PCM;
-        case 6: return TAVU_MT_AUD_ALAW;
-        case 7: return TAVU_MT_AUD_MULAW;
-        case 80: return TAVU_MT_AUD_MPEG;
-        case 85: return TAVU_MT_AUD_MP3;
-        case 255:
-        case fcc("aac "):
-        case fcc("mp4a"): return TAVU_MT_AUD_AAC;
-        case 8192: return TAVU_MT_AUD_AC3;
-        case 8193: return TAVU_MT_AUD_DTS;
-        case fcc("samr"): return TAVU_MT_AUD_AMR;
-        case fcc("sawb"): return TAVU_MT_AUD_AMRWB;
-        case fcc("sqcp"):
-        case fcc("dqcp"): return TAVU_MT_AUD_QCELP;
-        case 352:
-        case 353: return TAVU_MT_AUD_WMA;
-        case 354: return TAVU_MT_AUD_WMAPRO;
-        case 355: return TAVU_MT_AUD_WMALSL;
-        case fcc("evrc"): return TAVU_MT_AUD_EVRC;
-        case fcc("sipr"): return TAVU_MT_AUD_SIPR;
-        case fcc("cook"): return TAVU_MT_AUD_COOK;
-        default: return TAVU_MT_AUD_UNKNOWN;
-    }
+struct Name {
+    uint32_t code;
+    int32_t type;
+};
+
+constexpr Name NAMES[] = {
+    {1, TAVU_MT_AUD_PCM},
+    {6, TAVU_MT_AUD_ALAW},
+    {7, TAVU_MT_AUD_MULAW},
+    {80, TAVU_MT_AUD_MPEG},
+    {85, TAVU_MT_AUD_MP3},
+    {255, TAVU_MT_AUD_AAC},
+    {fcc("aac "), TAVU_MT_AUD_AAC},
+    {fcc("mp4a"), TAVU_MT_AUD_AAC},
+    {8192, TAVU_MT_AUD_AC3},
+    {8193, TAVU_MT_AUD_DTS},
+    {fcc("samr"), TAVU_MT_AUD_AMR},
+    {fcc("sawb"), TAVU_MT_AUD_AMRWB},
+    {fcc("sqcp"), TAVU_MT_AUD_QCELP},
+    {fcc("dqcp"), TAVU_MT_AUD_QCELP},
+    {352, TAVU_MT_AUD_WMA},
+    {353, TAVU_MT_AUD_WMA},
+    {354, TAVU_MT_AUD_WMAPRO},
+    {355, TAVU_MT_AUD_WMALSL},
+    {fcc("evrc"), TAVU_MT_AUD_EVRC},
+    {fcc("sipr"), TAVU_MT_AUD_SIPR},
+    {fcc("cook"), TAVU_MT_AUD_COOK},
+    {fcc("m4s2"), TAVU_MT_VID_MPEG4},
+    {fcc("M4S2"), TAVU_MT_VID_MPEG4},
+    {fcc("dx50"), TAVU_MT_VID_MPEG4},
+    {fcc("DX50"), TAVU_MT_VID_MPEG4},
+    {fcc("FMP4"), TAVU_MT_VID_MPEG4},
+    // "DIV4" is MPEG-4, "DIV3" a codec of its own.
+    {fcc("DIV4"), TAVU_MT_VID_MPEG4},
+    {fcc("div4"), TAVU_MT_VID_MPEG4},
+    {fcc("XVID"), TAVU_MT_VID_MPEG4},
+    {fcc("xvid"), TAVU_MT_VID_MPEG4},
+    {fcc("DIVX"), TAVU_MT_VID_MPEG4},
+    {fcc("divx"), TAVU_MT_VID_MPEG4},
+    {fcc("mp4v"), TAVU_MT_VID_MPEG4},
+    {fcc("MP4V"), TAVU_MT_VID_MPEG4},
+    {fcc("h263"), TAVU_MT_VID_H263},
+    {fcc("H263"), TAVU_MT_VID_H263},
+    {fcc("d263"), TAVU_MT_VID_H263},
+    {fcc("s263"), TAVU_MT_VID_H263},
+    {fcc("avc1"), TAVU_MT_VID_H264},
+    {fcc("AVC1"), TAVU_MT_VID_H264},
+    {fcc("H264"), TAVU_MT_VID_H264},
+    {fcc("h264"), TAVU_MT_VID_H264},
+    {fcc("x264"), TAVU_MT_VID_H264},
+    {fcc("avcC"), TAVU_MT_VID_H264},
+    {fcc("wmv1"), TAVU_MT_VID_WMV1},
+    {fcc("WMV1"), TAVU_MT_VID_WMV1},
+    {fcc("wmv2"), TAVU_MT_VID_WMV2},
+    {fcc("WMV2"), TAVU_MT_VID_WMV2},
+    {fcc("wmv3"), TAVU_MT_VID_WMV3},
+    {fcc("WMV3"), TAVU_MT_VID_WMV3},
+    {fcc("DIV3"), TAVU_MT_VID_DIV3},
+    {fcc("div3"), TAVU_MT_VID_DIV3},
+    {fcc("RV10"), TAVU_MT_VID_RV10},
+    {fcc("RV20"), TAVU_MT_VID_RV20},
+    {fcc("RV30"), TAVU_MT_VID_RV30},
+    {fcc("RV40"), TAVU_MT_VID_RV40},
+    {fcc("mp43"), TAVU_MT_VID_MP43},
+    {fcc("MP43"), TAVU_MT_VID_MP43},
+    {fcc("wvc1"), TAVU_MT_VID_VC1},
+    {fcc("WVC1"), TAVU_MT_VID_VC1},
+    {fcc("VP80"), TAVU_MT_VID_VP8},
+    {fcc("hvc1"), TAVU_MT_VID_HEVC},
+    {fcc("HVC1"), TAVU_MT_VID_HEVC},
+    {fcc("H265"), TAVU_MT_VID_HEVC},
+    {fcc("h265"), TAVU_MT_VID_HEVC},
+    {fcc("x265"), TAVU_MT_VID_HEVC},
+    {fcc("hvcC"), TAVU_MT_VID_HEVC},
+    {fcc("HFYU"), TAVU_MT_VID_HFYU},
+    {fcc("SSRT"), TAVU_MT_SUB_SRT},
+    {fcc("TX3G"), TAVU_MT_SUB_TX3G},
+    {fcc("tx3g"), TAVU_MT_SUB_TX3G},
+    {fcc("SBTL"), TAVU_MT_SUB_TX3G},
+    {fcc("sbtl"), TAVU_MT_SUB_TX3G},
+    {fcc("SASS"), TAVU_MT_SUB_ASS},
+    {fcc("SSSA"), TAVU_MT_SUB_SSA},
+};
+
+constexpr int SLOT_BITS = 8;
+
+// The factor was found by trying random ones until no two names had the same slot.
+constexpr uint32_t slot(uint32_t code) { return code * 0x63F52AB9 >> (32 - SLOT_BITS); }
+
+struct Table {
+    Name slots[1 << SLOT_BITS];
+};
+
+constexpr Table make_table() {
+    Table table{};
+    for (const Name &name : NAMES) table.slots[slot(name.code)] = name;
+    return table;
 }
 
-int32_t video(uint32_t code) {
-    switch (code) {
-        // "DIV4" is MPEG-4, "DIV3" a codec of its own.
-        case fcc("m4s2"):
-        case fcc("M4S2"):
-        case fcc("dx50"):
-        case fcc("DX50"):
-        case fcc("FMP4"):
-        case fcc("DIV4"):
-        case fcc("div4"):
-        case fcc("XVID"):
-        case fcc("xvid"):
-        case fcc("DIVX"):
-        case fcc("divx"):
-        case fcc("mp4v"):
-        case fcc("MP4V"): return TAVU_MT_VID_MPEG4;
-        case fcc("h263"):
-        case fcc("H263"):
-        case fcc("d263"):
-        case fcc("s263"): return TAVU_MT_VID_H263;
-        case fcc("avc1"):
-        case fcc("AVC1"):
-        case fcc("H264"):
-        case fcc("h264"):
-        case fcc("x264"):
-        case fcc("avcC"): return TAVU_MT_VID_H264;
-        case fcc("wmv1"):
-        case fcc("WMV1"): return TAVU_MT_VID_WMV1;
-        case fcc("wmv2"):
-        case fcc("WMV2"): return TAVU_MT_VID_WMV2;
-        case fcc("wmv3"):
-        case fcc("WMV3"): return TAVU_MT_VID_WMV3;
-        case fcc("DIV3"):
-        case fcc("div3"): return TAVU_MT_VID_DIV3;
-        case fcc("RV10"): return TAVU_MT_VID_RV10;
-        case fcc("RV20"): return TAVU_MT_VID_RV20;
-        case fcc("RV30"): return TAVU_MT_VID_RV30;
-        case fcc("RV40"): return TAVU_MT_VID_RV40;
-        case fcc("mp43"):
-        case fcc("MP43"): return TAVU_MT_VID_MP43;
-        case fcc("wvc1"):
-        case fcc("WVC1"): return TAVU_MT_VID_VC1;
-        case fcc("VP80"): return TAVU_MT_VID_VP8;
-        case fcc("hvc1"):
-        case fcc("HVC1"):
-        case fcc("H265"):
-        case fcc("h265"):
-        case fcc("x265"):
-        case fcc("hvcC"): return TAVU_MT_VID_HEVC;
-        case fcc("HFYU"): return TAVU_MT_VID_HFYU;
-        default: return TAVU_MT_VID_UNKNOWN;
-    }
+constexpr Table TABLE = make_table();
+
+constexpr int32_t find(uint32_t code) {
+    const Name &name = TABLE.slots[slot(code)];
+    return name.code == code ? name.type : TAVU_MT_NONE;
 }
 
-int32_t subtitle(uint32_t code) {
-    switch (code) {
-        case fcc("SSRT"): return TAVU_MT_SUB_SRT;
-        case fcc("TX3G"):
-        case fcc("tx3g"):
-        case fcc("SBTL"):
-        case fcc("sbtl"): return TAVU_MT_SUB_TX3G;
-        case fcc("SASS"): return TAVU_MT_SUB_ASS;
-        case fcc("SSSA"): return TAVU_MT_SUB_SSA;
-        default: return TAVU_MT_SUB_UNKNOWN;
+constexpr bool finds_all() {
+    for (const Name &name : NAMES) {
+        if (find(name.code) != name.type) return false;
     }
+    return true;
 }
+static_assert(finds_all(), "two names have the same slot");
 
-int32_t drm(uint32_t code) {
-    return code == fcc("DIVX") || code == fcc("divx") ? TAVU_MT_DRM_DIVX : TAVU_MT_DRM_UNKNOWN;
+// Types from `first` up to the one that stands for all others.
+int32_t find_between(uint32_t code, int32_t first, int32_t unknown) {
+    const int32_t type = find(code);
+    return type >= first && type < unknown ? type : unknown;
 }
 
 }  // namespace
 
-int32_t tavu_fcc2mt_aud(uint32_t code) { return audio(code); }
-int32_t tavu_fcc2mt_vid(uint32_t code) { return video(code); }
-int32_t tavu_fcc2mt_sub(uint32_t code) { return subtitle(code); }
-int32_t tavu_fcc2mt_drm(uint32_t code) { return drm(code); }
-
-// DRM is never asked in effect: its two codes are video codes too.
-int32_t tavu_fcc2mt(uint32_t code) {
-    if (const int32_t mt = audio(code); mt != TAVU_MT_AUD_UNKNOWN) return mt;
-    if (const int32_t mt = video(code); mt != TAVU_MT_VID_UNKNOWN) return mt;
-    if (const int32_t mt = subtitle(code); mt != TAVU_MT_SUB_UNKNOWN) return mt;
-    if (const int32_t mt = drm(code); mt != TAVU_MT_DRM_UNKNOWN) return mt;
-    return TAVU_MT_NONE;
+int32_t tavu_fcc2mt_aud(uint32_t code) {
+    return find_between(code, TAVU_MT_AUD_PCM, TAVU_MT_AUD_UNKNOWN);
 }
+
+int32_t tavu_fcc2mt_vid(uint32_t code) {
+    return find_between(code, TAVU_MT_VID_MPEG4, TAVU_MT_VID_UNKNOWN);
+}
+
+int32_t tavu_fcc2mt_sub(uint32_t code) {
+    return find_between(code, TAVU_MT_SUB_SRT, TAVU_MT_SUB_UNKNOWN);
+}
+
+int32_t tavu_fcc2mt_drm(uint32_t code) {
+    return code == fcc("DIVX") || code == fcc("divx") ? TAVU_MT_DRM_DIVX : TAVU_MT_DRM_UNKNOWN;
+}
+
+// DRM is not asked: its two codes are video codes too.
+int32_t tavu_fcc2mt(uint32_t code) { return find(code); }

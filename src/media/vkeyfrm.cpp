@@ -1,12 +1,15 @@
 // Key-frame detection: one forward pass that stops at the first deciding start code.
+#include "media/start_code.h"
+#include "simd/kernel.h"
 #include "tavu.h"
 
+namespace tavu {
 namespace {
 
-// 00 00 and the 22-bit picture start code of H.263 (ITU-T H.263, 5.1.1).
-bool is_h263_start(const uint8_t *p) { return p[0] == 0 && p[1] == 0 && p[2] >> 2 == 0x20; }
-
-bool is_start_code(const uint8_t *p) { return p[0] == 0 && p[1] == 0 && p[2] == 1; }
+// Where positions end at which a unit holds `needed` bytes at least.
+const uint8_t *positions_end(const uint8_t *unit, int32_t size, int32_t needed) {
+    return size >= needed ? unit + (size - needed + 1) : unit;
+}
 
 // The fields of a picture header's PTYPE that decide.
 bool h263_marker_ok(const uint8_t *p) { return (p[3] & 3) == 2; }
@@ -17,12 +20,13 @@ constexpr int EXTENDED_PTYPE = 7;
 
 bool mpeg4(const uint8_t *p, int32_t size) {
     constexpr uint8_t VOP_START = 0xB6;
-    for (; size > 4; p++, size--) {
-        if (is_h263_start(p)) {  // short header
+    const uint8_t *const end = positions_end(p, size, 5);
+    for (; (p = find_start<Either<Prefix, H263Picture>>(p, end)) < end; p++) {
+        if (is_start<H263Picture>(p)) {  // short header
             if (!h263_marker_ok(p)) return false;
             // Unlike in an H.263 stream, an extended type here is no picture: the scan goes on.
             if (h263_source_format(p) != EXTENDED_PTYPE) return h263_is_intra(p);
-        } else if (is_start_code(p) && p[3] == VOP_START) {
+        } else if (p[3] == VOP_START) {
             return p[4] >> 6 == 0;
         }
     }
@@ -30,22 +34,20 @@ bool mpeg4(const uint8_t *p, int32_t size) {
 }
 
 bool h263(const uint8_t *p, int32_t size) {
-    for (; size > 6; p++, size--) {
-        if (!is_h263_start(p)) continue;
-        if (!h263_marker_ok(p)) return false;
-        if (h263_source_format(p) != EXTENDED_PTYPE) return h263_is_intra(p);
-        const int update_indicator = (p[4] & 3) << 1 | p[5] >> 7;
-        // With the optional part present the picture type lies 18 bits later, at worst one byte
-        // beyond the unit.
-        return update_indicator == 1 ? (p[7] & 0x1C) == 0 : (p[5] & 0x70) == 0;
-    }
-    return false;
+    const uint8_t *const end = positions_end(p, size, 7);
+    p = find_start<H263Picture>(p, end);
+    if (p == end || !h263_marker_ok(p)) return false;
+    if (h263_source_format(p) != EXTENDED_PTYPE) return h263_is_intra(p);
+    const int update_indicator = (p[4] & 3) << 1 | p[5] >> 7;
+    // With the optional part present the picture type lies 18 bits later, at worst one byte
+    // beyond the unit.
+    return update_indicator == 1 ? (p[7] & 0x1C) == 0 : (p[5] & 0x70) == 0;
 }
 
 bool h264(const uint8_t *p, int32_t size) {
     constexpr int NON_IDR_SLICE = 1, IDR_SLICE = 5;
-    for (; size > 3; p++, size--) {
-        if (!is_start_code(p)) continue;
+    const uint8_t *const end = positions_end(p, size, 4);
+    for (; (p = find_start<Prefix>(p, end)) < end; p++) {
         const int nal_type = p[3] & 0x1F;
         if (nal_type == IDR_SLICE) return true;
         if (nal_type == NON_IDR_SLICE) return false;
@@ -56,17 +58,19 @@ bool h264(const uint8_t *p, int32_t size) {
 // The first NAL unit decides, even if it is a parameter set; callers rely on it.
 bool hevc(const uint8_t *p, int32_t size) {
     constexpr int IDR_W_RADL = 19, IDR_N_LP = 20;
-    for (; size > 3; p++, size--) {
-        if (!is_start_code(p)) continue;
-        const int nal_type = p[3] >> 1 & 0x3F;
-        return nal_type == IDR_W_RADL || nal_type == IDR_N_LP;
-    }
-    return false;
+    const uint8_t *const end = positions_end(p, size, 4);
+    p = find_start<Prefix>(p, end);
+    if (p == end) return false;
+    const int nal_type = p[3] >> 1 & 0x3F;
+    return nal_type == IDR_W_RADL || nal_type == IDR_N_LP;
 }
 
 }  // namespace
+}  // namespace tavu
 
-int32_t tavu_is_vkeyfrm(int32_t codec, const void *data, int32_t size) {
+using namespace tavu;
+
+TAVU_KERNEL(int32_t, tavu_is_vkeyfrm, (int32_t codec, const void *data, int32_t size)) {
     const auto *p = static_cast<const uint8_t *>(data);
     switch (codec) {
         case TAVU_MT_VID_MPEG4: return mpeg4(p, size);

@@ -4,6 +4,7 @@
 
 #include <immintrin.h>
 
+#include <cstddef>
 #include <cstring>
 
 namespace tavu {

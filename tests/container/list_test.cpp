@@ -144,4 +144,13 @@ TEST(List, SurvivesFailingAllocations) {
     tavu_list_delete(nullptr);
 }
 
+TEST(List, CopiesElementsOfEverySize) {
+    for (uint32_t size = 0; size < 40; size++) {
+        const List list(tavu_list_create(size, nullptr), tavu_list_delete);
+        GuardedBytes element(random_bytes(size, size));
+        const void *copy = tavu_list_add(list.get(), element.data());
+        EXPECT_EQ(memcmp(copy, element.data(), size), 0) << size;
+    }
+}
+
 }  // namespace

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <initializer_list>
 
 #include "memory.h"
@@ -94,6 +95,48 @@ TEST(Vkeyfrm, CodecsThatAreAlwaysOrNeverKeys) {
     const Bytes idr{0, 0, 1, 0x65, 0};
     for (int32_t codec : {107, 113, 114, 115, 116, 117, 118, 119, 299, 0, -1, 306}) {
         EXPECT_EQ(is_key(codec, idr), 0) << codec;
+    }
+}
+
+// Before an unreadable page, in bytes that almost are start codes.
+TEST(Vkeyfrm, FindsCodesAtEveryPositionAndOnlyWhole) {
+    struct {
+        int32_t codec;
+        Bytes code;
+    } const codes[] = {{TAVU_MT_VID_H264, {0, 0, 1, 0x65}},
+                       {TAVU_MT_VID_HEVC, {0, 0, 1, 0x26}},
+                       {TAVU_MT_VID_MPEG4, {0, 0, 1, 0xB6, 0x10}},
+                       {TAVU_MT_VID_MPEG4, {0, 0, 0x83, 2, 0x08}},
+                       {TAVU_MT_VID_H263, {0, 0, 0x80, 2, 0x08, 0, 0}}};
+    for (const auto &[codec, code] : codes) {
+        for (const Bytes &between : {Bytes{0}, {0, 0, 2}, {0, 0, 0x84}, {0, 1, 0x80}, {0xFF}}) {
+            for (const size_t size : {3, 7, 8, 63, 64, 70, 130, 267}) {
+                for (size_t at = 0; at < size; at++) {
+                    Bytes unit(size);
+                    for (size_t i = 0; i < size; i++) unit[i] = between[i % between.size()];
+                    const bool whole = at + code.size() <= size;
+                    std::copy_n(code.begin(), std::min(code.size(), size - at), &unit[at]);
+                    GuardedBytes guarded(unit);
+                    ASSERT_EQ(tavu_is_vkeyfrm(codec, guarded.data(), static_cast<int32_t>(size)),
+                              whole)
+                        << codec << ' ' << at << " of " << size;
+                }
+            }
+        }
+    }
+}
+
+// Codes of other kinds, close together and far apart, are passed over one by one.
+TEST(Vkeyfrm, PassesOverManyCodesThatDoNotDecide) {
+    for (size_t distance = 4; distance < 150; distance++) {
+        Bytes unit(12 * distance + 4, 9);
+        for (size_t at = 0; at < unit.size(); at += distance) unit[at] = unit[at + 1] = 0;
+        for (size_t at = 2; at < unit.size(); at += distance) unit[at] = 1;
+        EXPECT_EQ(is_key(TAVU_MT_VID_H264, unit), 0);
+        unit[11 * distance + 3] = 0x65;
+        EXPECT_EQ(is_key(TAVU_MT_VID_H264, unit), 1);
+        unit[10 * distance + 3] = 0x41;
+        EXPECT_EQ(is_key(TAVU_MT_VID_H264, unit), 0);
     }
 }
 

@@ -1,0 +1,15 @@
+// Sides of a row are timed only if they agree.
+#ifndef TAVU_BENCH_REQUIRE_H
+#define TAVU_BENCH_REQUIRE_H
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+inline void require(bool same, const std::string &row) {
+    if (same) return;
+    std::fprintf(stderr, "%s: the sides differ\n", row.c_str());
+    std::exit(1);
+}
+
+#endif

@@ -1,0 +1,19 @@
+// Links with bytes of a caller's size right behind them, in one allocation.
+#ifndef TAVU_CONTAINER_LINKS_H
+#define TAVU_CONTAINER_LINKS_H
+
+#include <cstdint>
+#include <cstdlib>
+
+namespace tavu {
+
+// Null when memory is short or the sum of both sizes wraps.
+template <class Links>
+Links *allocate_links(uint32_t size) {
+    const size_t bytes = sizeof(Links) + size;
+    return bytes < size ? nullptr : static_cast<Links *>(malloc(bytes));
+}
+
+}  // namespace tavu
+
+#endif

@@ -1,0 +1,53 @@
+// Runs of bytes whose length the compiler knows, at any address: no call, and as few instructions
+// as the processor has registers for. A compiler expands memcpy and memset as well only on x86-64.
+#ifndef TAVU_CORE_CHUNK_H
+#define TAVU_CORE_CHUNK_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace tavu {
+namespace {
+
+using Chunk16 = uint8_t __attribute__((vector_size(16), aligned(1), may_alias));
+using Chunk8 = uint8_t __attribute__((vector_size(8), aligned(1), may_alias));
+
+template <class Chunk>
+Chunk *chunk_at(uint8_t *p) {
+    return reinterpret_cast<Chunk *>(p);
+}
+
+template <class Chunk>
+const Chunk *chunk_at(const uint8_t *p) {
+    return reinterpret_cast<const Chunk *>(p);
+}
+
+template <size_t Bytes>
+inline void copy_chunk(uint8_t *dst, const uint8_t *src) {
+    if constexpr (Bytes >= 16) {
+        *chunk_at<Chunk16>(dst) = *chunk_at<Chunk16>(src);
+        copy_chunk<Bytes - 16>(dst + 16, src + 16);
+    } else if constexpr (Bytes >= 8) {
+        *chunk_at<Chunk8>(dst) = *chunk_at<Chunk8>(src);
+        copy_chunk<Bytes - 8>(dst + 8, src + 8);
+    } else {
+        memcpy(dst, src, Bytes);
+    }
+}
+
+// A multiple of 8 bytes.
+template <size_t Bytes>
+inline void fill_chunk(uint8_t *dst, uint8_t value) {
+    if constexpr (Bytes >= 16) {
+        *chunk_at<Chunk16>(dst) = Chunk16{} + value;
+        fill_chunk<Bytes - 16>(dst + 16, value);
+    } else if constexpr (Bytes == 8) {
+        *chunk_at<Chunk8>(dst) = Chunk8{} + value;
+    }
+}
+
+}  // namespace
+}  // namespace tavu
+
+#endif

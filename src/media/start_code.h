@@ -1,0 +1,95 @@
+// Start codes: two zero bytes and a third one of a kind.
+#ifndef TAVU_MEDIA_START_CODE_H
+#define TAVU_MEDIA_START_CODE_H
+
+#include <cstdint>
+
+#include "simd/scan.h"
+
+namespace tavu {
+namespace {
+
+// A kind of third byte: rest() is 0 for it alone, of a byte and of each lane of a register.
+
+// 00 00 01
+struct Prefix {
+    template <class Byte>
+    static Byte rest(Byte third) {
+        return third ^ 1;
+    }
+};
+
+// 00 00 and the 22-bit picture start code of H.263 (ITU-T H.263, 5.1.1).
+struct H263Picture {
+    template <class Byte>
+    static Byte rest(Byte third) {
+        return (third & 0xFC) ^ 0x80;
+    }
+};
+
+inline uint8_t lesser(uint8_t a, uint8_t b) { return a < b ? a : b; }
+
+template <class Kind, class OtherKind>
+struct Either {
+    template <class Byte>
+    static Byte rest(Byte third) {
+        return lesser(Kind::rest(third), OtherKind::rest(third));
+    }
+};
+
+template <class Kind>
+bool is_start(const uint8_t *p) {
+    return p[0] == 0 && p[1] == 0 && Kind::rest(p[2]) == 0;
+}
+
+#if TAVU_VEC
+
+// Looks at Vectors * LANES positions from `*p` on: moves behind them, or to the first start and says
+// so. Every position costs the same, whatever the bytes: none but a start leads to a branch.
+template <class Kind, int Vectors>
+TAVU_VEC_INLINE bool find_in_block(const uint8_t **p) {
+    const uint8_t *first = *p, *second = first + 1, *third = first + 2;
+    U8 rest[Vectors], least;
+#pragma GCC unroll 4
+    for (int i = 0; i < Vectors; i++) {
+        const U8 zeros = load(first) | load(second);
+        rest[i] = zeros | Kind::rest(load(third));
+        least = i == 0 ? rest[0] : lesser(least, rest[i]);
+    }
+    if (!zero_lanes(least)) {
+        *p = first;
+        return false;
+    }
+#pragma GCC unroll 4
+    for (const U8 &r : rest) {
+        if (const ZeroLanes z = zero_lanes(r)) {
+            *p += first_lane(z);
+            break;
+        }
+        *p += LANES;
+    }
+    return true;
+}
+
+#endif
+
+// The first of the positions from `p` to `end` where a start code stands, or `end`. Reads up to end[1],
+// what the last position's code spans.
+template <class Kind>
+const uint8_t *find_start(const uint8_t *p, const uint8_t *end) {
+#if TAVU_VEC
+    while (end - p >= 4 * LANES) {
+        if (find_in_block<Kind, 4>(&p)) return p;
+    }
+    while (end - p >= LANES) {
+        if (find_in_block<Kind, 1>(&p)) return p;
+    }
+#endif
+    while (p < end && !is_start<Kind>(p)) p++;
+    return p;
+}
+
+}  // namespace
+}  // namespace tavu
+
+#endif
