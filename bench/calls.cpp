@@ -49,10 +49,28 @@ void count_metrics() {
     count_area("ssd 16x16", tavu_ssd, 16);
 }
 
+uint8_t source[1280 * 720 * 4], target[1280 * 720 * 4];
+
+void count_resize(const std::string &name, tavu_irsz_full_t *resize, int32_t bytes, int32_t src_w,
+                  int32_t src_h, int32_t dst_w, int32_t dst_h) {
+    int32_t step_x, step_y;
+    bilinear_rsz_step_size(src_w, src_h, dst_w, dst_h, &step_x, &step_y);
+    count(name + " per target pixel", dst_w * dst_h, [&] {
+        resize(source, src_w * bytes, dst_w, dst_h, dst_w * bytes, target, step_x, step_y);
+    });
+}
+
+void count_resizes() {
+    count_resize("resize 1 byte to half", tavu_irsz8b_full, 1, 640, 360, 320, 180);
+    count_resize("resize 1 byte 1.5x up", tavu_irsz8b_full, 1, 320, 180, 480, 270);
+    count_resize("resize 4 bytes 1.5x down", tavu_irsz8b8b8b8b_full, 4, 480, 270, 320, 180);
+}
+
 }  // namespace
 
 int main() {
     count_conversions();
     count_metrics();
+    count_resizes();
     return 0;
 }

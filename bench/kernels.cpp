@@ -1,5 +1,6 @@
 #include "kernels.h"
 
+#include "csc_model.h"
 #include "imgp/csc_to_565_model.h"
 #include "imgp/csc_to_packed_model.h"
 #include "imgp/csc_to_yuv_model.h"
@@ -8,21 +9,9 @@ namespace {
 
 using namespace tavu;
 
-// A model as an exported routine: its function on the record of arguments.
-template <void (*Convert)(const Csc &)>
-void model(uint8_t *const src[4], int32_t src_w, int32_t src_h, const int32_t src_stride[4],
-           int32_t, uint8_t *const dst[4], int32_t dst_w, int32_t dst_h,
-           const int32_t dst_stride[4], int32_t dst_cs) {
-    Convert({src, src_w, src_h, src_stride, dst, dst_w, dst_h, dst_stride, dst_cs});
-}
-
-}  // namespace
-
-namespace {
-
 template <class Space, int Bytes, bool AlphaPlane = false>
 CscKernel packed(const char *name, const CscVariants &variants) {
-    constexpr auto run = model<to_packed<Packed<Space, Bytes, AlphaPlane>>>;
+    constexpr auto run = csc_model<to_packed<Packed<Space, Bytes, AlphaPlane>>>;
     using Codes = std::vector<int32_t>;
     const Codes codes = Bytes == 3 ? Codes{400, 401} : Codes{500, 501};
     return {name, run, variants, AlphaPlane ? 4 : 3, 1, {Bytes}, codes};
@@ -30,14 +19,14 @@ CscKernel packed(const char *name, const CscVariants &variants) {
 
 template <class Space, Alpha alpha = Alpha::NONE>
 CscKernel units(const char *name, const CscVariants &variants) {
-    constexpr auto run = model<to_565<To565<Space, alpha>>>;
+    constexpr auto run = csc_model<to_565<To565<Space, alpha>>>;
     const auto planes = alpha == Alpha::NONE ? std::vector<int>{2} : std::vector<int>{2, 1};
     return {name, run, variants, alpha == Alpha::PLANE ? 4 : 3, 1, planes, {200}};
 }
 
 template <int Step>
 CscKernel to_planes(const char *name, const CscVariants &variants) {
-    constexpr auto run = model<to_yuv<Step>>;
+    constexpr auto run = csc_model<to_yuv<Step>>;
     return {name, run, variants, Step, Step, std::vector<int>(Step, 1), {13}};
 }
 

@@ -3,6 +3,7 @@
 int main(int argc, char **argv) {
     add_csc_rows();
     add_metric_rows();
+    add_resize_rows();
     add_memory_rows();
     add_stream_rows();
     add_text_rows();

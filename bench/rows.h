@@ -26,6 +26,7 @@ void add_side(const std::string &row, const std::string &who, Call call) {
 // The families, one file each.
 void add_csc_rows();
 void add_metric_rows();
+void add_resize_rows();
 void add_memory_rows();
 void add_stream_rows();
 void add_text_rows();

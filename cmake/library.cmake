@@ -21,8 +21,6 @@ set(TAVU_SOURCES
   src/media/fcc2mt.cpp
   src/media/md5.cpp
   src/imgp/irsz.cpp
-  src/imgp/irsz_kernels.cpp
-  src/imgp/csc_rsz.cpp
   src/imgp/lookup.cpp
   src/container/list.cpp
   src/container/rbuf.cpp
@@ -36,7 +34,9 @@ set(TAVU_WIDE_SOURCES
   src/imgp/csc_to_565.cpp
   src/imgp/csc_to_packed.cpp
   src/imgp/csc_to_yuv.cpp
-  src/media/vkeyfrm.cpp)
+  src/media/vkeyfrm.cpp
+  src/imgp/csc_rsz.cpp
+  src/imgp/irsz_kernels.cpp)
 
 # Kernels that gain once more from registers of 64 bytes: for level v4 too.
 set(TAVU_WIDEST_SOURCES

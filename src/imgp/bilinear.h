@@ -9,6 +9,7 @@
 #include "core/integer.h"
 
 namespace tavu {
+namespace {
 
 constexpr int POSITION_BITS = 18;
 
@@ -42,6 +43,7 @@ inline Step step_for(int32_t src, int32_t dst) {
     return {divide(wrap_shift_left((src - 1) >> shift, POSITION_BITS), dst), shift};
 }
 
+}  // namespace
 }  // namespace tavu
 
 #endif

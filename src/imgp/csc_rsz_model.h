@@ -19,7 +19,7 @@ namespace {
 constexpr uint8_t CSC_RSZ_WEIGHTS[256] = {TAVU_WEIGHTS};
 
 // One source plane at one target row.
-struct Rows {
+struct PlaneRows {
     const uint8_t *top, *bottom;
 
     uint8_t interpolate(int32_t left, int32_t right, const uint8_t *w) const {
@@ -37,13 +37,15 @@ Rgb convert_pixel(const uint8_t (&c)[4], bool in_group) {
     return Space::rgb(c[0], c[1], c[2]);
 }
 
-// Bytes: of a target pixel; the fourth is plane 3 if AlphaPlane, else 255.
+// Target pixels from `first` on. Bytes: of a target pixel; the fourth is plane 3 if AlphaPlane,
+// else 255.
 template <class Space, int Bytes, bool AlphaPlane>
-void convert_resize_row(const Rows *planes, const uint8_t *weights, Step step, int32_t width,
-                        uint8_t *out) {
+void convert_resize_row(const PlaneRows *planes, const uint8_t *weights, Step step, int32_t first,
+                        int32_t width, uint8_t *out) {
     const int32_t grouped = width & ~7;
-    int32_t x = 0;
-    for (int32_t i = 0; i < width; i++, x = wrap_add(x, step.step), out += Bytes) {
+    out += static_cast<ptrdiff_t>(first) * Bytes;
+    for (int32_t i = first; i < width; i++, out += Bytes) {
+        const int32_t x = wrap_multiply(i, step.step);
         const int32_t left = step.sample(x), right = left + step.next();
         uint8_t c[4] = {0, 0, 0, 255};
         for (int p = 0; p < (AlphaPlane ? 4 : 3); p++) {
@@ -57,20 +59,25 @@ void convert_resize_row(const Rows *planes, const uint8_t *weights, Step step, i
     }
 }
 
-template <class Space, int Bytes, bool AlphaPlane = false>
-void convert_resize(const Csc &c) {
+template <class Space, int Bytes, bool AlphaPlane>
+void convert_resize_from(const Csc &c, int32_t first) {
     const Step step_x = step_for(c.src_w, c.dst_w);
     const Step step_y = step_for(c.src_h, c.dst_h);
     int32_t y = 0;
     for (int32_t j = 0; j < c.dst_h; j++, y = wrap_add(y, step_y.step)) {
-        Rows planes[4] = {};
+        PlaneRows planes[4] = {};
         for (int p = 0; p < (AlphaPlane ? 4 : 3); p++) {
             const int32_t row = step_y.sample(y);
             planes[p] = {c.src_row(p, row), c.src_row(p, row + step_y.next())};
         }
         convert_resize_row<Space, Bytes, AlphaPlane>(planes, CSC_RSZ_WEIGHTS + weight_row(y),
-                                                     step_x, c.dst_w, c.dst_row(0, j));
+                                                     step_x, first, c.dst_w, c.dst_row(0, j));
     }
+}
+
+template <class Space, int Bytes, bool AlphaPlane = false>
+void convert_resize(const Csc &c) {
+    convert_resize_from<Space, Bytes, AlphaPlane>(c, 0);
 }
 
 }  // namespace

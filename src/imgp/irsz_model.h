@@ -74,32 +74,43 @@ struct Rgb565 {
     }
 };
 
-// One target row. `next` is the distance to the right-hand neighbour in pixels.
-template <class Pixel>
-void resize_line(const uint8_t *top, const uint8_t *bottom, const uint8_t *weights, int32_t dst_w,
-                 Step step, int32_t next, uint8_t *out) {
-    const ptrdiff_t right = step.step == 0 ? 0 : static_cast<ptrdiff_t>(next) * Pixel::SRC;
-    int32_t x = 0;
-    for (int32_t i = 0; i < dst_w; i++, x = wrap_add(x, step.step), out += Pixel::DST) {
-        const ptrdiff_t left = static_cast<ptrdiff_t>(step.sample(x)) * Pixel::SRC;
-        Pixel::store({top + left, top + left + right, bottom + left, bottom + left + right,
-                      weights + weight_column(x)},
-                     out);
-    }
-}
+// The arguments of a whole-image kernel.
+struct Image {
+    const uint8_t *src;
+    int32_t src_line;
+    int32_t dst_w, dst_h, dst_line;
+    uint8_t *dst;
+    Step x, y;
+};
 
 template <class Pixel>
-void resize_full(const uint8_t *src, int32_t src_line, int32_t dst_w, int32_t dst_h,
-                 int32_t dst_line, uint8_t *dst, Step x, Step y, const uint8_t *weights) {
-    const ptrdiff_t src_stride = static_cast<ptrdiff_t>(src_line) * Pixel::LINE_UNIT;
-    const ptrdiff_t dst_stride = static_cast<ptrdiff_t>(dst_line) * Pixel::LINE_UNIT;
-    int32_t pos = 0;
-    for (int32_t j = 0; j < dst_h; j++, pos = wrap_add(pos, y.step), dst += dst_stride) {
-        const uint8_t *top = src + y.sample(pos) * src_stride;
-        resize_line<Pixel>(top, top + y.next() * src_stride, weights + weight_row(pos), dst_w, x,
-                           1 << x.shift, dst);
+struct ModelResize {
+    // One target row. `next` is the distance to the right-hand neighbour in pixels.
+    static void line(const uint8_t *top, const uint8_t *bottom, const uint8_t *weights,
+                     int32_t dst_w, Step step, int32_t next, uint8_t *out) {
+        const ptrdiff_t right = step.step == 0 ? 0 : static_cast<ptrdiff_t>(next) * Pixel::SRC;
+        int32_t x = 0;
+        for (int32_t i = 0; i < dst_w; i++, x = wrap_add(x, step.step), out += Pixel::DST) {
+            const ptrdiff_t left = static_cast<ptrdiff_t>(step.sample(x)) * Pixel::SRC;
+            Pixel::store({top + left, top + left + right, bottom + left, bottom + left + right,
+                          weights + weight_column(x)},
+                         out);
+        }
     }
-}
+
+    static void full(const Image &image, const uint8_t *weights) {
+        const ptrdiff_t src_stride = static_cast<ptrdiff_t>(image.src_line) * Pixel::LINE_UNIT;
+        const ptrdiff_t dst_stride = static_cast<ptrdiff_t>(image.dst_line) * Pixel::LINE_UNIT;
+        uint8_t *dst = image.dst;
+        int32_t y = 0;
+        for (int32_t j = 0; j < image.dst_h; j++, dst += dst_stride) {
+            const uint8_t *top = image.src + image.y.sample(y) * src_stride;
+            line(top, top + image.y.next() * src_stride, weights + weight_row(y), image.dst_w,
+                 image.x, 1 << image.x.shift, dst);
+            y = wrap_add(y, image.y.step);
+        }
+    }
+};
 
 }  // namespace
 }  // namespace tavu

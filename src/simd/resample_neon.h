@@ -1,0 +1,168 @@
+// Bilinear resampling on NEON, 32-bit and 64-bit. The operations are told in resample.h.
+#ifndef TAVU_SIMD_RESAMPLE_NEON_H
+#define TAVU_SIMD_RESAMPLE_NEON_H
+
+#include <arm_neon.h>
+
+#include <type_traits>
+
+namespace tavu {
+namespace {
+
+TAVU_VEC_INLINE U16x8 narrow32(I32x4 x, I32x4 y) {
+    return vreinterpretq_u16_s16(vcombine_s16(vmovn_s32(x), vmovn_s32(y)));
+}
+
+TAVU_VEC_INLINE void store_halves(uint8_t *p, U16x8 low, U16x8 high) {
+    vst1_u8(p, vmovn_u16(low));
+    vst1_u8(p + 8, vmovn_u16(high));
+}
+
+// Table look-ups reach two windows and yield 0 for indices beyond; left samples stand in the lower
+// halves, right ones in the upper.
+template <int Windows>
+struct Taps {
+    static constexpr int MASKS = (Windows + 1) / 2;
+    uint8_t mask[MASKS][LANES];
+    uint8_t weight[LANES];
+    int32_t offset[1];
+};
+
+template <int Windows>
+TAVU_VEC_INLINE void set_taps(Taps<Windows> &taps, int, U16x8 left, U16x8 right) {
+    for (int m = 0; m < Taps<Windows>::MASKS; m++) {
+        const auto first = static_cast<uint16_t>(2 * WINDOW * m);
+        store_halves(taps.mask[m], left - first, right - first);
+    }
+}
+
+TAVU_VEC_INLINE void set_weights(uint8_t *p, U16x8 a) { store_halves(p, 8 - a, a); }
+
+#if defined(__arm__)
+
+// In assembly, for compilers move the halves of registers about.
+
+TAVU_VEC_INLINE U8 load_at(const uint8_t *p) {
+    U8 v;
+    __asm__("vld1.8 {%e0, %f0}, [%1]"
+            : "=w"(v)
+            : "r"(p), "m"(*reinterpret_cast<const uint8_t(*)[LANES]>(p)));
+    return v;
+}
+
+TAVU_VEC_INLINE U8 look_up(const uint8_t *p, U8 mask, std::integral_constant<int, 1>) {
+    const U8 window = load_at(p);
+    U8 v;
+    __asm__("vtbl.8 %e0, {%e1, %f1}, %e2\n\tvtbl.8 %f0, {%e1, %f1}, %f2"
+            : "=&w"(v)
+            : "w"(window), "w"(mask));
+    return v;
+}
+
+TAVU_VEC_INLINE U8 look_up(const uint8_t *p, U8 mask, std::integral_constant<int, 2>) {
+    U8 v;
+    __asm__(
+        "vld1.8 {d0, d1, d2, d3}, [%1]\n\t"
+        "vtbl.8 %e0, {d0, d1, d2, d3}, %e2\n\tvtbl.8 %f0, {d0, d1, d2, d3}, %f2"
+        : "=&w"(v)
+        : "r"(p), "w"(mask), "m"(*reinterpret_cast<const uint8_t(*)[2 * LANES]>(p))
+        : "q0", "q1");
+    return v;
+}
+
+// Weighs LANES pairs of bytes that stand side by side; p moves on.
+TAVU_VEC_INLINE UWide weigh_pairs(const uint8_t *&p, U8 w0, U8 w1) {
+    UWide sums;
+    __asm__(
+        "vld2.8 {d0, d1, d2, d3}, [%2]!\n\t"
+        "vmull.u8 %q0, d0, %e3\n\tvmull.u8 %q1, d1, %e4\n\t"
+        "vmlal.u8 %q0, d2, %f3\n\tvmlal.u8 %q1, d3, %f4"
+        : "=&w"(sums.lo), "=&w"(sums.hi), "+r"(p)
+        : "w"(w0), "w"(w1), "m"(*reinterpret_cast<const uint8_t(*)[2 * LANES]>(p))
+        : "q0", "q1");
+    return sums;
+}
+
+TAVU_VEC_INLINE U8 narrow6(UWide w) {
+    U8 v;
+    __asm__("vshrn.i16 %e0, %q1, #6\n\tvshrn.i16 %f0, %q2, #6" : "=&w"(v) : "w"(w.lo), "w"(w.hi));
+    return v;
+}
+
+#else
+
+TAVU_VEC_INLINE U8 load_at(const uint8_t *p) { return vld1q_u8(p); }
+
+TAVU_VEC_INLINE U8 look_up(const uint8_t *p, U8 mask, std::integral_constant<int, 1>) {
+    return vqtbl1q_u8(vld1q_u8(p), mask);
+}
+
+TAVU_VEC_INLINE U8 look_up(const uint8_t *p, U8 mask, std::integral_constant<int, 2>) {
+    return vqtbl2q_u8(uint8x16x2_t{{vld1q_u8(p), vld1q_u8(p + 16)}}, mask);
+}
+
+TAVU_VEC_INLINE UWide weigh_pairs(const uint8_t *&p, U8 w0, U8 w1) {
+    const uint8x16x2_t v = vld2q_u8(p);
+    p += 2 * LANES;
+    return {vmlal_u8(vmull_u8(vget_low_u8(v.val[0]), vget_low_u8(w0)), vget_low_u8(v.val[1]),
+                     vget_high_u8(w0)),
+            vmlal_u8(vmull_u8(vget_high_u8(v.val[0]), vget_low_u8(w1)), vget_high_u8(v.val[1]),
+                     vget_high_u8(w1))};
+}
+
+TAVU_VEC_INLINE U8 narrow6(UWide w) { return vshrn_high_n_u16(vshrn_n_u16(w.lo, 6), w.hi, 6); }
+
+#endif
+
+template <int Windows>
+struct LoadedTaps {
+    U8 mask[Taps<Windows>::MASKS], weight;
+    int32_t offset;
+};
+
+template <int Windows>
+TAVU_VEC_INLINE LoadedTaps<Windows> load_taps(const Taps<Windows> &taps) {
+    LoadedTaps<Windows> loaded;
+    for (int m = 0; m < Taps<Windows>::MASKS; m++) loaded.mask[m] = load_at(taps.mask[m]);
+    loaded.weight = load_at(taps.weight);
+    loaded.offset = taps.offset[0];
+    return loaded;
+}
+
+template <int Windows>
+TAVU_VEC_INLINE U16 weigh(const uint8_t *row, const LoadedTaps<Windows> &taps) {
+    constexpr std::integral_constant<int, (Windows < 2 ? 1 : 2)> each;
+    const uint8_t *p = row + taps.offset;
+    U8 pairs = look_up(p, taps.mask[0], each);
+    if constexpr (Windows > 2) pairs |= look_up(p + 2 * WINDOW, taps.mask[1], each);
+    return vmlal_u8(vmull_u8(vget_low_u8(pairs), vget_low_u8(taps.weight)), vget_high_u8(pairs),
+                    vget_high_u8(taps.weight));
+}
+
+TAVU_VEC_INLINE U16 mix(U16 x, U16 y, uint16_t weight_x, uint16_t weight_y) {
+    return vmlaq_u16(vmulq_u16(x, vdupq_n_u16(weight_x)), y, vdupq_n_u16(weight_y));
+}
+
+TAVU_VEC_INLINE UWide halve(const uint8_t *&top, const uint8_t *&bottom, U8 w0, U8 w1, uint16_t b) {
+    const UWide upper = weigh_pairs(top, w0, w1), lower = weigh_pairs(bottom, w0, w1);
+    const auto rest = static_cast<uint16_t>(8 - b);
+    return {mix(upper.lo, lower.lo, rest, b), mix(upper.hi, lower.hi, rest, b)};
+}
+
+// Hardware follows rows by itself.
+TAVU_VEC_INLINE void prefetch(const uint8_t *) {}
+
+TAVU_VEC_INLINE I16 round_shift8(I16 v) { return vrshrq_n_s16(v, 8); }
+
+TAVU_VEC_INLINE U16 load16(const uint16_t *p) {
+    return vreinterpretq_u16_u8(load_at(reinterpret_cast<const uint8_t *>(p)));
+}
+
+TAVU_VEC_INLINE void store16(uint16_t *p, U16 v) {
+    vst1q_u8(reinterpret_cast<uint8_t *>(p), vreinterpretq_u8_u16(v));
+}
+
+}  // namespace
+}  // namespace tavu
+
+#endif

@@ -1,0 +1,123 @@
+// Bilinear resampling on x86-64. The operations are told in resample.h.
+#ifndef TAVU_SIMD_RESAMPLE_X86_H
+#define TAVU_SIMD_RESAMPLE_X86_H
+
+#include <immintrin.h>
+
+namespace tavu {
+namespace {
+
+#if defined(__AVX2__)
+#define TAVU_MM(op) _mm256_##op
+#else
+#define TAVU_MM(op) _mm_##op
+#endif
+
+TAVU_VEC_INLINE U16x8 narrow32(I32x4 x, I32x4 y) {
+    return as<U16x8>(_mm_packus_epi32(as<__m128i>(x & 0xFFFF), as<__m128i>(y & 0xFFFF)));
+}
+
+// One shuffle brings the samples of a window side by side. Those of other windows become 0, for
+// their indices have the upper bit set: from 16 on by the sum, below 0 by its saturation.
+template <int Windows>
+struct Taps {
+    uint8_t mask[Windows][LANES];
+    uint8_t weight[LANES];
+    int32_t offset[LANES / 16];
+};
+
+template <int Windows>
+TAVU_VEC_INLINE void set_taps(Taps<Windows> &taps, int group, U16x8 left, U16x8 right) {
+    const __m128i pairs = as<__m128i>((left & 0xFF) | right << 8);
+    for (int w = 0; w < Windows; w++) {
+        const __m128i index = _mm_sub_epi8(pairs, _mm_set1_epi8(static_cast<char>(w * WINDOW)));
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(taps.mask[w] + 16 * group),
+                         _mm_adds_epu8(index, _mm_set1_epi8(0x70)));
+    }
+}
+
+TAVU_VEC_INLINE void set_weights(uint8_t *p, U16x8 a) {
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(p), as<__m128i>((8 - a) | a << 8));
+}
+
+// A window for every group.
+TAVU_VEC_INLINE Register load_windows(const uint8_t *first,
+                                      [[maybe_unused]] const uint8_t *second) {
+    const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i *>(first));
+#if defined(__AVX2__)
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(low),
+                                   _mm_loadu_si128(reinterpret_cast<const __m128i *>(second)), 1);
+#else
+    return low;
+#endif
+}
+
+// Masks and weights are operands in memory.
+template <int Windows>
+using LoadedTaps = const Taps<Windows> &;
+
+template <int Windows>
+TAVU_VEC_INLINE LoadedTaps<Windows> load_taps(const Taps<Windows> &taps) {
+    return taps;
+}
+
+template <int Windows>
+TAVU_VEC_INLINE U16 weigh(const uint8_t *row, const Taps<Windows> &taps) {
+    const uint8_t *first = row + taps.offset[0], *second = row + taps.offset[LANES / 16 - 1];
+    Register pairs{};
+#pragma GCC unroll 4
+    for (int w = 0; w < Windows; w++) {
+        pairs |= TAVU_MM(shuffle_epi8)(load_windows(first + w * WINDOW, second + w * WINDOW),
+                                       load_register(taps.mask[w]));
+    }
+    return as<U16>(TAVU_MM(maddubs_epi16)(pairs, load_register(taps.weight)));
+}
+
+TAVU_VEC_INLINE U16 mix(U16 x, U16 y, uint16_t weight_x, uint16_t weight_y) {
+    return x * weight_x + y * weight_y;
+}
+
+TAVU_VEC_INLINE Register halve_unit(const uint8_t *top, const uint8_t *bottom, Register w,
+                                    uint16_t b) {
+    const U16 upper = as<U16>(TAVU_MM(maddubs_epi16)(load_register(top), w)),
+              lower = as<U16>(TAVU_MM(maddubs_epi16)(load_register(bottom), w));
+    return as<Register>(mix(upper, lower, static_cast<uint16_t>(8 - b), b));
+}
+
+TAVU_VEC_INLINE UWide halve(const uint8_t *&top, const uint8_t *&bottom, U8 w0, U8 w1, uint16_t b) {
+    const Register x = halve_unit(top, bottom, as<Register>(w0), b),
+                   y = halve_unit(top + LANES, bottom + LANES, as<Register>(w1), b);
+    top += 2 * LANES;
+    bottom += 2 * LANES;
+#if defined(__AVX2__)
+    return {as<U16>(_mm256_permute2x128_si256(x, y, 0x20)),
+            as<U16>(_mm256_permute2x128_si256(x, y, 0x31))};
+#else
+    return {as<U16>(x), as<U16>(y)};
+#endif
+}
+
+TAVU_VEC_INLINE U8 narrow6(UWide w) { return narrow({as<I16>(w.lo >> 6), as<I16>(w.hi >> 6)}); }
+
+TAVU_VEC_INLINE void prefetch(const uint8_t *p) {
+    _mm_prefetch(reinterpret_cast<const char *>(p), _MM_HINT_T0);
+}
+
+TAVU_VEC_INLINE I16 round_shift8(I16 v) {
+    return as<I16>(TAVU_MM(mulhrs_epi16)(as<Register>(v), as<Register>(I16{} + 128)));
+}
+
+TAVU_VEC_INLINE U16 load16(const uint16_t *p) {
+    return as<U16>(load_register(reinterpret_cast<const uint8_t *>(p)));
+}
+
+TAVU_VEC_INLINE void store16(uint16_t *p, U16 v) {
+    store_register(reinterpret_cast<uint8_t *>(p), as<Register>(v));
+}
+
+#undef TAVU_MM
+
+}  // namespace
+}  // namespace tavu
+
+#endif
