@@ -26,29 +26,38 @@ std::string side_name(const char *level) {
     return level == std::string("exported") ? "tavu" : std::string("tavu-") + level;
 }
 
-void add(const CscKernel &kernel, const std::string &who, tavu_fn_csc_t routine) {
-    for (const auto &[w, h] : {std::pair(320, 180), std::pair(1920, 1080)}) {
-        Picture picture(kernel, w, h);
-        const double differs = difference(picture, kernel.model, routine);
-        std::string side = who;
-        if (differs > 0) side += " (mean difference " + std::to_string(differs).substr(0, 4) + ")";
-        add_side(
-            "csc_" + std::string(kernel.name) + '/' + std::to_string(w) + 'x' + std::to_string(h),
-            side, [kernel, w = w, h = h, routine, made = std::shared_ptr<Picture>()]() mutable {
-                if (!made) made = std::make_shared<Picture>(kernel, w, h);
-                made->convert(routine);
-            });
+// All sides of a row work on one picture, for its place in memory alone may double the time.
+class Row {
+  public:
+    Row(const CscKernel &kernel, int32_t width, int32_t height)
+        : name_("csc_" + std::string(kernel.name) + '/' + std::to_string(width) + 'x' +
+                std::to_string(height)),
+          model_(kernel.model),
+          picture_(std::make_shared<Picture>(kernel, width, height)) {}
+
+    void add(std::string who, tavu_fn_csc_t routine) const {
+        const double differs = difference(*picture_, model_, routine);
+        if (differs > 0) who += " (mean difference " + std::to_string(differs).substr(0, 4) + ")";
+        add_side(name_, who, [picture = picture_, routine] { picture->convert(routine); });
     }
-}
+
+  private:
+    std::string name_;
+    tavu_fn_csc_t model_;
+    std::shared_ptr<Picture> picture_;
+};
 
 }  // namespace
 
 void add_csc_rows() {
     for (const CscKernel &kernel : csc_kernels()) {
-        add(kernel, "tavu-model", kernel.model);
-        for (const CscVariant &variant : kernel.variants) {
-            add(kernel, side_name(variant.level), variant.run);
+        for (const auto &[width, height] : {std::pair(320, 180), std::pair(1920, 1080)}) {
+            const Row row(kernel, width, height);
+            row.add("tavu-model", kernel.model);
+            for (const CscVariant &variant : kernel.variants) {
+                row.add(side_name(variant.level), variant.run);
+            }
+            if (const tavu_fn_csc_t peer = csc_peer(kernel.name)) row.add("libyuv", peer);
         }
-        if (const tavu_fn_csc_t peer = csc_peer(kernel.name)) add(kernel, "libyuv", peer);
     }
 }

@@ -1,7 +1,11 @@
 // Block metrics beside those of video encoders, on blocks at changing places of two noisy planes.
+#include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <map>
 #include <vector>
 
+#include "require.h"
 #include "rows.h"
 #include "tavu.h"
 
@@ -33,7 +37,26 @@ struct Planes {
     uint32_t turn = 0;
 } planes;
 
+// What the library says of two blocks, by row.
+std::map<std::string, std::function<int32_t(const uint8_t *, const uint8_t *)>> ours;
+
+// How far another metric is from it on average, as a part of the side's name.
+template <class Metric>
+std::string difference(const std::string &row, Metric theirs) {
+    constexpr int TURNS = 64;
+    double sum = 0;
+    for (int i = 0; i < TURNS; i++) {
+        const uint8_t *a = planes.next_a(), *b = planes.next_aligned_b();
+        sum += std::abs(ours[row](a, b) - theirs(a, b));
+    }
+    if (sum == 0) return "";
+    return " (mean difference " + std::to_string(sum / TURNS).substr(0, 4) + ")";
+}
+
 void add_block(const std::string &row, const std::string &who, tavu_metric_block_t *metric) {
+    ours[row] = [metric](const uint8_t *a, const uint8_t *b) {
+        return metric(a, b, STRIDE, STRIDE);
+    };
     add_side(row, who, [metric] {
         const uint8_t *a = planes.next_a();
         return metric(a, planes.next_b(), STRIDE, STRIDE);
@@ -41,6 +64,9 @@ void add_block(const std::string &row, const std::string &who, tavu_metric_block
 }
 
 void add_area(const std::string &row, tavu_metric_area_t *metric, int32_t size) {
+    ours[row] = [metric, size](const uint8_t *a, const uint8_t *b) {
+        return metric(size, size, a, b, STRIDE, STRIDE);
+    };
     add_side(row, "tavu", [metric, size] {
         const uint8_t *a = planes.next_a();
         return metric(size, size, a, planes.next_b(), STRIDE, STRIDE);
@@ -48,7 +74,11 @@ void add_area(const std::string &row, tavu_metric_area_t *metric, int32_t size) 
 }
 
 void add_ssd(int32_t size) {
-    add_side("ssd/" + std::to_string(size), "tavu", [size] {
+    const std::string row = "ssd/" + std::to_string(size);
+    ours[row] = [size](const uint8_t *a, const uint8_t *b) {
+        return tavu_ssd(size, size, a, b, STRIDE, STRIDE);
+    };
+    add_side(row, "tavu", [size] {
         const uint8_t *a = planes.next_a();
         return tavu_ssd(size, size, a, planes.next_aligned_b(), STRIDE, STRIDE);
     });
@@ -98,22 +128,38 @@ bool runs(const char *level) {
 
 void add_peer(const std::string &row, const char *who, const char *level, EncoderMetric *metric) {
     if (!runs(level)) return;
-    add_side(row, std::string(who) + ' ' + level, [metric] {
+    const auto theirs = [metric](const uint8_t *a, const uint8_t *b) {
+        return metric(a, STRIDE, b, STRIDE);
+    };
+    add_side(row, std::string(who) + ' ' + level + difference(row, theirs), [metric] {
         const uint8_t *a = planes.next_a();
         return metric(a, STRIDE, planes.next_b(), STRIDE);
     });
 }
 
-void add_ssd_peer(int32_t size, const char *who, EncoderMetric *ssd) {
+void add_ssd_peer(int32_t size, const std::string &who, EncoderMetric *ssd) {
     if (!runs("avx2")) return;
-    add_side("ssd/" + std::to_string(size), who, [ssd] {
+    const std::string row = "ssd/" + std::to_string(size);
+    const auto theirs = [ssd](const uint8_t *a, const uint8_t *b) {
+        return ssd(a, STRIDE, b, STRIDE);
+    };
+    add_side(row, who + difference(row, theirs), [ssd] {
         const uint8_t *a = planes.next_a();
         return ssd(a, STRIDE, planes.next_aligned_b(), STRIDE);
     });
 }
 
+void require_equal(const std::string &row, EncoderDiff *diff, int32_t size) {
+    std::vector<int16_t> expected(static_cast<size_t>(size * size));
+    const uint8_t *a = planes.next_a(), *b = planes.next_b();
+    tavu_diff(size, size, a, b, STRIDE, STRIDE, size, expected.data());
+    diff(planes.diff, size, a, b, STRIDE, STRIDE);
+    require(memcmp(expected.data(), planes.diff, expected.size() * 2) == 0, row);
+}
+
 void add_peer(const std::string &row, const char *level, EncoderDiff *diff, int32_t size) {
     if (!runs(level)) return;
+    require_equal(row, diff, size);
     add_side(row, std::string("x265 ") + level, [diff, size] {
         const uint8_t *a = planes.next_a();
         diff(planes.diff, size, a, planes.next_b(), STRIDE, STRIDE);

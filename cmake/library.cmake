@@ -45,6 +45,10 @@ set(TAVU_WIDEST_SOURCES
   src/metric/satd.cpp
   src/metric/ssd.cpp)
 
+# These hold a loop for every target, factor and level; more inlining would gain nothing.
+set_source_files_properties(src/imgp/csc_rsz.cpp src/imgp/irsz_kernels.cpp PROPERTIES
+  COMPILE_OPTIONS $<$<CONFIG:Release>:-O2>)
+
 function(tavu_objects name)
   add_library(${name} OBJECT ${ARGN})
   target_include_directories(${name} PRIVATE include src)
