@@ -59,8 +59,6 @@ int32_t write1(tavu_bsw_t *bs, int32_t bit) {
     return 0;
 }
 
-int32_t floor_log2(uint32_t x) { return 31 - count_leading_zeros(x); }
-
 int32_t write_ue(tavu_bsw_t *bs, uint32_t value) {
     const uint32_t x = value == UINT32_MAX ? 1 : value + 1;
     return write(bs, x, 2 * floor_log2(x) + 1);

@@ -30,6 +30,9 @@ inline uint32_t shift_right(uint32_t x, int32_t n) {
 // Leading zero bits; 32 for 0.
 inline int32_t count_leading_zeros(uint32_t x) { return x == 0 ? 32 : __builtin_clz(x); }
 
+// -1 for 0.
+inline int32_t floor_log2(uint32_t x) { return 31 - count_leading_zeros(x); }
+
 // Loads a word such that on ARM a store to it by another core ends wait_for_event().
 inline int32_t load_for_event(const int32_t *word) {
 #if defined(__arm__)

@@ -175,8 +175,13 @@ TAVU_VEC_INLINE Words<N> load_wide(const uint8_t *p) {
 }
 
 template <int N>
+TAVU_VEC_INLINE Words<N> load_difference(const uint8_t *a, const uint8_t *b) {
+    return Isa<N>::sub_epi16(load_wide<N>(a), load_wide<N>(b));
+}
+
+template <int N>
 TAVU_VEC_INLINE void store_difference(const uint8_t *a, const uint8_t *b, int16_t *out) {
-    const Words<N> d = Isa<N>::sub_epi16(load_wide<N>(a), load_wide<N>(b));
+    const Words<N> d = load_difference<N>(a, b);
     memcpy(out, &d, sizeof d);
 }
 
@@ -249,7 +254,7 @@ TAVU_VEC_INLINE void load_butterflies(const uint8_t *&a, ptrdiff_t stride_a, con
 template <int N>
 TAVU_VEC_INLINE Words<N> load_difference(const uint8_t *&a, ptrdiff_t stride_a, const uint8_t *&b,
                                          ptrdiff_t stride_b) {
-    const Words<N> d = Isa<N>::sub_epi16(load_wide<N>(a), load_wide<N>(b));
+    const Words<N> d = load_difference<N>(a, b);
     a += stride_a;
     b += stride_b;
     return d;
