@@ -24,42 +24,73 @@ TAVU_VEC_INLINE int32_t best_satd8x8(const Blocks &at) { return satd8x8_register
 
 // Takes Columns x Rows samples at a time, in strips from top to bottom: add(sum, strip) moves on.
 template <class Sum, int Columns, int Rows, class Add>
-TAVU_VEC_INLINE int32_t whole_registers(int32_t width, int32_t height, const Blocks &at, Add add) {
+TAVU_VEC_INLINE int32_t whole_registers(int32_t width, int32_t height, Blocks at, Add add) {
+    if (width <= 0 || height <= 0) return 0;
+    const uint32_t bands = (static_cast<uint32_t>(height) + Rows - 1) / Rows;
+    uint32_t strips = static_cast<uint32_t>(width) / Columns;
     Sum sum = Sum::zero();
-    for (int32_t x = 0; x < width; x += Columns) {
-        Blocks strip = at.tile(x, 0);
-        for (int32_t y = 0; y < height; y += Rows) add(sum, strip);
-    }
+    do {
+        Blocks strip = at;
+        uint32_t n = bands;
+        do add(sum, strip);
+        while (--n != 0);
+        at = at.tile(Columns, 0);
+    } while (--strips != 0);
     return sum.total();
 }
 
-// The part of an area that does not fill registers goes by single tiles.
+// The part of an area that does not fill registers goes by single tiles, apart, so that an area
+// without such a part does not pay for it.
 template <class Sum, int Columns, int Size, class Add>
 TAVU_VEC_INLINE int32_t best_tiles(int32_t width, int32_t height, const Blocks &at, Add add,
-                                   int32_t (*single)(const Blocks &)) {
-    const int32_t whole = width > 0 ? width & -Columns : 0;
+                                   tavu_metric_area_t *single) {
+    const int32_t whole = width & -Columns;
     const int32_t sum = whole_registers<Sum, Columns, Size>(whole, height, at, add);
-    if (whole == width) return sum;
-    return sum + tiles<Size>(width - whole, height, at.tile(whole, 0), single);
+    if (width == whole || width < 0) return sum;
+    const Blocks rest = at.tile(whole, 0);
+    return sum + single(width - whole, height, rest.a, rest.b, rest.stride_a, rest.stride_b);
+}
+
+__attribute__((noinline)) int32_t single_satd4x4s(int32_t width, int32_t height, const uint8_t *a,
+                                                  const uint8_t *b, int32_t stride_a,
+                                                  int32_t stride_b) {
+    return tiles<4>(width, height, {a, b, stride_a, stride_b},
+                    [](const Blocks &tile) { return best_satd4x4(tile); });
+}
+
+__attribute__((noinline)) int32_t single_satd8x8s(int32_t width, int32_t height, const uint8_t *a,
+                                                  const uint8_t *b, int32_t stride_a,
+                                                  int32_t stride_b) {
+    return tiles<8>(width, height, {a, b, stride_a, stride_b},
+                    [](const Blocks &tile) { return best_satd8x8(tile); });
 }
 
 constexpr int N = WIDEST < 32 ? WIDEST : 32;
 
 TAVU_VEC_INLINE int32_t best_satd4x4_area(int32_t width, int32_t height, const Blocks &at) {
-    const auto add = [](auto &sum, Blocks &strip) { add_satd4x4(sum, strip); };
+    const auto add = [](auto &sum, Blocks &strip) __attribute__((always_inline)) {
+        add_satd4x4(sum, strip);
+    };
     if constexpr (WIDEST == 64) {
         if (((width | height * 2) & 15) == 0) {
             return whole_registers<MagnitudeSum<64>, 16, 8>(width, height, at, add);
         }
     }
-    const auto single = [](const Blocks &tile) { return best_satd4x4(tile); };
-    return best_tiles<MagnitudeSum<N>, 16, 4>(width, height, at, add, single);
+    return best_tiles<MagnitudeSum<N>, 16, 4>(width, height, at, add, single_satd4x4s);
 }
 
 TAVU_VEC_INLINE int32_t best_satd8x8_area(int32_t width, int32_t height, const Blocks &at) {
-    const auto add = [](auto &sum, Blocks &strip) { add_satd8x8(sum, strip); };
-    const auto single = [](const Blocks &tile) { return best_satd8x8(tile); };
-    return best_tiles<RoundedSum<N>, N / 2, 8>(width, height, at, add, single);
+#if defined(__ARM_NEON)
+    const auto add = [](auto &sum, Blocks &strip) __attribute__((always_inline)) {
+        add_satd8x8_twice(sum, strip);
+    };
+    return best_tiles<RoundedSums, 16, 8>(width, height, at, add, single_satd8x8s);
+#else
+    const auto add = [](auto &sum, Blocks &strip) __attribute__((always_inline)) {
+        add_satd8x8(sum, strip);
+    };
+    return best_tiles<RoundedSum<N>, N / 2, 8>(width, height, at, add, single_satd8x8s);
+#endif
 }
 
 #else

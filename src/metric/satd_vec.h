@@ -13,14 +13,13 @@ namespace {
 
 // The three stages that a first butterfly of 16 residuals leaves.
 TAVU_VEC_INLINE int32_t finish4x4(Words<16> p, Words<16> q) {
-#pragma GCC unroll 2
-    for (int i = 0; i < 2; i++) {
-        zip(p, q);
-        butterfly(p, q);
-    }
+    zip(p, q);
+    butterfly(p, q);
+    zip(p, q);
+    butterfly_abs(p, q);
     zip(p, q);
     MagnitudeSum<16> sum;
-    sum.add(abs_max(p, q));
+    sum.add(larger(p, q));
     return sum.total();
 }
 
@@ -46,8 +45,8 @@ TAVU_VEC_INLINE void add_satd4x4(MagnitudeSum<N> &sum, Blocks &at) {
     for (int i = 0; i < R; i++) {
         butterfly(v[i], v[i + R]);
         butterfly(v[i + 2 * R], v[i + 3 * R]);
-        butterfly(v[i], v[i + 2 * R]);
-        butterfly(v[i + R], v[i + 3 * R]);
+        butterfly_abs(v[i], v[i + 2 * R]);
+        butterfly_abs(v[i + R], v[i + 3 * R]);
     }
     sum.add_pairs(v);
 }
@@ -65,13 +64,13 @@ TAVU_VEC_INLINE void transform_pair(Register &a, Register &b) {
     }
 }
 
-// All but the last stage of four rows.
+// Magnitudes of four rows before the last stage.
 template <class Register>
 TAVU_VEC_INLINE void transform_rows(Register *v) {
     transform_pair(v[0], v[1]);
     transform_pair(v[2], v[3]);
-    butterfly(v[0], v[2]);
-    butterfly(v[1], v[3]);
+    butterfly_abs(v[0], v[2]);
+    butterfly_abs(v[1], v[3]);
 }
 
 // N / 16 blocks of 8x8 side by side; moves on behind them.
@@ -82,9 +81,37 @@ TAVU_VEC_INLINE void add_satd8x8(RoundedSum<N> &sum, Blocks &at) {
     for (auto &row : v) row = load_difference<N>(at.a, at.stride_a, at.b, at.stride_b);
     transform_rows(v);
     transform_rows(v + 4);
-    sum.add(add(abs_max(v[0], v[4]), abs_max(v[2], v[6])),
-            add(abs_max(v[1], v[5]), abs_max(v[3], v[7])));
+    sum.add(add(larger(v[0], v[4]), larger(v[2], v[6])),
+            add(larger(v[1], v[5]), larger(v[3], v[7])));
 }
+
+#if defined(__ARM_NEON)
+
+// All but the last vertical stage of four rows of two blocks side by side.
+TAVU_VEC_INLINE void transform_wide_rows(Blocks &at, I16 *p, I16 *q) {
+#pragma GCC unroll 4
+    for (int y = 0; y < 4; y++) {
+        load_row_transforms(at.a, at.stride_a, at.b, at.stride_b, &p[y], &q[y]);
+        if (y % 2 == 1) butterfly(p[y - 1], p[y]), butterfly(q[y - 1], q[y]);
+    }
+    butterfly_abs(p[0], p[2]), butterfly_abs(p[1], p[3]);
+    butterfly_abs(q[0], q[2]), butterfly_abs(q[1], q[3]);
+}
+
+TAVU_VEC_INLINE I16 sum_of_larger(const I16 *v, const I16 *w) {
+    return add(add(larger(v[0], w[0]), larger(v[1], w[1])),
+               add(larger(v[2], w[2]), larger(v[3], w[3])));
+}
+
+// Two blocks side by side; moves on behind them.
+TAVU_VEC_INLINE void add_satd8x8_twice(RoundedSums &sum, Blocks &at) {
+    I16 p[8], q[8];
+    transform_wide_rows(at, p, q);
+    transform_wide_rows(at, p + 4, q + 4);
+    sum.add(sum_of_larger(p, p + 4), sum_of_larger(q, q + 4));
+}
+
+#endif
 
 // One block of 8x8, with several rows in a register where they fit.
 template <int N = STACKED>
@@ -99,15 +126,15 @@ TAVU_VEC_INLINE int32_t satd8x8_registers(Blocks at) {
     for (auto &row : v) row = load_stacked_difference(at.a, at.stride_a, at.b, at.stride_b);
     if constexpr (N == 32) {
         transform_rows(v);
-        sum.add(add(abs_max_of_halves(v[0]), abs_max_of_halves(v[2])),
-                add(abs_max_of_halves(v[1]), abs_max_of_halves(v[3])));
+        sum.add(add(larger_half(v[0]), larger_half(v[2])),
+                add(larger_half(v[1]), larger_half(v[3])));
     }
     if constexpr (N == 64) {
         transform_pair(v[0], v[1]);
         zip_rows(v[0], v[1]);
-        butterfly(v[0], v[1]);
+        butterfly_abs(v[0], v[1]);
         zip_rows(v[0], v[1]);
-        const auto m = add_halves(abs_max(v[0], v[1]));
+        const auto m = add_halves(larger(v[0], v[1]));
         sum.add(low_half(m), high_half(m));
     }
     return sum.total();

@@ -2,32 +2,61 @@
 #include "metric/ssd_model.h"
 #include "metric/sum.h"
 
+#if TAVU_VEC
+
 namespace tavu {
 namespace {
 
-#if TAVU_VEC
+// Several narrow rows fill a register, for a square costs more than the joining.
 template <int Columns>
-struct BestRows {
-    // Apart, so that no path pays for the registers of another.
-    __attribute__((noinline)) static int32_t ssd(int32_t rows, const uint8_t *a, const uint8_t *b,
-                                                 int32_t stride_a, int32_t stride_b) {
-        // Several narrow rows fill a register, for a square costs more than the joining.
-        constexpr int N = Columns == 4 || WIDEST == 16 ? 16 : Columns < 64 ? 32 : WIDEST;
-        Blocks at{a, b, stride_a, stride_b};
-        return sum_rows<SquareSum<N>, Columns>(rows, at);
-    }
-    static TAVU_VEC_INLINE int32_t ssd(int32_t rows, const Blocks &at) {
-        return ssd(rows, at.a, at.b, at.stride_a, at.stride_b);
-    }
-};
-#else
+constexpr int SSD_WIDTH = Columns == 4 || WIDEST == 16 ? 16
+                          : Columns == 64              ? WIDEST
+                                                       : 32;
+
 template <int Columns>
-using BestRows = ModelRows<Columns>;
-#endif
+TAVU_VEC_INLINE int32_t ssd_rows(int32_t rows, Blocks at) {
+    return sum_rows<SquareSum<SSD_WIDTH<Columns>>, Columns>(rows, at);
+}
+
+template <int Size>
+TAVU_VEC_INLINE int32_t ssd_square(Blocks at) {
+    return sum_block<SquareSum<SSD_WIDTH<Size>>, Size, Size>(at);
+}
 
 }  // namespace
 }  // namespace tavu
 
 using namespace tavu;
 
-TAVU_METRIC_AREA(tavu_ssd, ssd_area<BestRows>)
+#if defined(__thumb__)
+// Thumb pays for a conditional comparison.
+extern "C" __attribute__((target("arm"))) tavu_metric_area_t tavu_ssd;
+#endif
+
+// The usual squares are known by their size and pay for nothing else.
+TAVU_KERNEL(int32_t, tavu_ssd,
+            (int32_t width, int32_t height, const uint8_t *a, const uint8_t *b, int32_t stride_a,
+             int32_t stride_b)) {
+    const auto blocks = [&] {
+        keep_in_memory(stride_a);
+        keep_in_memory(stride_b);
+        return Blocks{a, b, stride_a, stride_b};
+    };
+    if (width == 8 && height == 8) return ssd_square<8>(blocks());
+    if (width == 16 && height == 16) return ssd_square<16>(blocks());
+    switch (width) {
+        case 4: return ssd_rows<4>(height, blocks());
+        case 8: return ssd_rows<8>(height, blocks());
+        case 16: return ssd_rows<16>(height, blocks());
+        case 32: return ssd_rows<32>(height, blocks());
+        default: return ssd_rows<64>(height, blocks());
+    }
+}
+
+#else
+
+using namespace tavu;
+
+TAVU_METRIC_AREA(tavu_ssd, ssd_area)
+
+#endif

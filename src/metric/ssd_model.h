@@ -8,28 +8,25 @@ namespace tavu {
 namespace {
 
 template <int Columns>
-struct ModelRows {
-    static int32_t ssd(int32_t rows, Blocks at) {
-        uint32_t sum = 0;  // wraps instead of overflowing in blocks of more than 66,000 samples
-        for (; rows > 0; rows--, at.next_row()) {
-            for (int x = 0; x < Columns; x++) {
-                const int32_t d = at.a[x] - at.b[x];
-                sum += static_cast<uint32_t>(d * d);
-            }
+int32_t ssd_columns(int32_t rows, Blocks at) {
+    uint32_t sum = 0;  // wraps instead of overflowing in blocks of more than 66,000 samples
+    for (; rows > 0; rows--, at.next_row()) {
+        for (int x = 0; x < Columns; x++) {
+            const int32_t d = at.a[x] - at.b[x];
+            sum += static_cast<uint32_t>(d * d);
         }
-        return static_cast<int32_t>(sum);
     }
-};
+    return static_cast<int32_t>(sum);
+}
 
 // Every width without a path of its own is taken as 64; callers rely on it.
-template <template <int> class Rows = ModelRows>
-int32_t ssd_area(int32_t width, int32_t height, const Blocks &at) {
+inline int32_t ssd_area(int32_t width, int32_t height, const Blocks &at) {
     switch (width) {
-        case 4: return Rows<4>::ssd(height, at);
-        case 8: return Rows<8>::ssd(height, at);
-        case 16: return Rows<16>::ssd(height, at);
-        case 32: return Rows<32>::ssd(height, at);
-        default: return Rows<64>::ssd(height, at);
+        case 4: return ssd_columns<4>(height, at);
+        case 8: return ssd_columns<8>(height, at);
+        case 16: return ssd_columns<16>(height, at);
+        case 32: return ssd_columns<32>(height, at);
+        default: return ssd_columns<64>(height, at);
     }
 }
 

@@ -28,8 +28,12 @@ TAVU_VEC_INLINE void add_rows(Sum<N> &sum, Blocks &at) {
         sum.add(a, load_rows<N, Columns>(at.b, at.stride_b));
     } else {
 #pragma GCC unroll 4
-        for (int x = 0; x < Columns; x += N) sum.add(load<N>(at.a + x), load<N>(at.b + x));
-        at.next_row();
+        for (int x = N; x < Columns; x += N) {
+            const Bytes<N> a = load_next<N>(at.a);
+            sum.add(a, load_next<N>(at.b));
+        }
+        const Bytes<N> a = load_rows<N, N>(at.a, at.stride_a - (Columns - N));
+        sum.add(a, load_rows<N, N>(at.b, at.stride_b - (Columns - N)));
     }
 }
 
@@ -52,11 +56,13 @@ TAVU_VEC_INLINE int32_t sum_block(Blocks &at) {
 template <class Sum, int Columns>
 TAVU_VEC_INLINE int32_t sum_rows(int32_t rows, Blocks &at) {
     constexpr int GROUP = Columns <= 16 ? 4 : 64 / Columns;
+    if (rows <= 0) return 0;
     Sum sum = Sum::zero();
-    for (; rows > 0; rows -= GROUP) {
+    uint32_t groups = (static_cast<uint32_t>(rows) + GROUP - 1) / GROUP;
+    do {
 #pragma GCC unroll 4
         for (int y = 0; y < GROUP; y += ROWS<Sum::WIDTH, Columns>) add_rows<Columns>(sum, at);
-    }
+    } while (--groups != 0);
     return sum.total();
 }
 

@@ -21,7 +21,6 @@ static constexpr TileConstants make_constants() {
     return c;
 }
 
-extern const TileConstants TILE_CONSTANTS;
 const TileConstants TILE_CONSTANTS = make_constants();
 
 }  // namespace tavu

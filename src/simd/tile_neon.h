@@ -17,11 +17,31 @@ using Words = I16;
 
 #if defined(__arm__)
 
+// Such an argument comes on the stack; it is then loaded when registers are free for it.
+TAVU_VEC_INLINE void keep_in_memory(int32_t &argument) { __asm__("" : "+m"(argument)); }
+
 // In assembly, for compilers do not use the loads that move on by a stride.
 
 TAVU_VEC_INLINE U8 load_row16(const uint8_t *&p, int32_t stride) {
     U8 v;
     __asm__("vld1.8 {%e0, %f0}, [%1], %2"
+            : "=w"(v), "+r"(p)
+            : "r"(stride), "m"(*reinterpret_cast<const uint8_t(*)[16]>(p)));
+    return v;
+}
+
+TAVU_VEC_INLINE U8 load_next16(const uint8_t *&p) {
+    U8 v;
+    __asm__("vld1.8 {%e0, %f0}, [%1]!"
+            : "=w"(v), "+r"(p)
+            : "m"(*reinterpret_cast<const uint8_t(*)[16]>(p)));
+    return v;
+}
+
+// The even bytes in the lower half, the odd ones in the upper one.
+TAVU_VEC_INLINE U8 load_even_odd(const uint8_t *&p, int32_t stride) {
+    U8 v;
+    __asm__("vld2.8 {%e0, %f0}, [%1], %2"
             : "=w"(v), "+r"(p)
             : "r"(stride), "m"(*reinterpret_cast<const uint8_t(*)[16]>(p)));
     return v;
@@ -55,10 +75,20 @@ TAVU_VEC_INLINE U8 load_rows4(const uint8_t *&p, int32_t stride) {
 
 #else
 
+TAVU_VEC_INLINE void keep_in_memory(int32_t) {}
+
 TAVU_VEC_INLINE U8 load_row16(const uint8_t *&p, int32_t stride) {
     const U8 v = vld1q_u8(p);
     p += stride;
     return v;
+}
+
+TAVU_VEC_INLINE U8 load_next16(const uint8_t *&p) { return load_row16(p, 16); }
+
+TAVU_VEC_INLINE U8 load_even_odd(const uint8_t *&p, int32_t stride) {
+    const uint8x8x2_t v = vld2_u8(p);
+    p += stride;
+    return vcombine_u8(v.val[0], v.val[1]);
 }
 
 TAVU_VEC_INLINE uint8x8_t load_row8(const uint8_t *&p, int32_t stride) {
@@ -87,6 +117,11 @@ TAVU_VEC_INLINE U8 load_rows4(const uint8_t *&p, int32_t stride) {
 template <int N>
 TAVU_VEC_INLINE U8 load(const uint8_t *p) {
     return vld1q_u8(p);
+}
+
+template <int N>
+TAVU_VEC_INLINE U8 load_next(const uint8_t *&p) {
+    return load_next16(p);
 }
 
 template <int N, int W>
@@ -218,14 +253,32 @@ constexpr int COLUMN_REGISTERS = 2;
 template <int N>
 TAVU_VEC_INLINE void load_butterflies(const uint8_t *&a, int32_t stride_a, const uint8_t *&b,
                                       int32_t stride_b, I16 *v) {
-    const U8 va = load_row16(a, stride_a);
-    const Wide w = difference(va, load_row16(b, stride_b));
-    const int16x8x2_t pairs = vuzpq_s16(w.lo, w.hi);
-    v[0] = pairs.val[0] + pairs.val[1];
-    v[1] = pairs.val[0] - pairs.val[1];
+    const U8 va = load_even_odd(a, stride_a);
+    butterfly_difference(va, load_even_odd(b, stride_b), &v[0], &v[1]);
 }
 
-TAVU_VEC_INLINE I16 abs_max(I16 a, I16 b) { return vmaxq_s16(vabsq_s16(a), vabsq_s16(b)); }
+TAVU_VEC_INLINE void butterfly_abs(I16 &a, I16 &b) {
+    const I16 sum = vabsq_s16(a + b);
+    b = vabdq_s16(a, b);
+    a = sum;
+}
+
+TAVU_VEC_INLINE I16 larger(I16 a, I16 b) { return vmaxq_s16(a, b); }
+
+// The horizontal transforms of a - b of two rows of eight columns, which lie side by side: lanes 0 to 3
+// of p and q are the frequencies of the left one.
+TAVU_VEC_INLINE void load_row_transforms(const uint8_t *&a, int32_t stride_a, const uint8_t *&b,
+                                         int32_t stride_b, I16 *p, I16 *q) {
+    I16 v[2];
+    load_butterflies<16>(a, stride_a, b, stride_b, v);
+    const int16x8x2_t pairs = vtrnq_s16(v[0], v[1]);
+    I16 even = pairs.val[0], odd = pairs.val[1];
+    butterfly(even, odd);
+    const int32x4x2_t fours = vtrnq_s32(vreinterpretq_s32_s16(even), vreinterpretq_s32_s16(odd));
+    *p = vreinterpretq_s16_s32(fours.val[0]);
+    *q = vreinterpretq_s16_s32(fours.val[1]);
+    butterfly(*p, *q);
+}
 
 template <int N>
 class MagnitudeSum {
@@ -243,7 +296,7 @@ class MagnitudeSum {
 #pragma GCC unroll 8
         for (int i = 0; i < M; i += 2) {
             const int16x8x2_t pairs = vtrnq_s16(v[i], v[i + 1]);
-            const I16 m = abs_max(pairs.val[0], pairs.val[1]);
+            const I16 m = larger(pairs.val[0], pairs.val[1]);
             maxima = i == 0 ? m : maxima + m;
         }
         add(maxima);
@@ -268,8 +321,8 @@ class RoundedSum {
                                    vadd_u16(vget_low_u16(ub), vget_high_u16(ub)));
         const int32x4_t pairs = vpaddlq_s16(as_signed(vshlq_n_u16(m, 1)));
         const int32x2_t two = vadd_s32(vget_low_s32(pairs), vget_high_s32(pairs));
-        const int32x2_t sum = vrshr_n_s32(vpadd_s32(two, two), 2);
-        sum_ = empty_ ? sum : vadd_s32(sum_, sum);
+        const int32x2_t sum = vpadd_s32(two, two);
+        sum_ = empty_ ? vrshr_n_s32(sum, 2) : vrsra_n_s32(sum_, sum, 2);
         empty_ = false;
     }
     TAVU_VEC_INLINE int32_t total() const { return vget_lane_s32(sum_, 0); }
@@ -277,6 +330,20 @@ class RoundedSum {
   private:
     int32x2_t sum_ = int32x2_t{};
     bool empty_;
+};
+
+// The same of two transforms side by side, as load_row_transforms() leaves their lanes.
+class RoundedSums {
+  public:
+    static TAVU_VEC_INLINE RoundedSums zero() { return {}; }
+    TAVU_VEC_INLINE void add(I16 a, I16 b) {
+        const int32x4_t s = vpaddlq_s16(a + a) + vpaddlq_s16(b + b);
+        sum_ = vrsra_n_s32(sum_, vpadd_s32(vget_low_s32(s), vget_high_s32(s)), 2);
+    }
+    TAVU_VEC_INLINE int32_t total() const { return vget_lane_s32(vpadd_s32(sum_, sum_), 0); }
+
+  private:
+    int32x2_t sum_ = int32x2_t{};
 };
 
 }  // namespace

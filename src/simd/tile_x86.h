@@ -19,7 +19,8 @@ struct TileConstants {
     alignas(64) int32_t even_ones[16];  // 1 in the even lanes of 16 bits
     alignas(64) int32_t twos[16];
 };
-extern const TileConstants TILE_CONSTANTS;
+// Hidden, so that they are read without a detour through the table of addresses.
+extern const TileConstants TILE_CONSTANTS __attribute__((visibility("hidden")));
 
 namespace {
 
@@ -51,14 +52,14 @@ TAVU_VEC_INLINE Bytes<N> load_rows(const uint8_t *&p, ptrdiff_t stride) {
     const uint8_t *const at = p;
     p += N / W * stride;
 #if defined(__AVX2__)
-    if constexpr (N == 32) {
+    if constexpr (N == 32 && W < N) {
         const uint8_t *below = at;
         const __m128i low = load_rows<16, W>(below, stride);
         const __m128i high = load_rows<16, W>(below, stride);
         return _mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1);
     }
 #endif
-    if constexpr (N == 16 && W == 16) return load<16>(at);
+    if constexpr (W == N) return load<N>(at);
     if constexpr (N == 16 && W == 8) return load8_twice(at, stride);
     if constexpr (N == 16 && W == 4) {
         __m128i rows = _mm_cvtsi32_si128(load4(at));
@@ -67,6 +68,15 @@ TAVU_VEC_INLINE Bytes<N> load_rows(const uint8_t *&p, ptrdiff_t stride) {
         return _mm_insert_epi32(rows, load4(at + 3 * stride), 3);
     }
 }
+
+template <int N>
+TAVU_VEC_INLINE Bytes<N> load_next(const uint8_t *&p) {
+    p += N;
+    return load<N>(p - N);
+}
+
+// Arguments are in registers here.
+TAVU_VEC_INLINE void keep_in_memory(int32_t) {}
 
 template <int W>
 TAVU_VEC_INLINE __m128i load_start(const uint8_t *p) {
@@ -205,8 +215,15 @@ TAVU_VEC_INLINE void zip(R &a, R &b) {
 }
 
 template <class R>
-TAVU_VEC_INLINE R abs_max(R a, R b) {
-    return Of<R>::max_epi16(Of<R>::abs_epi16(a), Of<R>::abs_epi16(b));
+TAVU_VEC_INLINE void butterfly_abs(R &a, R &b) {
+    butterfly(a, b);
+    a = Of<R>::abs_epi16(a);
+    b = Of<R>::abs_epi16(b);
+}
+
+template <class R>
+TAVU_VEC_INLINE R larger(R a, R b) {
+    return Of<R>::max_epi16(a, b);
 }
 
 TAVU_VEC_INLINE void butterfly_difference(__m128i a, __m128i b, __m128i *p, __m128i *q) {
@@ -291,9 +308,8 @@ TAVU_VEC_INLINE __m256i load_stacked(const uint8_t *p, ptrdiff_t stride) {
     return _mm256_cvtepu8_epi16(load8_twice(p, 4 * stride));
 }
 
-TAVU_VEC_INLINE __m128i abs_max_of_halves(__m256i v) {
-    const __m256i m = _mm256_abs_epi16(v);
-    return _mm_max_epi16(_mm256_castsi256_si128(m), _mm256_extracti128_si256(m, 1));
+TAVU_VEC_INLINE __m128i larger_half(__m256i v) {
+    return _mm_max_epi16(_mm256_castsi256_si128(v), _mm256_extracti128_si256(v, 1));
 }
 
 #else
@@ -328,8 +344,7 @@ class MagnitudeSum {
         Words<N> maxima{};
 #pragma GCC unroll 8
         for (int i = 0; i < M; i++) {
-            const Words<N> m = Isa<N>::abs_epi16(v[i]);
-            const Words<N> pair = Isa<N>::max_epi16(m, Isa<N>::odd_to_even(m));
+            const Words<N> pair = Isa<N>::max_epi16(v[i], Isa<N>::odd_to_even(v[i]));
             maxima = i == 0 ? pair : Isa<N>::add_epi16(maxima, pair);
         }
         sum_ = Isa<N>::add_epi32(

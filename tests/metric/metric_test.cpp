@@ -183,7 +183,7 @@ TEST_P(Metric, SsdOfOtherWidthsIsThatOf64) {
     for (const int width : {4, 8, 16, 32, 64, 0, 12, 24, -4, 128}) {
         const bool known = width == 4 || width == 8 || width == 16 || width == 32;
         const int columns = known ? width : 64;
-        for (const int height : {4, 64}) {
+        for (const int height : {4, 8, 16, 64}) {
             for_each_pair(columns, height, [&](Block &a, Block &b) {
                 ASSERT_EQ(get<tavu_ssd>()(width, height, a.at(), b.at(), a.stride, b.stride),
                           sum_of(columns, height, a, b, [](int d) { return d * d; }));
