@@ -91,13 +91,46 @@ void add_diff(const std::string &row, tavu_diff_block_t *diff, int32_t size) {
     });
 }
 
-void add_early_skip(const std::string &row, int32_t size, int32_t rows, int32_t threshold,
-                    tavu_metric_block_t *same_rows) {
-    add_side(row, "tavu", [size, rows, threshold] {
-        const uint8_t *a = planes.next_a();
-        return tavu_sad_eskip(size, rows, a, planes.next_b(), STRIDE, STRIDE, threshold);
-    });
-    if (same_rows != nullptr) add_block(row, "plain SAD of these rows", same_rows);
+// Stops behind a given row at every place: the thresholds are just below the sums of so many rows.
+class EarlySkip {
+  public:
+    EarlySkip(int32_t size, int32_t stop) : size_(size) {
+        for (uint32_t i = 0; i < PLACES; i++) {
+            const uint8_t *a = planes.next_a(), *b = planes.next_b();
+            thresholds_[planes.turn % PLACES] =
+                tavu_sad_eskip(size, stop, a, b, STRIDE, STRIDE, INT32_MAX) - 1;
+        }
+    }
+    int32_t operator()() const {
+        const uint8_t *a = planes.next_a(), *b = planes.next_b();
+        return tavu_sad_eskip(size_, size_, a, b, STRIDE, STRIDE,
+                              thresholds_[planes.turn % PLACES]);
+    }
+
+  private:
+    static constexpr uint32_t PLACES = 16;
+    int32_t size_, thresholds_[PLACES];
+};
+
+void add_early_skips() {
+    for (const int32_t size : {16, 64}) {
+        const std::string row = "sad_eskip/" + std::to_string(size) + 'x' + std::to_string(size);
+        add_side(row + " whole", "tavu", [size] {
+            const uint8_t *a = planes.next_a();
+            return tavu_sad_eskip(size, size, a, planes.next_b(), STRIDE, STRIDE, INT32_MAX);
+        });
+        for (const int32_t stop : {size / 4, size / 2}) {
+            const std::string part = row + " to row " + std::to_string(stop);
+            ours[part] = [size, stop](const uint8_t *a, const uint8_t *b) {
+                return tavu_sad_eskip(size, stop, a, b, STRIDE, STRIDE, INT32_MAX);
+            };
+            add_side(part, "tavu", EarlySkip(size, stop));
+        }
+    }
+    add_block("sad_eskip/16x16 whole", "plain SAD of these rows", tavu_sad16x16);
+    add_block("sad_eskip/64x64 whole", "plain SAD of these rows", tavu_sad64x64);
+    add_block("sad_eskip/16x16 to row 8", "plain SAD of these rows", tavu_sad16x8);
+    add_block("sad_eskip/64x64 to row 32", "plain SAD of these rows", tavu_sad64x32);
 }
 
 }  // namespace
@@ -110,6 +143,7 @@ using EncoderDiff = void(int16_t *, intptr_t, const uint8_t *, const uint8_t *, 
 EncoderMetric x264_8_pixel_sad_4x4_mmx2, x264_8_pixel_sad_8x8_mmx2, x264_8_pixel_sad_16x16_sse2,
     x264_8_pixel_sad_4x4_avx512, x264_8_pixel_sad_8x8_avx512, x264_8_pixel_sad_16x16_avx512,
     x265_pixel_sad_32x32_avx2, x265_pixel_sad_64x64_avx2, x265_pixel_sad_64x64_avx512,
+    x265_pixel_sad_16x4_sse2, x265_pixel_sad_64x16_avx2, x265_pixel_sad_64x16_avx512,
     x264_8_pixel_ssd_8x8_avx, x264_8_pixel_ssd_16x16_avx2, x265_pixel_ssd_64x64_avx2,
     x265_pixel_satd_4x4_avx, x265_pixel_satd_4x4_avx512, x265_pixel_sa8d_8x8_avx2,
     x265_pixel_sa8d_8x8_avx512, x265_pixel_satd_16x16_avx2, x265_pixel_satd_16x16_avx512,
@@ -176,6 +210,9 @@ void add_peers() {
     add_peer("sad/32x32", "x265", "avx2", x265_pixel_sad_32x32_avx2);
     add_peer("sad/64x64", "x265", "avx2", x265_pixel_sad_64x64_avx2);
     add_peer("sad/64x64", "x265", "avx512", x265_pixel_sad_64x64_avx512);
+    add_peer("sad_eskip/16x16 to row 4", "x265", "sse4", x265_pixel_sad_16x4_sse2);
+    add_peer("sad_eskip/64x64 to row 16", "x265", "avx2", x265_pixel_sad_64x16_avx2);
+    add_peer("sad_eskip/64x64 to row 16", "x265", "avx512", x265_pixel_sad_64x16_avx512);
     add_ssd_peer(8, "x264 avx", x264_8_pixel_ssd_8x8_avx);
     add_ssd_peer(16, "x264 avx2", x264_8_pixel_ssd_16x16_avx2);
     add_ssd_peer(64, "x265 avx2", x265_pixel_ssd_64x64_avx2);
@@ -209,11 +246,7 @@ void add_metric_rows() {
     add_block("sad/16x16", "tavu", tavu_sad16x16);
     add_block("sad/32x32", "tavu", tavu_sad32x32);
     add_block("sad/64x64", "tavu", tavu_sad64x64);
-    add_early_skip("sad_eskip/16x16 whole", 16, 16, INT32_MAX, tavu_sad16x16);
-    add_early_skip("sad_eskip/64x64 whole", 64, 64, INT32_MAX, tavu_sad64x64);
-    // A row of 16 columns differs by 900 to 1800, one of 64 by 4500 to 6500.
-    add_early_skip("sad_eskip/16x16 to row 8", 16, 16, 10000, tavu_sad16x8);
-    add_early_skip("sad_eskip/64x64 to row 32", 64, 64, 170000, tavu_sad64x32);
+    add_early_skips();
     add_diff("diff/8x8", tavu_diff8x8, 8);
     add_diff("diff/16x16", tavu_diff16x16, 16);
     add_diff("diff/64x64", tavu_diff64x64, 64);

@@ -33,6 +33,19 @@ TAVU_VEC_INLINE void add_start(AbsSum<16> &sum, const Blocks &at, int32_t x) {
     sum.add(load_start<W>(at.a + x), load_start<W>(at.b + x));
 }
 
+template <int Columns>
+TAVU_VEC_INLINE void add_row(AbsSum<ROW_WIDTH<Columns>> &sum, Blocks &at) {
+    if constexpr (Columns > 8) {
+        add_rows<Columns>(sum, at);
+    } else {
+        add_start<Columns>(sum, at, 0);
+        at.next_row();
+    }
+    // Else the compiler keeps a pointer to each row of a group in a register of its own, and saves
+    // as many registers before the first load.
+    __asm__("" : "+r"(at.a), "+r"(at.b));
+}
+
 // Any multiple of four columns.
 TAVU_VEC_INLINE int32_t sum_row(int32_t width, const Blocks &at) {
     AbsSum<16> sum = AbsSum<16>::zero();
@@ -43,8 +56,11 @@ TAVU_VEC_INLINE int32_t sum_row(int32_t width, const Blocks &at) {
     return sum.total();
 }
 
-__attribute__((noinline)) int32_t skip_by_rows(int32_t width, int32_t height, Blocks at,
-                                               int32_t threshold, int32_t sum) {
+__attribute__((noinline)) int32_t skip_by_rows(int32_t width, int32_t height, const uint8_t *a,
+                                               const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                                               int32_t threshold) {
+    Blocks at{a, b, stride_a, stride_b};
+    int32_t sum = 0;
     for (; height > 0; height--, at.next_row()) {
         sum += sum_row(width, at);
         if (sum > threshold) break;
@@ -52,55 +68,45 @@ __attribute__((noinline)) int32_t skip_by_rows(int32_t width, int32_t height, Bl
     return sum;
 }
 
+// Groups of four rows: a running sum never falls, so that one test serves a group. Only where it
+// exceeds, the row is looked for.
 template <int Columns>
-TAVU_VEC_INLINE void add_row(AbsSum<ROW_WIDTH<Columns>> &sum, Blocks &at) {
-    if constexpr (Columns > 8) {
-        add_rows<Columns>(sum, at);
-    } else {
-        add_start<Columns>(sum, at, 0);
-        at.next_row();
-    }
-}
-
-// Groups of four rows: a running sum never falls, so that one test serves a group.
-template <int Columns>
-__attribute__((noinline)) int32_t skip_by_groups(int32_t height, const uint8_t *a, const uint8_t *b,
-                                                 int32_t stride_a, int32_t stride_b,
-                                                 int32_t threshold) {
-    Blocks at{a, b, stride_a, stride_b};
+TAVU_VEC_INLINE int32_t skip_by_groups(int32_t height, Blocks at, int32_t threshold) {
     int32_t sum = 0;
     for (; height >= 4; height -= 4) {
-        AbsSum<ROW_WIDTH<Columns>> rows[4], group;
-#pragma GCC unroll 4
-        for (auto &row : rows) {
-            add_row<Columns>(row, at);
-            group.add(row);
+        AbsSum<ROW_WIDTH<Columns>> one;
+        add_row<Columns>(one, at);
+        auto two = one;
+        add_row<Columns>(two, at);
+        auto three = two;
+        add_row<Columns>(three, at);
+        auto four = three;
+        add_row<Columns>(four, at);
+        const int32_t before = sum;
+        sum += four.total();
+        if (__builtin_expect(sum > threshold, 0)) {
+            if (before + three.total() <= threshold) return sum;
+            if (before + two.total() <= threshold) return before + three.total();
+            if (before + one.total() <= threshold) return before + two.total();
+            return before + one.total();
         }
-        const int32_t more = group.total();
-        if (sum + more > threshold) {
-            int32_t totals[4], i = 0;
-            running_totals(rows, totals);
-            while (sum + totals[i] <= threshold) i++;
-            return sum + totals[i];
-        }
-        sum += more;
     }
-    return height > 0 ? skip_by_rows(Columns, height, at, threshold, sum) : sum;
+    for (; height > 0; height--) {
+        AbsSum<ROW_WIDTH<Columns>> row;
+        add_row<Columns>(row, at);
+        sum += row.total();
+        if (sum > threshold) break;
+    }
+    return sum;
 }
 
-// The paths are apart, so that none pays for the registers of another.
 TAVU_VEC_INLINE int32_t best_sad_eskip(int32_t width, int32_t height, const Blocks &at,
                                        int32_t threshold) {
-    const auto skip = [&](auto *path) {
-        return path(height, at.a, at.b, at.stride_a, at.stride_b, threshold);
-    };
-    switch (width) {
-        case 8: return skip(skip_by_groups<8>);
-        case 16: return skip(skip_by_groups<16>);
-        case 32: return skip(skip_by_groups<32>);
-        case 64: return skip(skip_by_groups<64>);
-        default: return skip_by_rows(width, height, at, threshold, 0);
-    }
+    if (width == 16) return skip_by_groups<16>(height, at, threshold);
+    if (width == 64) return skip_by_groups<64>(height, at, threshold);
+    if (width == 8) return skip_by_groups<8>(height, at, threshold);
+    if (width == 32) return skip_by_groups<32>(height, at, threshold);
+    return skip_by_rows(width, height, at.a, at.b, at.stride_a, at.stride_b, threshold);
 }
 
 #else
