@@ -15,15 +15,14 @@ namespace {
 // Two blocks; a loop over rows moves both on.
 struct Blocks {
     const uint8_t *a, *b;
-    int32_t stride_a, stride_b;
+    ptrdiff_t stride_a, stride_b;
 
     void next_row() {
         a += stride_a;
         b += stride_b;
     }
     Blocks tile(int32_t x, int32_t y) const {
-        return {a + static_cast<ptrdiff_t>(y) * stride_a + x,
-                b + static_cast<ptrdiff_t>(y) * stride_b + x, stride_a, stride_b};
+        return {a + y * stride_a + x, b + y * stride_b + x, stride_a, stride_b};
     }
 };
 

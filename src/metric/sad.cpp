@@ -41,9 +41,6 @@ TAVU_VEC_INLINE void add_row(AbsSum<ROW_WIDTH<Columns>> &sum, Blocks &at) {
         add_start<Columns>(sum, at, 0);
         at.next_row();
     }
-    // Else the compiler keeps a pointer to each row of a group in a register of its own, and saves
-    // as many registers before the first load.
-    __asm__("" : "+r"(at.a), "+r"(at.b));
 }
 
 // Any multiple of four columns.
@@ -71,48 +68,63 @@ __attribute__((noinline)) int32_t skip_by_rows(int32_t width, int32_t height, co
 // Groups of four rows: a running sum never falls, so that one test serves a group. Only where it
 // exceeds, the row is looked for.
 template <int Columns>
-TAVU_VEC_INLINE int32_t skip_by_groups(int32_t height, Blocks at, int32_t threshold) {
-    int32_t sum = 0;
+__attribute__((noinline, noclone)) int32_t skip_by_groups(int32_t, int32_t height, const uint8_t *a,
+                                                          const uint8_t *b, int32_t stride_a,
+                                                          int32_t stride_b, int32_t threshold) {
+    Blocks at{a, b, stride_a, stride_b};
+    using Sum = AbsSum<ROW_WIDTH<Columns>>;
+    int32_t left = threshold;  // of it, behind the rows so far
     for (; height >= 4; height -= 4) {
-        AbsSum<ROW_WIDTH<Columns>> one;
+        // Else the compiler keeps a pointer to each row in a register of its own, and saves as many
+        // registers before the first load.
+        __asm__("" : "+r"(at.a), "+r"(at.b));
+        Sum one;
         add_row<Columns>(one, at);
-        auto two = one;
+        Sum two = one;
         add_row<Columns>(two, at);
-        auto three = two;
+        Sum three = two;
         add_row<Columns>(three, at);
-        auto four = three;
+        Sum four = three;
         add_row<Columns>(four, at);
-        const int32_t before = sum;
-        sum += four.total();
-        if (__builtin_expect(sum > threshold, 0)) {
-            if (before + three.total() <= threshold) return sum;
-            if (before + two.total() <= threshold) return before + three.total();
-            if (before + one.total() <= threshold) return before + two.total();
-            return before + one.total();
+        const int32_t sum = four.total();
+        if (__builtin_expect(sum > left, 0)) {
+            const int32_t before = threshold - left;
+            if (three.total() <= left) return before + sum;
+            if (two.total() <= left) return before + three.total();
+            return before + (one.total() <= left ? two : one).total();
         }
+        left -= sum;
     }
     for (; height > 0; height--) {
-        AbsSum<ROW_WIDTH<Columns>> row;
+        Sum row;
         add_row<Columns>(row, at);
-        sum += row.total();
-        if (sum > threshold) break;
+        const int32_t sum = row.total();
+        if (sum > left) return threshold - left + sum;
+        left -= sum;
     }
-    return sum;
+    return threshold - left;
 }
 
-TAVU_VEC_INLINE int32_t best_sad_eskip(int32_t width, int32_t height, const Blocks &at,
+// The paths are apart, so that none pays for the registers of another; parameters stay where they are.
+TAVU_VEC_INLINE int32_t best_sad_eskip(int32_t width, int32_t height, const uint8_t *a,
+                                       const uint8_t *b, int32_t stride_a, int32_t stride_b,
                                        int32_t threshold) {
-    if (width == 16) return skip_by_groups<16>(height, at, threshold);
-    if (width == 64) return skip_by_groups<64>(height, at, threshold);
-    if (width == 8) return skip_by_groups<8>(height, at, threshold);
-    if (width == 32) return skip_by_groups<32>(height, at, threshold);
-    return skip_by_rows(width, height, at.a, at.b, at.stride_a, at.stride_b, threshold);
+    const auto skip = [=](auto *path) {
+        return path(width, height, a, b, stride_a, stride_b, threshold);
+    };
+    if (width == 16) return skip(skip_by_groups<16>);
+    if (width == 64) return skip(skip_by_groups<64>);
+    if (width == 8) return skip(skip_by_groups<8>);
+    return width == 32 ? skip(skip_by_groups<32>) : skip(skip_by_rows);
 }
 
 #else
 
 constexpr auto best_sad_area = sad_area;
-constexpr auto best_sad_eskip = sad_eskip;
+int32_t best_sad_eskip(int32_t width, int32_t height, const uint8_t *a, const uint8_t *b,
+                       int32_t stride_a, int32_t stride_b, int32_t threshold) {
+    return sad_eskip(width, height, {a, b, stride_a, stride_b}, threshold);
+}
 
 #endif
 
@@ -142,5 +154,5 @@ TAVU_METRIC_AREA(tavu_sad, best_sad_area)
 TAVU_KERNEL(int32_t, tavu_sad_eskip,
             (int32_t width, int32_t height, const uint8_t *a, const uint8_t *b, int32_t stride_a,
              int32_t stride_b, int32_t threshold)) {
-    return best_sad_eskip(width, height, {a, b, stride_a, stride_b}, threshold);
+    return best_sad_eskip(width, height, a, b, stride_a, stride_b, threshold);
 }
