@@ -113,32 +113,46 @@ TAVU_VEC_INLINE void add_satd8x8_twice(RoundedSums &sum, Blocks &at) {
 
 #endif
 
+#if defined(__AVX512BW__)
+
+// One block of 8x8, all of it in two registers. The halves of the third stage leave one bit of the
+// row in neighbouring lanes, which are added; the last two stages are of the other bits.
+TAVU_VEC_INLINE int32_t satd8x8_registers(const Blocks &at) {
+    Words<64> p, q;
+    const Bytes<64> a = load_block(at.a, at.stride_a);
+    butterfly_difference(a, load_block(at.b, at.stride_b), &p, &q);
+    zip(p, q);
+    butterfly(p, q);
+    zip(p, q);
+    butterfly(p, q);
+    zip_halves(p, q);
+    butterfly(p, q);
+    zip_rows(p, q);
+    butterfly_abs(p, q);
+    zip_rows(p, q);
+    return (sum_doubled_pairs(add_halves(larger(p, q))) + 2) >> 2;
+}
+
+#else
+
 // One block of 8x8, with several rows in a register where they fit.
 template <int N = STACKED>
 TAVU_VEC_INLINE int32_t satd8x8_registers(Blocks at) {
     RoundedSum<16> sum;
     if constexpr (N == 16) {
         add_satd8x8(sum, at);
-        return sum.total();
-    }
-    Words<N> v[128 / N];
-#pragma GCC unroll 8
-    for (auto &row : v) row = load_stacked_difference(at.a, at.stride_a, at.b, at.stride_b);
-    if constexpr (N == 32) {
+    } else {
+        Words<N> v[128 / N];
+#pragma GCC unroll 4
+        for (auto &row : v) row = load_stacked_difference(at.a, at.stride_a, at.b, at.stride_b);
         transform_rows(v);
         sum.add(add(larger_half(v[0]), larger_half(v[2])),
                 add(larger_half(v[1]), larger_half(v[3])));
     }
-    if constexpr (N == 64) {
-        transform_pair(v[0], v[1]);
-        zip_rows(v[0], v[1]);
-        butterfly_abs(v[0], v[1]);
-        zip_rows(v[0], v[1]);
-        const auto m = add_halves(larger(v[0], v[1]));
-        sum.add(low_half(m), high_half(m));
-    }
     return sum.total();
 }
+
+#endif
 
 }  // namespace
 }  // namespace tavu

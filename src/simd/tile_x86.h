@@ -226,9 +226,10 @@ TAVU_VEC_INLINE R larger(R a, R b) {
     return Of<R>::max_epi16(a, b);
 }
 
-TAVU_VEC_INLINE void butterfly_difference(__m128i a, __m128i b, __m128i *p, __m128i *q) {
-    *p = _mm_sub_epi16(sum_columns(a), sum_columns(b));
-    *q = _mm_sub_epi16(subtract_columns(a), subtract_columns(b));
+template <class R>
+TAVU_VEC_INLINE void butterfly_difference(R a, R b, R *p, R *q) {
+    *p = Of<R>::sub_epi16(sum_columns(a), sum_columns(b));
+    *q = Of<R>::sub_epi16(subtract_columns(a), subtract_columns(b));
 }
 
 // Registers of 16 bytes hold sums and differences, wider ones sums beside differences.
@@ -279,11 +280,17 @@ TAVU_VEC_INLINE Words<N> load_difference(const uint8_t *&a, ptrdiff_t stride_a, 
 
 #if defined(__AVX512BW__)
 
-constexpr int STACKED = 64;
+// A block of 8x8.
+TAVU_VEC_INLINE __m512i load_block(const uint8_t *p, ptrdiff_t stride) {
+    const __m256i even = load_rows<32, 8>(p, stride);
+    return _mm512_inserti64x4(_mm512_castsi256_si512(even), load_rows<32, 8>(p, stride), 1);
+}
 
-TAVU_VEC_INLINE __m512i load_stacked(const uint8_t *p, ptrdiff_t stride) {
-    const __m128i low = load8_twice(p, 2 * stride), high = load8_twice(p + 4 * stride, 2 * stride);
-    return _mm512_cvtepu8_epi16(_mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1));
+// As zip(), but of the two halves of each 16 bytes.
+TAVU_VEC_INLINE void zip_halves(__m512i &a, __m512i &b) {
+    const __m512i low = _mm512_unpacklo_epi64(a, b);
+    b = _mm512_unpackhi_epi64(a, b);
+    a = low;
 }
 
 // As zip(), but of a bit that tells rows apart, which are 16 bytes each.
@@ -297,8 +304,11 @@ TAVU_VEC_INLINE __m256i add_halves(__m512i v) {
     return _mm256_add_epi16(_mm512_castsi512_si256(v), _mm512_extracti64x4_epi64(v, 1));
 }
 
-TAVU_VEC_INLINE __m128i low_half(__m256i v) { return _mm256_castsi256_si128(v); }
-TAVU_VEC_INLINE __m128i high_half(__m256i v) { return _mm256_extracti128_si256(v, 1); }
+// Doubled sums of neighbours, which wrap in 16 signed bits, all added.
+TAVU_VEC_INLINE int32_t sum_doubled_pairs(__m256i v) {
+    const __m256i pairs = _mm256_add_epi16(v, _mm256_slli_epi32(v, 16));
+    return sum_lanes(fold(_mm256_srai_epi32(_mm256_add_epi16(pairs, pairs), 16)));
+}
 
 #elif defined(__AVX2__)
 
@@ -320,6 +330,7 @@ TAVU_VEC_INLINE __m128i load_stacked(const uint8_t *p, ptrdiff_t) { return load_
 
 #endif
 
+#if !defined(__AVX512BW__)
 TAVU_VEC_INLINE Words<STACKED> load_stacked_difference(const uint8_t *&a, ptrdiff_t stride_a,
                                                        const uint8_t *&b, ptrdiff_t stride_b) {
     const Words<STACKED> d =
@@ -328,6 +339,7 @@ TAVU_VEC_INLINE Words<STACKED> load_stacked_difference(const uint8_t *&a, ptrdif
     b += stride_b;
     return d;
 }
+#endif
 
 template <int N>
 class MagnitudeSum {
