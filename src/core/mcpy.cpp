@@ -56,13 +56,13 @@ void tavu_mcpy_blk(void *dst, const void *src, int32_t dst_stride, int32_t src_s
                    int32_t width, int32_t height) {
     const Rows at{static_cast<uint8_t *>(dst), static_cast<const uint8_t *>(src), dst_stride,
                   src_stride};
+    if (width == 8) return copy_rows<8>(at, height);
+    if (width == 16) return copy_rows<16>(at, height);
     switch (width) {
         case 2: copy_rows<2>(at, height); break;
         case 4: copy_rows<4>(at, height); break;
         case 6: copy_rows<6>(at, height); break;
-        case 8: copy_rows<8>(at, height); break;
         case 12: copy_rows<12>(at, height); break;
-        case 16: copy_rows<16>(at, height); break;
         case 24: copy_rows<24>(at, height); break;
         default: break;  // 32 and 48 too copy nothing
     }
