@@ -68,9 +68,9 @@ __attribute__((noinline)) int32_t skip_by_rows(int32_t width, int32_t height, co
 // Groups of four rows: a running sum never falls, so that one test serves a group. Only where it
 // exceeds, the row is looked for.
 template <int Columns>
-__attribute__((noinline, noclone)) int32_t skip_by_groups(int32_t, int32_t height, const uint8_t *a,
-                                                          const uint8_t *b, int32_t stride_a,
-                                                          int32_t stride_b, int32_t threshold) {
+__attribute__((noinline)) int32_t skip_by_groups(int32_t height, const uint8_t *a, const uint8_t *b,
+                                                 int32_t stride_a, int32_t stride_b,
+                                                 int32_t threshold) {
     Blocks at{a, b, stride_a, stride_b};
     using Sum = AbsSum<ROW_WIDTH<Columns>>;
     int32_t left = threshold;  // of it, behind the rows so far
@@ -105,17 +105,16 @@ __attribute__((noinline, noclone)) int32_t skip_by_groups(int32_t, int32_t heigh
     return threshold - left;
 }
 
-// The paths are apart, so that none pays for the registers of another; parameters stay where they are.
+// The paths are apart, so that none pays for the registers of another.
 TAVU_VEC_INLINE int32_t best_sad_eskip(int32_t width, int32_t height, const uint8_t *a,
                                        const uint8_t *b, int32_t stride_a, int32_t stride_b,
                                        int32_t threshold) {
-    const auto skip = [=](auto *path) {
-        return path(width, height, a, b, stride_a, stride_b, threshold);
-    };
+    const auto skip = [=](auto *path) { return path(height, a, b, stride_a, stride_b, threshold); };
     if (width == 16) return skip(skip_by_groups<16>);
     if (width == 64) return skip(skip_by_groups<64>);
     if (width == 8) return skip(skip_by_groups<8>);
-    return width == 32 ? skip(skip_by_groups<32>) : skip(skip_by_rows);
+    if (width == 32) return skip(skip_by_groups<32>);
+    return skip_by_rows(width, height, a, b, stride_a, stride_b, threshold);
 }
 
 #else

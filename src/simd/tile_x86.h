@@ -238,7 +238,8 @@ constexpr int COLUMN_REGISTERS = N == 16 ? 2 : 1;
 
 // 16 columns, twice; of 64 bytes also those 4 rows below.
 template <int N>
-TAVU_VEC_INLINE Bytes<N> load_columns(const uint8_t *p, [[maybe_unused]] ptrdiff_t stride) {
+TAVU_VEC_INLINE Bytes<N> load_columns([[maybe_unused]] const uint8_t *p,
+                                      [[maybe_unused]] ptrdiff_t stride) {
 #if defined(__AVX512BW__)
     if constexpr (N == 64) {
         const __m512i row = _mm512_broadcast_i32x4(load<16>(p));
@@ -282,8 +283,8 @@ TAVU_VEC_INLINE Words<N> load_difference(const uint8_t *&a, ptrdiff_t stride_a, 
 
 // A block of 8x8.
 TAVU_VEC_INLINE __m512i load_block(const uint8_t *p, ptrdiff_t stride) {
-    const __m256i even = load_rows<32, 8>(p, stride);
-    return _mm512_inserti64x4(_mm512_castsi256_si512(even), load_rows<32, 8>(p, stride), 1);
+    const __m256i upper = load_rows<32, 8>(p, stride), lower = load_rows<32, 8>(p, stride);
+    return _mm512_inserti64x4(_mm512_castsi256_si512(upper), lower, 1);
 }
 
 // As zip(), but of the two halves of each 16 bytes.
