@@ -3,15 +3,19 @@
  * libtavu: building blocks for codecs and players.
  *
  * The library keeps no state, starts no threads and needs only the C library. Failures are told by
- * return values; nothing is printed and the process is never aborted. Unless a function says
- * otherwise it may be called from any number of threads at once, as long as no two of them work on
- * the same object or write the same memory.
+ * return values; nothing is printed and the process is never aborted.
  *
- * Units: sizes and strides are bytes, widths and heights pixels, unless the text says samples,
- * pixels or bits. A stride is the distance between the starts of two rows.
+ * What holds unless a function or its section says otherwise:
  *
- * Functions that are called "unchecked" test none of their arguments: pixel kernels and the bit
- * reader and writer trust their caller and state what they demand.
+ * - Threads: a function may be called from any number of threads at once, as long as no two of them
+ *   work on the same object or write the same memory.
+ * - Units: sizes and strides are bytes, widths and heights pixels, unless the text says samples,
+ *   pixels or bits. A stride is the distance between the starts of two rows.
+ * - Memory needs no alignment, and nothing is read or written outside what the arguments describe.
+ * - Pointers are not null. Where null is allowed, or is told by an error, the function says so.
+ * - "Unchecked": no argument is tested at all. Pixel kernels and the bit reader and writer trust
+ *   their caller and state what they demand.
+ * - Null means a null pointer; a failure code is negative.
  */
 #ifndef TAVU_H
 #define TAVU_H
@@ -22,19 +26,30 @@
 extern "C" {
 #endif
 
+/** Marks what the library exports. */
 #if defined(__GNUC__)
 #define TAVU_API __attribute__((visibility("default")))
 #else
 #define TAVU_API
 #endif
 
-/* ------------------------------------------------------------------------------------------------
- * Core: status codes, aligned memory, version, integer logarithms, atomic counters, fills and copies
- * --------------------------------------------------------------------------------------------- */
+/* ---- Core ------------------------------------------------------------------------------------ */
 
-/** Status codes: 0 is success, every failure is negative. */
+/**
+ * @defgroup core Core
+ * Status codes, aligned memory, version, integer logarithms, atomic counters, fills and copies.
+ *
+ * Threads: all of it is reentrant but tavu_version(). The atomic counters and the wait and wake
+ * pair are made for words that threads share.
+ * @{
+ */
+
+/**
+ * Status codes: 0 is success, every failure is negative. Creators store theirs through a pointer
+ * that may be null; other functions return it.
+ */
 enum {
-    TAVU_OK = 0,
+    TAVU_OK = 0, /**< success */
     /** Generic failure. */
     TAVU_ERR = -1,
     /** No memory for an object record; or an image payload too small for a rebirth. */
@@ -59,7 +74,10 @@ enum {
  */
 TAVU_API void *tavu_malloc_align32(uint32_t size);
 
-/** Frees a block of either aligned allocator; null is ignored. Unchecked. */
+/**
+ * Frees a block of either aligned allocator; null is ignored. Unchecked: a pointer from anywhere
+ * else, malloc() included, corrupts the heap.
+ */
 TAVU_API void tavu_mfree_align32(void *block);
 
 /** The same as tavu_malloc_align32(); blocks of the two are interchangeable. */
@@ -69,25 +87,29 @@ TAVU_API void *tavu_malloc_fast_align32(uint32_t size);
 TAVU_API void tavu_mfree_fast_align32(void *block);
 
 /**
- * The build stamp "Dec 27 2013 13:23:55" followed by a line feed.
+ * The build stamp "Dec 27 2013 13:23:55" followed by a line feed, 21 bytes and a zero byte.
  * @return a static buffer of the library that each call writes again: not thread-safe
  */
 TAVU_API const char *tavu_version(void);
 
-/** Rounded-down base-2 logarithm of an unsigned value; -1 for 0. */
+/** Rounded-down base-2 logarithm of an unsigned value, 0..31; -1 for 0. */
 TAVU_API int32_t tavu_floor_log2(uint32_t value);
 
-/** Rounded-up base-2 logarithm of an unsigned value; -1 for 0, 32 above 0x80000000. */
+/** Rounded-up base-2 logarithm of an unsigned value, 0..32; -1 for 0, 32 above 0x80000000. */
 TAVU_API int32_t tavu_ceil_log2(uint32_t value);
 
 /**
  * Adds 1 to a word atomically (relaxed: no ordering of other accesses); wraps at INT32_MAX.
  * Unchecked; safe from any number of threads on the same word, also beside tavu_atomic_dec().
+ * @param word aligned to 4 bytes
  * @return the value after the addition
  */
 TAVU_API int32_t tavu_atomic_inc(int32_t *word);
 
-/** Subtracts 1 atomically, otherwise like tavu_atomic_inc(); wraps at INT32_MIN. */
+/**
+ * Subtracts 1 atomically, otherwise like tavu_atomic_inc(); wraps at INT32_MIN.
+ * @return the value after the subtraction
+ */
 TAVU_API int32_t tavu_atomic_dec(int32_t *word);
 
 /**
@@ -95,7 +117,9 @@ TAVU_API int32_t tavu_atomic_dec(int32_t *word);
  * sleeps between events, elsewhere it spins politely.
  *
  * No acquire barrier follows the final load: a caller that goes on to read data published by the
- * waker issues its own.
+ * waker issues its own. Unchecked.
+ * @param word aligned to 4 bytes; any number of threads may wait on it
+ * @param value what to wait for
  * @return 0 when the word equals `value`; #TAVU_ERR as soon as the word holds -1, the agreed sign
  *         to give up, even when -1 is the value waited for
  */
@@ -103,27 +127,35 @@ TAVU_API int32_t tavu_sync_wait(int32_t *word, int32_t value);
 
 /**
  * Stores `value` into a word and wakes every waiter. All earlier writes of the caller are visible
- * before the word changes.
+ * before the word changes. Unchecked.
+ * @param word aligned to 4 bytes
+ * @param value what to store; -1 makes all waiters give up
  * @return 0
  */
 TAVU_API int32_t tavu_sync_wake(int32_t *word, int32_t value);
 
-/*
- * Fills and block copies for pixel memory. Unchecked; sizes and strides are bytes. Each has a
- * granularity of its own and deals with the remainder in its own way, on which callers rely. Sizes
- * below the first block write nothing, unless said otherwise. Source and target must not overlap.
+/**
+ * @name Fills and block copies
+ * For pixel memory. Unchecked; sizes, widths and strides are bytes. Each has a granularity of its
+ * own and deals with the remainder in its own way, on which callers rely. Sizes below the first
+ * block write nothing, unless said otherwise. Source and target must not overlap.
+ * @{
  */
 
 /**
  * Fills with a 32-bit value in blocks of 128 bytes, at least one: writes `size` rounded up to a
- * multiple of 128 bytes, and 128 for a size below 1.
+ * multiple of 128 bytes, and 128 for a size below 1. Up to 127 bytes behind `size` must be
+ * writable.
  */
 TAVU_API void tavu_mset_x128(void *dst, uint32_t value, int32_t size);
 
-/** Fills with a byte in whole blocks of 128; the last `size` % 128 bytes stay as they are. */
+/**
+ * Fills with a byte in whole blocks of 128, despite its name; the last `size` % 128 bytes stay as
+ * they are.
+ */
 TAVU_API void tavu_mset_x64(void *dst, uint8_t value, int32_t size);
 
-/** Fills exactly `size` bytes with the low 8 bits of `value`. */
+/** Fills exactly `size` bytes with the low 8 bits of `value`; none for a size below 1. */
 TAVU_API void tavu_mset_x64a(void *dst, int32_t value, int32_t size);
 
 /**
@@ -133,8 +165,8 @@ TAVU_API void tavu_mset_x64a(void *dst, int32_t value, int32_t size);
 TAVU_API void tavu_mset_x32(void *dst, uint32_t value, int32_t size);
 
 /**
- * Fills `size` bytes, at least 32: whole blocks of 32 with the 32-bit value, the rest with its low
- * byte.
+ * Fills exactly `size` bytes: whole blocks of 32 with the 32-bit value, the rest with its low byte.
+ * A size below 32 writes nothing.
  */
 TAVU_API void tavu_mset_x32ax4(void *dst, uint32_t value, int32_t size);
 
@@ -146,22 +178,36 @@ TAVU_API void tavu_mset_x32ax4(void *dst, uint32_t value, int32_t size);
 TAVU_API void tavu_mclr_x64(void *dst, int32_t words);
 
 /**
- * Copies rows of at least 64 bytes. When `width` equals both strides the rows are copied as one run
- * of `width` * `height` bytes: its whole blocks of 64 and only the first byte of what remains.
+ * Copies rows. When `width` equals both strides the rows are copied as one run of `width` *
+ * `height` bytes: its whole blocks of 64 and only the first byte of what remains.
+ * @param width bytes of a row, at least 64; of one run the total is at least 64
+ * @param height rows; below 1 copies nothing
  */
 TAVU_API void tavu_mcpy_pic(void *dst, const void *src, int32_t dst_stride, int32_t src_stride,
                             int32_t width, int32_t height);
 
 /**
- * Copies a block of 2, 4, 6, 8, 12, 16 or 24 bytes width. Every other width copies nothing.
- * @param height a multiple of 2, of 4 for widths of 16 and 24
+ * Copies a block of rows.
+ * @param width 2, 4, 6, 8, 12, 16 or 24 bytes; every other width, 32 and 48 too, copies nothing
+ * @param height rows, a multiple of 2, of 4 for widths of 16 and 24
  */
 TAVU_API void tavu_mcpy_blk(void *dst, const void *src, int32_t dst_stride, int32_t src_stride,
                             int32_t width, int32_t height);
 
-/* ------------------------------------------------------------------------------------------------
- * Image buffer
- * --------------------------------------------------------------------------------------------- */
+/** @} */
+
+/** @} */
+
+/* ---- Image buffer ---------------------------------------------------------------------------- */
+
+/**
+ * @defgroup imgb Image buffer
+ * The library's picture: planes, their strides and their memory, counted by references.
+ *
+ * Threads: only the count is atomic. Several threads may read a picture and add or drop references;
+ * tavu_imgb_rebirth(), tavu_imgb_option(), tavu_imgb_expand() and writers need it for themselves.
+ * @{
+ */
 
 /**
  * Colour-space codes. An image buffer takes 10, 11, 12, 13, 18, 43 (planar, 8 bits a sample) and
@@ -196,15 +242,18 @@ enum {
 };
 
 /**
- * Payload allocator of a buffer object.
- * @param size bytes wanted
+ * Payload allocator of a buffer object, called at creation only.
+ * @param size bytes wanted; may be 0
  * @param second where to store the payload's address in a second address space, for example a
- *        device's; 0 means none
- * @return the payload or null
+ *        device's. It holds 0, which means none
+ * @return the payload, of any alignment, or null, which makes the creation fail
  */
 typedef void *(*tavu_imgb_alloc_fn)(int32_t size, uint32_t *second);
 
-/** Frees what the matching tavu_imgb_alloc_fn returned. */
+/**
+ * Frees what the matching tavu_imgb_alloc_fn returned, given both of its addresses. Called by the
+ * thread that drops the last reference.
+ */
 typedef void (*tavu_imgb_free_fn)(void *payload, uint32_t second);
 
 /**
@@ -217,21 +266,24 @@ struct tavu_imgb_t {
     int32_t (*addref)(tavu_imgb_t *);  /**< adds a reference; returns the new count */
     int32_t (*getref)(tavu_imgb_t *);  /**< returns the count */
     int32_t (*release)(tavu_imgb_t *); /**< drops a reference; at 0 frees payload and record */
-    int32_t w, h;                      /**< visible size in pixels */
-    int32_t x, y;                      /**< start of the region of interest, see tavu_md5_imgb() */
-    int32_t cs;                        /**< colour-space code */
-    int32_t stride[4];                 /**< bytes per row, alignment and both paddings included */
-    int32_t rows[4];                   /**< rows, alignment and both paddings included */
-    uint8_t *addr[4];                  /**< first visible pixel */
-    uint32_t paddr[4];                 /**< the same in the second address space */
-    uint32_t reserved0[8];             /**< zero */
-    int32_t aw, ah;                    /**< aligned size of plane 0 in pixels, without padding */
-    tavu_imgb_alloc_fn mem_alloc;      /**< payload allocator used at creation */
-    tavu_imgb_free_fn mem_free;        /**< payload free function */
-    uint8_t *base[4];                  /**< start of the plane's storage, padding included */
-    uint32_t pbase[4];                 /**< the same in the second address space */
-    int32_t size;                      /**< payload capacity in bytes, fixed at creation */
-    uint32_t reserved1[3];             /**< zero */
+    int32_t w,                         /**< visible width in pixels */
+        h;                             /**< visible height in pixels */
+    int32_t x,                    /**< left column of the region of interest, see tavu_md5_imgb() */
+        y;                        /**< upper row of the region of interest */
+    int32_t cs;                   /**< colour-space code */
+    int32_t stride[4];            /**< bytes per row, alignment and both paddings included */
+    int32_t rows[4];              /**< rows, alignment and both paddings included */
+    uint8_t *addr[4];             /**< first visible pixel */
+    uint32_t paddr[4];            /**< the same in the second address space */
+    uint32_t reserved0[8];        /**< zero */
+    int32_t aw,                   /**< aligned width of plane 0 in pixels, without padding */
+        ah;                       /**< aligned height of plane 0 in rows, without padding */
+    tavu_imgb_alloc_fn mem_alloc; /**< payload allocator used at creation */
+    tavu_imgb_free_fn mem_free;   /**< payload free function */
+    uint8_t *base[4];             /**< start of the plane's storage, padding included */
+    uint32_t pbase[4];            /**< the same in the second address space */
+    int32_t size;                 /**< payload capacity in bytes, fixed at creation */
+    uint32_t reserved1[3];        /**< zero */
 };
 
 /**
@@ -239,19 +291,22 @@ struct tavu_imgb_t {
  * methods return #TAVU_ERR_INVALID_ARGUMENT for null.
  *
  * Planes lie back to back in one payload. Each is its visible size, rounded up to the alignment,
- * with the padding around it. The default payload is aligned to 32 bytes and not initialised.
+ * with the padding around it. The default payload is aligned to 32 bytes and not initialised. A
+ * stride is (aligned width + 2 * padding) * bytes per pixel; rows are aligned to 32 bytes only if
+ * `align` and `pad` make the stride a multiple of 32.
  *
  * The second addresses of later planes advance from that of the payload even when it is 0: with the
  * default allocator `pbase[p]` is the plane's byte offset in the payload.
  *
- * @param w,h visible size in pixels
- * @param cs  colour-space code
- * @param opt 0, or TAVU_IMGB_OPT_ flags
+ * @param w,h visible size in pixels; 0 is allowed
+ * @param cs  colour-space code, see #TAVU_CS_YUV400 and the codes that follow it
+ * @param opt 0, or TAVU_IMGB_OPT_ flags; other bits are ignored
  * @param align null, or one entry per plane: width alignment in pixels << 16 | height alignment in
  *        rows, each a power of two, at least 1
  * @param pad null, or one entry per plane: pixels added on the left and on the right << 16 | rows
  *        added above and below
- * @param mem_alloc,mem_free payload callbacks; both null for the default
+ * @param mem_alloc,mem_free payload callbacks. Without an allocator the default pair is used,
+ *        whatever `mem_free` is
  * @param status null, or where to store #TAVU_OK, #TAVU_ERR_INVALID_ARGUMENT (an allocator without
  *        a free function, a negative size, an alignment that is no power of two, or a picture
  *        whose rows or payload exceed INT32_MAX bytes), #TAVU_ERR_OUT_OF_MEMORY,
@@ -265,9 +320,11 @@ TAVU_API tavu_imgb_t *tavu_imgb_create(int32_t w, int32_t h, int32_t cs, int32_t
 
 /**
  * Lays an existing buffer out anew over its payload, which is never allocated again. Needs
- * exclusive use of the buffer. `x` and `y` become 0; `size`, callbacks and count stay.
- * @return #TAVU_OK; #TAVU_ERR_OUT_OF_MEMORY when the payload is too small; otherwise as
- *         tavu_imgb_create(). On failure the buffer is unchanged.
+ * exclusive use of the buffer. `x` and `y` become 0; `size`, callbacks and count stay. The
+ * arguments are those of tavu_imgb_create().
+ * @return #TAVU_OK; #TAVU_ERR_OUT_OF_MEMORY when the payload is too small;
+ *         #TAVU_ERR_INVALID_ARGUMENT for a null buffer, else for the reasons of tavu_imgb_create();
+ *         #TAVU_ERR_UNSUPPORTED_CS. On failure the buffer is unchanged.
  */
 TAVU_API int32_t tavu_imgb_rebirth(tavu_imgb_t *imgb, int32_t w, int32_t h, int32_t cs, int32_t opt,
                                    const uint32_t *align, const uint32_t *pad);
@@ -279,6 +336,8 @@ TAVU_API int32_t tavu_imgb_rebirth(tavu_imgb_t *imgb, int32_t w, int32_t h, int3
  * width, then the first `aw[p]` *bytes* of each row between `h[p]` and `ah[p]`, whatever the size
  * of a pixel. #TAVU_IMGB_OPT_CLEAR_PAD zeroes the padding rows, then `pad[p] >> 16` *bytes* at the
  * start of each other row and as many from byte `(pad[p] >> 16) + aw[p]` on.
+ *
+ * The arrays are trusted; only the buffer is tested.
  *
  * @param planes number of planes; all arrays have one entry per plane
  * @param w,h visible plane size in pixels
@@ -294,37 +353,48 @@ TAVU_API int32_t tavu_imgb_option(tavu_imgb_t *imgb, int32_t opt, int32_t planes
 /**
  * Fills the padding of a planar 8-bit picture by repeating its edges, corners included.
  *
- * Planes 1 and 2 are taken as half as wide and high as plane 0 (of its aligned size, rounded up)
+ * The edges are those of the *aligned* picture, `aw` x `ah`: what alignment adds beyond the visible
+ * pixels is repeated, not replaced. Planes 1 and 2 are taken as half as wide and high (rounded up)
  * whatever the layout: of codes 12, 13 and 18 they are larger, and the strips are written inside.
+ * If a picture of code 11 is aligned, give planes 1 and 2 half the alignment of plane 0.
  *
  * @param pad one entry per plane, as given at creation: bytes on each side << 16 | rows above and
  *        below. The left strip begins as many *bytes* left of the picture as there are *rows*
- *        above; give equal numbers for a filled strip
+ *        above; give equal numbers for a filled strip. Larger entries than at creation write
+ *        outside the payload
  * @return #TAVU_OK; #TAVU_ERR_UNSUPPORTED for codes other than 10, 11, 12, 13 and 18;
  *         #TAVU_ERR_INVALID_ARGUMENT for null
  */
 TAVU_API int32_t tavu_imgb_expand(tavu_imgb_t *imgb, const uint32_t *pad);
 
 /**
- * Writes `width` copies of the byte at `src` to `dst`, then steps both on by `stride`, `rows` times.
- * Unchecked; a width or row count below 1 writes nothing.
+ * Writes `width` copies of the byte at `src` to `dst`, then steps both on by `stride` bytes, `rows`
+ * times. Unchecked; a width or row count below 1 writes nothing.
  */
 TAVU_API void tavu_imgb_expand_ver(const uint8_t *src, uint8_t *dst, int32_t rows, int32_t stride,
                                    int32_t width);
 
 /**
- * Copies the `len` bytes at `src` to `rows` rows that follow each other at `dst`. Unchecked. With a
- * `len` that is a multiple of 4 but not of 16 the row count is rounded up to a multiple of 8.
+ * Copies the `len` bytes at `src` to `rows` rows that follow each other at `dst`, `len` bytes
+ * apart. Unchecked; a length or row count below 1 writes nothing. With a `len` that is a multiple
+ * of 4 but not of 16 the row count is rounded up to a multiple of 8.
  */
 TAVU_API void tavu_imgb_expand_hor(const uint8_t *src, uint8_t *dst, int32_t len, int32_t rows);
 
-/* ------------------------------------------------------------------------------------------------
- * Audio, bitstream and frame-list buffers, variable data
- *
+/** @} */
+
+/* ---- Audio, bitstream and frame-list buffers, variable data ---------------------------------- */
+
+/**
+ * @defgroup buffers Audio, bitstream and frame-list buffers, variable data
  * The buffers begin with the same counted header as tavu_imgb_t; their methods return
  * #TAVU_ERR_INVALID_ARGUMENT for null. A null allocator stands for the default pair. A free
  * function of null is taken as it is: then the payload is not freed.
- * --------------------------------------------------------------------------------------------- */
+ *
+ * Threads: as for pictures, only the count is atomic. A tavu_vdata_t belongs to one thread at a
+ * time.
+ * @{
+ */
 
 /** A reference-counted buffer of audio samples; read-only for callers but for the payload. */
 typedef struct tavu_audb_t tavu_audb_t;
@@ -348,9 +418,9 @@ struct tavu_audb_t {
 };
 
 /**
- * Creates an audio buffer with reference count 1. The default payload is aligned to 32 bytes and
- * not initialised.
- * @param samples samples per channel
+ * Creates an audio buffer with reference count 1; give it back with its `release` method. The
+ * default blocks are aligned to 32 bytes and not initialised.
+ * @param samples samples per channel; 0 is allowed, as for the next two
  * @param channels number of channels, at most 8 unless interleaved
  * @param bits bits per sample; each takes (bits + 7) / 8 bytes
  * @param value kept for the caller
@@ -384,7 +454,8 @@ struct tavu_bitb_t {
 };
 
 /**
- * Creates a bitstream buffer with reference count 1. The default payload is malloc()'s.
+ * Creates a bitstream buffer with reference count 1; give it back with its `release` method. The
+ * default payload is malloc()'s, aligned as malloc() does and not initialised.
  * @param size payload bytes; the default allocator refuses a negative size
  * @param value kept for the caller
  * @param unused ignored
@@ -407,7 +478,7 @@ struct tavu_mfal_t {
 };
 
 /**
- * Creates a frame-list record with reference count 1.
+ * Creates a frame-list record with reference count 1; give it back with its `release` method.
  * @param unused ignored
  * @param status null, or where to store #TAVU_OK or #TAVU_ERR_OUT_OF_MEMORY
  * @return the record or null
@@ -423,25 +494,35 @@ typedef struct {
 
 /**
  * Stores a copy of `len` bytes, with two zero bytes behind them. A copy that the record holds
- * already is not freed: call tavu_vdata_free() first.
+ * already is not freed: call tavu_vdata_free() first. `type` is kept for the caller.
  * @return #TAVU_OK; #TAVU_ERR_INVALID_ARGUMENT for null or a length below 1;
  *         #TAVU_ERR_OUT_OF_MEMORY. On failure the record is unchanged.
  */
 TAVU_API int32_t tavu_vdata_set(tavu_vdata_t *vd, const void *src, int32_t len, int32_t type);
 
-/** tavu_vdata_set() with the bytes, length and type of `src`. */
+/** tavu_vdata_set() with the bytes, length and type of `src`; results are the same. */
 TAVU_API int32_t tavu_vdata_cpy(tavu_vdata_t *dst, const tavu_vdata_t *src);
 
 /** Frees the copy, if any, and zeroes the record; null is ignored. */
 TAVU_API void tavu_vdata_free(tavu_vdata_t *vd);
 
-/* ------------------------------------------------------------------------------------------------
- * Bitstream reader
- *
+/** @} */
+
+/* ---- Bitstream reader ------------------------------------------------------------------------ */
+
+/**
+ * @defgroup bsr Bitstream reader
  * Reads a byte buffer most significant bit first through a 32-bit cache word. Unchecked: the record
- * must have been initialised and bit counts must be 0..32. A record must not be shared by threads.
- * The position of the next bit is (cur - beg) bytes less `leftbits` bits.
- * --------------------------------------------------------------------------------------------- */
+ * must have been initialised and bit counts must be 0..32. A hostile buffer is safe all the same:
+ * nothing beyond its `size` bytes is read, whatever they hold.
+ *
+ * The position of the next bit is (cur - beg) bytes less `leftbits` bits. At the end of the data
+ * `leftbits` may become negative, and results differ from function to function; test `leftbits` < 0
+ * after a header for one that was cut short.
+ *
+ * Threads: a record must not be shared.
+ * @{
+ */
 
 /** Bit reader; the caller allocates it. */
 typedef struct tavu_bsr_t tavu_bsr_t;
@@ -466,6 +547,9 @@ struct tavu_bsr_t {
 
 /**
  * Starts a reader over `size` bytes, which must stay valid while it is used. Loads nothing yet.
+ * There is nothing to give back.
+ * @param buf first byte; may be null with size 0
+ * @param size bytes, 0 or more
  * @param flush refill function, or null for tavu_bsr_flush()
  */
 TAVU_API void tavu_bsr_init(tavu_bsr_t *bs, const void *buf, int32_t size, tavu_bsr_flush_fn flush);
@@ -487,38 +571,49 @@ TAVU_API int32_t tavu_bsr_read(tavu_bsr_t *bs, int32_t size);
 /** Reads one bit; -1 when a needed refill fails. With a negative `leftbits` it returns 0. */
 TAVU_API int32_t tavu_bsr_read1(tavu_bsr_t *bs);
 
-/** Drops `size` bits, 0..32. */
+/**
+ * Drops `size` bits, 0..32. When a needed refill fails the cache is left empty, and nothing tells;
+ * when bits are missing `leftbits` becomes negative.
+ */
 TAVU_API void tavu_bsr_skip(tavu_bsr_t *bs, int32_t size);
 
-/** The next `size` bits, 0..32, without consuming them; bits beyond the end are 0. */
+/**
+ * The next `size` bits, 0..32, without consuming them; bits beyond the end are 0. May move whole
+ * bytes into the cache, which does not change the position.
+ */
 TAVU_API uint32_t tavu_bsr_peek(tavu_bsr_t *bs, int32_t size);
 
 /** Drops `skip` bits, then peeks `size`; 0 when the refill for the skip fails. */
 TAVU_API uint32_t tavu_bsr_skip_peek(tavu_bsr_t *bs, int32_t skip, int32_t size);
 
-/** Drops the bits up to the next byte boundary. */
+/** Drops the 0..7 bits up to the next byte boundary. */
 TAVU_API void tavu_bsr_skip_align8(tavu_bsr_t *bs);
 
 /**
  * Reads the bits up to the next byte boundary.
  * @param bits null, or where to store their number, 0..7
- * @return their value
+ * @return their value, 0..127; 0 when there are none
  */
 TAVU_API int32_t tavu_bsr_read_align8(tavu_bsr_t *bs, int32_t *bits);
 
 /**
- * Reads an unsigned Exp-Golomb code (ITU-T H.264, 9.1). Codes of up to 31 bits, values 0..65534,
- * always decode.
+ * Reads an unsigned Exp-Golomb code (ITU-T H.264, 9.1): n zeros, a 1 and n bits i stand for
+ * 2^n - 1 + i. Codes of up to 31 bits, values 0..65534, always decode; longer ones may not.
  * @return the value, or -2 at the end of the data
  */
 TAVU_API int32_t tavu_bsr_read_ue(tavu_bsr_t *bs);
 
-/** Reads a signed Exp-Golomb code (0, 1, -1, 2, -2, ...); +1 at the end of the data. */
+/**
+ * Reads a signed Exp-Golomb code (ITU-T H.264, 9.1.1): codes 0, 1, 2, 3, 4 stand for 0, 1, -1, 2,
+ * -2.
+ * @return the value; +1 at the end of the data
+ */
 TAVU_API int32_t tavu_bsr_read_se(tavu_bsr_t *bs);
 
 /**
- * Reads a truncated Exp-Golomb code of values 0..range: the inverted next bit for a range of 1
- * (2 when no bit is left), tavu_bsr_read_ue() above; below 1 it returns 0 and reads nothing.
+ * Reads a truncated Exp-Golomb code (ITU-T H.264, 9.1) of values 0..range: the inverted next bit
+ * for a range of 1 (2 when no bit is left), tavu_bsr_read_ue() above, with its result at the end of
+ * the data; below 1 it returns 0 and reads nothing. The value is not held against `range`.
  */
 TAVU_API int32_t tavu_bsr_read_te(tavu_bsr_t *bs, int32_t range);
 
@@ -526,26 +621,41 @@ TAVU_API int32_t tavu_bsr_read_te(tavu_bsr_t *bs, int32_t range);
  * Reads a unary code: the number of 1 bits before a 0 bit, which is consumed too.
  *
  * A run that fills the cache to its last valid bit ends there: its 0 is taken from beyond, and
- * `leftbits` becomes -1. A full cache of 32 bits is skipped and counted as 32 ones.
+ * `leftbits` becomes -1 although data may be left. tavu_bsr_read() and tavu_bsr_skip() then consume
+ * the bit that is owed, and a read leaves it above the bits asked for; other functions do not know
+ * of it. A full cache of 32 bits is skipped and counted as 32 ones; the cache is full after
+ * tavu_bsr_peek() or tavu_bsr_skip_peek() at a byte boundary.
  */
 TAVU_API int32_t tavu_bsr_read_un(tavu_bsr_t *bs);
 
 /**
  * Reads a truncated unary code of at most `max` ones. After exactly `max` ones a 0 that follows is
- * consumed too; of more than `max` ones exactly `max` are consumed.
+ * consumed too; of more than `max` ones exactly `max` are consumed. `max` of 0 reads nothing.
+ *
+ * As with tavu_bsr_read_un() a run ends with the cache. Of a full cache of 32 bits the next `max`
+ * bits are dropped unseen and `max` is returned; if `max` is larger, all 32 count as ones. If ones
+ * were counted in a cache that was then refilled, a result of `max` drops `max` bits of the new
+ * one.
  */
 TAVU_API int32_t tavu_bsr_read_tu(tavu_bsr_t *bs, int32_t max);
 
 /** Number of leading zero bits of a word; 32 for 0. */
 TAVU_API int32_t tavu_bsr_clz_in_code(uint32_t code);
 
-/* ------------------------------------------------------------------------------------------------
- * Bitstream writer
- *
+/** @} */
+
+/* ---- Bitstream writer ------------------------------------------------------------------------ */
+
+/**
+ * @defgroup bsw Bitstream writer
  * Writes a byte buffer most significant bit first through a 32-bit cache word. Unchecked but for
- * room in the buffer. A record must not be shared by threads. After tavu_bsw_sink() cur - beg bytes
- * are written.
- * --------------------------------------------------------------------------------------------- */
+ * room in the buffer. After tavu_bsw_sink() cur - beg bytes are written. A stream fits if the
+ * buffer has one byte more than it. A longer one is refused, but tavu_bsw_write1() may by then have
+ * written 3 bytes beyond the buffer.
+ *
+ * Threads: a record must not be shared.
+ * @{
+ */
 
 /** Bit writer; the caller allocates it. */
 typedef struct tavu_bsw_t tavu_bsw_t;
@@ -567,7 +677,10 @@ struct tavu_bsw_t {
 };
 
 /**
- * Starts a writer on a buffer of `size` bytes.
+ * Starts a writer on a buffer of `size` bytes, which must stay valid while it is used. There is
+ * nothing to give back.
+ * @param buf first byte; may be null with size 0
+ * @param size bytes, 0 or more
  * @param flush spill function, or null for the default
  */
 TAVU_API void tavu_bsw_init(tavu_bsw_t *bs, void *buf, int32_t size, tavu_bsw_flush_fn flush);
@@ -581,21 +694,29 @@ TAVU_API void tavu_bsw_init(tavu_bsw_t *bs, void *buf, int32_t size, tavu_bsw_fl
 TAVU_API int32_t tavu_bsw_write1(tavu_bsw_t *bs, int32_t bit);
 
 /**
- * Writes the low `len` bits of `value`, 0..32.
+ * Writes the low bits of `value`; its other bits do not matter.
+ * @param len number of bits, 0..32
  * @return 0; -1 when the cache is full and the buffer has less than 5 bytes left, one more than is
  *         needed. What fitted into the cache is then in it
  */
 TAVU_API int32_t tavu_bsw_write(tavu_bsw_t *bs, uint32_t value, int32_t len);
 
-/** Writes an unsigned Exp-Golomb code (ITU-T H.264, 9.1) of 0..65534; result as tavu_bsw_write(). */
+/**
+ * Writes an unsigned Exp-Golomb code (ITU-T H.264, 9.1) of 0..65534; larger values give no valid
+ * code. The result is that of tavu_bsw_write().
+ */
 TAVU_API int32_t tavu_bsw_write_ue(tavu_bsw_t *bs, uint32_t value);
 
-/** Writes a signed Exp-Golomb code of -32767..32767; result as tavu_bsw_write(). */
+/**
+ * Writes a signed Exp-Golomb code (ITU-T H.264, 9.1.1) of -32767..32767; the result is that of
+ * tavu_bsw_write().
+ */
 TAVU_API int32_t tavu_bsw_write_se(tavu_bsw_t *bs, int32_t value);
 
 /**
- * Writes a truncated Exp-Golomb code of values 0..range: the inverted bit for a range of 1, an
- * unsigned code above; below 1 it writes nothing and returns 0.
+ * Writes a truncated Exp-Golomb code of values 0..range: the inverted bit for a range of 1, with
+ * the result of tavu_bsw_write1(), an unsigned code above, with that of tavu_bsw_write_ue(); below
+ * 1 it writes nothing and returns 0.
  */
 TAVU_API int32_t tavu_bsw_write_te(tavu_bsw_t *bs, int32_t value, int32_t range);
 
@@ -608,69 +729,79 @@ TAVU_API int32_t tavu_bsw_sink(tavu_bsw_t *bs);
 /** Calls the spill function without testing room or emptying the cache; returns its result. */
 TAVU_API int32_t tavu_bsw_deinit(tavu_bsw_t *bs);
 
-/** Bits of the unsigned Exp-Golomb code of 0..65534. */
+/** Bits of the unsigned Exp-Golomb code of 0..65534: 1..31. */
 TAVU_API int32_t tavu_bsw_size_ue(uint32_t value);
 
-/** Bits of the signed Exp-Golomb code of -32767..32767. */
+/** Bits of the signed Exp-Golomb code of -32767..32767: 1..31. */
 TAVU_API int32_t tavu_bsw_size_se(int32_t value);
 
-/* ------------------------------------------------------------------------------------------------
- * Media types, key frames, digests
- * --------------------------------------------------------------------------------------------- */
+/** @} */
+
+/* ---- Media types, key frames, digests -------------------------------------------------------- */
+
+/**
+ * @defgroup media Media types, key frames, digests
+ * Which codec a FourCC names, whether decoding can start at a unit, MD5 of bytes and pictures.
+ *
+ * Threads: an MD5 context must not be shared; all else is reentrant.
+ * @{
+ */
 
 /**
  * Media-type codes: video 100..299, audio 300..499, DRM 1100..1299, subtitle 3000..3199. The last
  * code of each family means "not in this family". The values are stored and exchanged by callers.
+ * Each is named with the FourCCs and numeric wave-format tags that map to it.
  */
 enum {
-    TAVU_MT_NONE = 0,
+    TAVU_MT_NONE = 0, /**< unknown to tavu_fcc2mt() */
 
+    /** MPEG-4 Visual: mp4v, xvid, divx, dx50, div4, m4s2, and these in capitals; FMP4. */
     TAVU_MT_VID_MPEG4 = 102,
-    TAVU_MT_VID_H263 = 103,
-    TAVU_MT_VID_H264 = 104,
-    TAVU_MT_VID_WMV1 = 105,
-    TAVU_MT_VID_WMV2 = 106,
-    TAVU_MT_VID_WMV3 = 107,
-    TAVU_MT_VID_DIV3 = 110,
-    TAVU_MT_VID_H263X = 111, /**< a second H.263 code; no FourCC maps to it */
-    TAVU_MT_VID_RV10 = 113,
-    TAVU_MT_VID_RV20 = 114,
-    TAVU_MT_VID_RV30 = 115,
-    TAVU_MT_VID_RV40 = 116,
-    TAVU_MT_VID_MP43 = 117,
-    TAVU_MT_VID_VC1 = 118,
-    TAVU_MT_VID_VP8 = 119,
-    TAVU_MT_VID_HEVC = 120,
-    TAVU_MT_VID_HFYU = 122,
-    TAVU_MT_VID_UNKNOWN = 299,
+    TAVU_MT_VID_H263 = 103,    /**< H.263: h263, H263, d263, s263 */
+    TAVU_MT_VID_H264 = 104,    /**< H.264: avc1, AVC1, H264, h264, x264, avcC */
+    TAVU_MT_VID_WMV1 = 105,    /**< wmv1, WMV1 */
+    TAVU_MT_VID_WMV2 = 106,    /**< wmv2, WMV2 */
+    TAVU_MT_VID_WMV3 = 107,    /**< wmv3, WMV3 */
+    TAVU_MT_VID_DIV3 = 110,    /**< DIV3, div3 */
+    TAVU_MT_VID_H263X = 111,   /**< a second H.263 code; no FourCC maps to it */
+    TAVU_MT_VID_RV10 = 113,    /**< RV10 */
+    TAVU_MT_VID_RV20 = 114,    /**< RV20 */
+    TAVU_MT_VID_RV30 = 115,    /**< RV30 */
+    TAVU_MT_VID_RV40 = 116,    /**< RV40 */
+    TAVU_MT_VID_MP43 = 117,    /**< mp43, MP43 */
+    TAVU_MT_VID_VC1 = 118,     /**< VC-1: wvc1, WVC1 */
+    TAVU_MT_VID_VP8 = 119,     /**< VP8: VP80 */
+    TAVU_MT_VID_HEVC = 120,    /**< HEVC: hvc1, HVC1, H265, h265, x265, hvcC */
+    TAVU_MT_VID_HFYU = 122,    /**< HuffYUV: HFYU */
+    TAVU_MT_VID_UNKNOWN = 299, /**< no video code */
 
-    TAVU_MT_AUD_PCM = 300,
-    TAVU_MT_AUD_ALAW = 301,
-    TAVU_MT_AUD_MULAW = 302,
-    TAVU_MT_AUD_MPEG = 304,
-    TAVU_MT_AUD_MP3 = 305,
-    TAVU_MT_AUD_AAC = 306,
-    TAVU_MT_AUD_AC3 = 307,
-    TAVU_MT_AUD_DTS = 308,
-    TAVU_MT_AUD_AMR = 309,
-    TAVU_MT_AUD_AMRWB = 310,
-    TAVU_MT_AUD_QCELP = 311,
-    TAVU_MT_AUD_WMA = 312,
-    TAVU_MT_AUD_WMAPRO = 313,
-    TAVU_MT_AUD_WMALSL = 314,
-    TAVU_MT_AUD_EVRC = 321,
-    TAVU_MT_AUD_SIPR = 331,
-    TAVU_MT_AUD_COOK = 332,
-    TAVU_MT_AUD_UNKNOWN = 499,
+    TAVU_MT_AUD_PCM = 300,     /**< linear PCM: tag 1 */
+    TAVU_MT_AUD_ALAW = 301,    /**< A-law: tag 6 */
+    TAVU_MT_AUD_MULAW = 302,   /**< mu-law: tag 7 */
+    TAVU_MT_AUD_MPEG = 304,    /**< MPEG audio, layers 1 and 2: tag 80 */
+    TAVU_MT_AUD_MP3 = 305,     /**< MPEG audio, layer 3: tag 85 */
+    TAVU_MT_AUD_AAC = 306,     /**< AAC: tag 255, "aac ", mp4a */
+    TAVU_MT_AUD_AC3 = 307,     /**< AC-3: tag 8192 */
+    TAVU_MT_AUD_DTS = 308,     /**< DTS: tag 8193 */
+    TAVU_MT_AUD_AMR = 309,     /**< AMR: samr */
+    TAVU_MT_AUD_AMRWB = 310,   /**< AMR-WB: sawb */
+    TAVU_MT_AUD_QCELP = 311,   /**< QCELP: sqcp, dqcp */
+    TAVU_MT_AUD_WMA = 312,     /**< WMA: tags 352, 353 */
+    TAVU_MT_AUD_WMAPRO = 313,  /**< WMA Professional: tag 354 */
+    TAVU_MT_AUD_WMALSL = 314,  /**< WMA Lossless: tag 355 */
+    TAVU_MT_AUD_EVRC = 321,    /**< EVRC: evrc */
+    TAVU_MT_AUD_SIPR = 331,    /**< sipr */
+    TAVU_MT_AUD_COOK = 332,    /**< cook */
+    TAVU_MT_AUD_UNKNOWN = 499, /**< no audio code */
 
-    TAVU_MT_DRM_DIVX = 1100,
-    TAVU_MT_DRM_UNKNOWN = 1299,
+    TAVU_MT_DRM_DIVX = 1100,    /**< DIVX, divx */
+    TAVU_MT_DRM_UNKNOWN = 1299, /**< no DRM code */
 
-    TAVU_MT_SUB_SRT = 3000,
-    TAVU_MT_SUB_TX3G = 3006,
-    TAVU_MT_SUB_ASS = 3007,
-    TAVU_MT_SUB_SSA = 3008,
-    TAVU_MT_SUB_UNKNOWN = 3199
+    TAVU_MT_SUB_SRT = 3000,    /**< SubRip: SSRT */
+    TAVU_MT_SUB_TX3G = 3006,   /**< 3GPP timed text: TX3G, tx3g, SBTL, sbtl */
+    TAVU_MT_SUB_ASS = 3007,    /**< Advanced SubStation Alpha: SASS */
+    TAVU_MT_SUB_SSA = 3008,    /**< SubStation Alpha: SSSA */
+    TAVU_MT_SUB_UNKNOWN = 3199 /**< no subtitle code */
 };
 
 /**
@@ -681,16 +812,16 @@ enum {
  */
 TAVU_API int32_t tavu_fcc2mt(uint32_t fcc);
 
-/** Audio code of a FourCC or wave-format tag, or #TAVU_MT_AUD_UNKNOWN. */
+/** The audio code of a FourCC or wave-format tag, or #TAVU_MT_AUD_UNKNOWN. */
 TAVU_API int32_t tavu_fcc2mt_aud(uint32_t fcc);
 
-/** Video code of a FourCC, or #TAVU_MT_VID_UNKNOWN. */
+/** The video code of a FourCC, or #TAVU_MT_VID_UNKNOWN. */
 TAVU_API int32_t tavu_fcc2mt_vid(uint32_t fcc);
 
-/** Subtitle code of a FourCC, or #TAVU_MT_SUB_UNKNOWN. */
+/** The subtitle code of a FourCC, or #TAVU_MT_SUB_UNKNOWN. */
 TAVU_API int32_t tavu_fcc2mt_sub(uint32_t fcc);
 
-/** DRM code of a FourCC, or #TAVU_MT_DRM_UNKNOWN; tavu_fcc2mt() names "DIVX" as video instead. */
+/** The DRM code of a FourCC, or #TAVU_MT_DRM_UNKNOWN; tavu_fcc2mt() calls "DIVX" video instead. */
 TAVU_API int32_t tavu_fcc2mt_drm(uint32_t fcc);
 
 /**
@@ -701,7 +832,8 @@ TAVU_API int32_t tavu_fcc2mt_drm(uint32_t fcc);
  * intra. H.264: an IDR slice comes before any other slice. HEVC: the first NAL unit is an IDR
  * slice; a unit that begins with a parameter set gives 0. WMV1, WMV2, DIV3: the picture type.
  * HuffYUV: always 1. Every other codec: 0. H.264 and HEVC units need start codes, not length
- * fields.
+ * fields. A start code counts if from its first byte on 5 bytes are left (MPEG-4 Visual), 7 (H.263)
+ * or 4 (H.264, HEVC).
  *
  * @param codec video media-type code
  * @param data  the unit. WMV1, WMV2 and DIV3 read the first byte whatever `size` is; an H.263 unit
@@ -718,13 +850,13 @@ typedef struct tavu_md5_t {
     uint32_t bits[2];  /**< message length in bits, low word first */
 } tavu_md5_t;
 
-/** Starts a digest. */
+/** Starts a digest. A context that was finished is started anew by this, too. */
 TAVU_API void tavu_md5_init(tavu_md5_t *md5);
 
-/** Adds `size` bytes, which need no alignment; null is allowed with size 0. */
+/** Adds `size` bytes, up to 2^61 - 1 in all; null is allowed with size 0. */
 TAVU_API void tavu_md5_update(tavu_md5_t *md5, const void *data, uint32_t size);
 
-/** Writes the 16-byte digest and zeroes the context. */
+/** Writes the 16 bytes of the digest in the order of RFC 1321 and zeroes the context. */
 TAVU_API void tavu_md5_finish(tavu_md5_t *md5, uint8_t digest[16]);
 
 /**
@@ -733,58 +865,79 @@ TAVU_API void tavu_md5_finish(tavu_md5_t *md5, uint8_t digest[16]);
  * Luma rows `y` to `h` - 1 contribute their first `w - x` bytes. Then planes 1 and 2, unless `cs`
  * is 10, contribute rows `y / 2` to `(h + 1) / 2 - 1` with `(w + 1 - x) / 2` bytes each: always as
  * if chroma were halved both ways, so that other layouts are covered in part and alpha is left out.
+ * Hence pictures of equal codes, sizes and samples have equal digests.
+ *
+ * @param imgb the picture; `x` and `y` are not negative
+ * @param digest 16 bytes
  * @return 0, or with nothing written #TAVU_ERR_UNSUPPORTED_CS when `cs` is above 99 or negative,
  *         #TAVU_ERR_INVALID_ARGUMENT for a null buffer
  */
 TAVU_API int32_t tavu_md5_imgb(const tavu_imgb_t *imgb, uint8_t digest[16]);
 
-/* ------------------------------------------------------------------------------------------------
- * Block metrics
- *
+/** @} */
+
+/* ---- Block metrics --------------------------------------------------------------------------- */
+
+/**
+ * @defgroup metric Block metrics
  * Compare two blocks of 8-bit samples, each given by its top-left sample and its stride in bytes.
- * Unchecked; no alignment is needed unless said. Kernels of 4 columns read 8 bytes of every row:
- * four more must be readable behind each row of both blocks, and never change the result.
- * --------------------------------------------------------------------------------------------- */
+ * Unchecked; sizes in names are columns x rows. No alignment is needed, but by tavu_sad_eskip().
+ *
+ * Readable slack: tavu_sad4x4(), tavu_sad4x8(), tavu_diff4x4() and tavu_ssd() of 4 columns may read
+ * 8 bytes of every row of both blocks. Four more must be readable behind each row; they never
+ * change the result.
+ *
+ * Results are not negative, but for tavu_satd8x8(). Threads: all is reentrant.
+ * @{
+ */
 
 /**
  * A metric of blocks of fixed size.
- * @param a,b the blocks
- * @param stride_a,stride_b bytes from row to row
+ * @param a,b the top-left samples of the blocks
+ * @param stride_a,stride_b bytes from row to row; may be negative
+ * @return the metric
  */
 typedef int32_t tavu_metric_block_t(const uint8_t *a, const uint8_t *b, int32_t stride_a,
                                     int32_t stride_b);
 
-/** A metric of blocks of `width` columns and `height` rows. */
+/** A metric of blocks of `width` columns and `height` rows; else as tavu_metric_block_t. */
 typedef int32_t tavu_metric_area_t(int32_t width, int32_t height, const uint8_t *a,
                                    const uint8_t *b, int32_t stride_a, int32_t stride_b);
 
-/* Sums of absolute differences; columns x rows. */
-TAVU_API tavu_metric_block_t tavu_sad2x2;
-TAVU_API tavu_metric_block_t tavu_sad2x4;
-TAVU_API tavu_metric_block_t tavu_sad4x2;
-TAVU_API tavu_metric_block_t tavu_sad4x4;
-TAVU_API tavu_metric_block_t tavu_sad4x8;
-TAVU_API tavu_metric_block_t tavu_sad8x4;
-TAVU_API tavu_metric_block_t tavu_sad8x8;
-TAVU_API tavu_metric_block_t tavu_sad8x16;
-TAVU_API tavu_metric_block_t tavu_sad16x8;
-TAVU_API tavu_metric_block_t tavu_sad16x16;
-TAVU_API tavu_metric_block_t tavu_sad16x32;
-TAVU_API tavu_metric_block_t tavu_sad32x16;
-TAVU_API tavu_metric_block_t tavu_sad32x32;
-TAVU_API tavu_metric_block_t tavu_sad64x32;
-TAVU_API tavu_metric_block_t tavu_sad32x64;
-TAVU_API tavu_metric_block_t tavu_sad64x64;
+/**
+ * @name Sums of absolute differences
+ * The sum of |a - b| over all samples, exact.
+ * @{
+ */
+TAVU_API tavu_metric_block_t tavu_sad2x2;   /**< 2 columns, 2 rows */
+TAVU_API tavu_metric_block_t tavu_sad2x4;   /**< 2 columns, 4 rows */
+TAVU_API tavu_metric_block_t tavu_sad4x2;   /**< 4 columns, 2 rows */
+TAVU_API tavu_metric_block_t tavu_sad4x4;   /**< 4 columns, 4 rows; needs the slack */
+TAVU_API tavu_metric_block_t tavu_sad4x8;   /**< 4 columns, 8 rows; needs the slack */
+TAVU_API tavu_metric_block_t tavu_sad8x4;   /**< 8 columns, 4 rows */
+TAVU_API tavu_metric_block_t tavu_sad8x8;   /**< 8 columns, 8 rows */
+TAVU_API tavu_metric_block_t tavu_sad8x16;  /**< 8 columns, 16 rows */
+TAVU_API tavu_metric_block_t tavu_sad16x8;  /**< 16 columns, 8 rows */
+TAVU_API tavu_metric_block_t tavu_sad16x16; /**< 16 columns, 16 rows */
+TAVU_API tavu_metric_block_t tavu_sad16x32; /**< 16 columns, 32 rows */
+TAVU_API tavu_metric_block_t tavu_sad32x16; /**< 32 columns, 16 rows */
+TAVU_API tavu_metric_block_t tavu_sad32x32; /**< 32 columns, 32 rows */
+TAVU_API tavu_metric_block_t tavu_sad64x32; /**< 64 columns, 32 rows */
+TAVU_API tavu_metric_block_t tavu_sad32x64; /**< 32 columns, 64 rows */
+TAVU_API tavu_metric_block_t tavu_sad64x64; /**< 64 columns, 64 rows */
+/** @} */
 
 /**
  * Sum of absolute differences of 8 columns if `width` is 8, of 16 columns for every other width.
- * The height is a multiple of 4 for 8 columns, of 8 for 16, and at most 256.
+ * The height is a positive multiple of 4 for 8 columns, of 8 for 16, and at most 256.
  */
 TAVU_API tavu_metric_area_t tavu_sad;
 
 /**
  * Sum of absolute differences that stops after the first row at which it exceeds `threshold`.
- * @param width a multiple of 4
+ * At least one row is summed, whatever the threshold; equality does not stop.
+ * @param width a positive multiple of 4
+ * @param height rows, at least 1
  * @param a first block, aligned to 4 bytes as is its stride
  * @param b second block, of any alignment; whole aligned words around each row must be readable
  * @return the sum of all rows, or of the rows up to the one that exceeded the threshold
@@ -796,63 +949,89 @@ TAVU_API int32_t tavu_sad_eskip(int32_t width, int32_t height, const uint8_t *a,
  * Residual of blocks of fixed size: a - b, as 16-bit samples.
  * @param stride_a,stride_b bytes from row to row
  * @param stride_diff samples from row to row of the residual
- * @param diff residual; samples beyond the block's columns are not written
+ * @param diff residual, aligned as an int16_t; samples beyond the block's columns are not written
  */
 typedef void tavu_diff_block_t(const uint8_t *a, const uint8_t *b, int32_t stride_a,
                                int32_t stride_b, int32_t stride_diff, int16_t *diff);
 
-TAVU_API tavu_diff_block_t tavu_diff2x2;
-TAVU_API tavu_diff_block_t tavu_diff4x4;
-TAVU_API tavu_diff_block_t tavu_diff8x8;
-TAVU_API tavu_diff_block_t tavu_diff16x16;
-TAVU_API tavu_diff_block_t tavu_diff32x32;
-TAVU_API tavu_diff_block_t tavu_diff64x64;
+TAVU_API tavu_diff_block_t tavu_diff2x2;   /**< 2 columns, 2 rows */
+TAVU_API tavu_diff_block_t tavu_diff4x4;   /**< 4 columns, 4 rows; needs the slack */
+TAVU_API tavu_diff_block_t tavu_diff8x8;   /**< 8 columns, 8 rows */
+TAVU_API tavu_diff_block_t tavu_diff16x16; /**< 16 columns, 16 rows */
+TAVU_API tavu_diff_block_t tavu_diff32x32; /**< 32 columns, 32 rows */
+TAVU_API tavu_diff_block_t tavu_diff64x64; /**< 64 columns, 64 rows */
 
-/** Residual of any size; a width or height below 1 writes nothing. Reads the blocks alone. */
+/**
+ * Residual of any size, otherwise as tavu_diff_block_t; a width or height below 1 writes nothing.
+ * Reads the blocks alone.
+ */
 TAVU_API void tavu_diff(int32_t width, int32_t height, const uint8_t *a, const uint8_t *b,
                         int32_t stride_a, int32_t stride_b, int32_t stride_diff, int16_t *diff);
 
 /**
- * Sum of squared differences of 4, 8, 16 or 32 columns; every other width is taken as 64. The height
- * is a multiple of 4 for 4, 8 and 16 columns, of 2 for 32.
+ * Sum of squared differences of 4, 8, 16 or 32 columns; every other width is taken as 64. The
+ * height is a positive multiple of 4 for 4, 8 and 16 columns, of 2 for 32. 4 columns need the
+ * slack. The sum cannot exceed INT32_MAX for up to 33025 samples, 8 times 64x64.
  */
 TAVU_API tavu_metric_area_t tavu_ssd;
 
 /**
- * Half the sum of the magnitudes of the 4x4 Hadamard transform, rounded down.
- * @param block 16 residuals of -2047..2047, row by row
+ * Half the sum of the magnitudes of the two-dimensional 4x4 Hadamard transform, not normalised,
+ * rounded down. Its basis functions are products of +1 and -1.
+ * @param block 16 residuals of -2047..2047, row by row without gaps, aligned as an int16_t
+ * @return the metric, as tavu_satd4x4() of blocks with this residual
  */
 TAVU_API int32_t tavu_hadamard4x4(const int16_t *block);
 
-/** tavu_hadamard4x4() of the residual of two 4x4 blocks. */
+/** tavu_hadamard4x4() of the residual of two 4x4 blocks; at most 8160. Reads the blocks alone. */
 TAVU_API tavu_metric_block_t tavu_satd4x4;
 
 /**
  * A quarter of the sum of the magnitudes of the 8x8 Hadamard transform of the residual, rounded to
- * nearest. The magnitudes of each horizontal frequency are summed in 16 bits that wrap, and taken as
- * signed: exact as long as none of the eight sums exceeds 32767.
+ * nearest. The magnitudes of each horizontal frequency are summed in 16 bits that wrap, and taken
+ * as signed: exact as long as none of the eight sums exceeds 32767. A residual of strong contrast
+ * in just the right pattern does, and may even give a negative result.
  */
 TAVU_API tavu_metric_block_t tavu_satd8x8;
 
-/** Sum of tavu_satd4x4() over all 4x4 tiles; width and height are multiples of 4. */
+/** Sum of tavu_satd4x4() over all 4x4 tiles; width and height are positive multiples of 4. */
 TAVU_API tavu_metric_area_t tavu_satd;
 
-/** Sum of tavu_satd4x4() over the 4x4 tiles that cover the block; the last may reach beyond it. */
+/**
+ * Sum of tavu_satd4x4() over the 4x4 tiles that cover the block; the last may reach up to 3 samples
+ * beyond it, which must be readable. 0 for a width or height below 1.
+ */
 TAVU_API tavu_metric_area_t tavu_satd1;
 
-/** Sum of tavu_satd8x8() over the 8x8 tiles that cover the block; the last may reach beyond it. */
+/**
+ * Sum of tavu_satd8x8() over the 8x8 tiles that cover the block; the last may reach up to 7 samples
+ * beyond it, which must be readable. 0 for a width or height below 1.
+ */
 TAVU_API tavu_metric_area_t tavu_satd2;
 
-/* ------------------------------------------------------------------------------------------------
- * Image resizing
- *
+/** @} */
+
+/* ---- Image resizing -------------------------------------------------------------------------- */
+
+/**
+ * @defgroup irsz Image resizing
  * Bilinear with 3-bit fractions: positions carry 18 fraction bits, of which the upper three choose
  * one of 8 x 8 groups of four weights that sum to 64; sums are shifted right by 6, truncating.
  * Shrinking by 3 or more takes every 2nd, 4th, 8th or 16th source pixel as its grid. A target pixel
  * i lies at i * (source - 1) / target, so that a resize to the same size is no copy.
  *
- * Largest source: (size - 1) >> decimation shift must stay below 8192.
- * --------------------------------------------------------------------------------------------- */
+ * With q = source / target, rounded down, an axis has
+ *
+ * - the decimation shift: 0 for q up to 2, 1 up to 4, 2 up to 8, 3 up to 16, else 4
+ * - the step: (((source - 1) >> shift) << 18) / target, in units of 1 << shift source pixels
+ *
+ * Largest source: (size - 1) >> shift must stay below 8192. That is 8192 pixels, 16384 if the
+ * target is smaller by 3 or more, and so on up to 131072; see docs/limits.md.
+ *
+ * Threads: an object belongs to one thread at a time; kernels and drivers of different objects may
+ * run at once, as long as nobody writes tavu_irsz_tbl_rsz_weight.
+ * @{
+ */
 
 /** Pixel formats of the resizer. */
 enum {
@@ -870,18 +1049,24 @@ enum {
 };
 
 /** Errors of tavu_irsz_create(), besides #TAVU_ERR. */
-enum { TAVU_IRSZ_ERR_MODE = -2, TAVU_IRSZ_ERR_ALLOC = -3, TAVU_IRSZ_ERR_FORMAT = -4 };
+enum {
+    TAVU_IRSZ_ERR_MODE = -2,  /**< neither FULL nor LINE */
+    TAVU_IRSZ_ERR_ALLOC = -3, /**< no memory for the object */
+    TAVU_IRSZ_ERR_FORMAT = -4 /**< unknown pixel format */
+};
 
 /** What a resizer is to do. */
 typedef struct tavu_irsz_param {
-    int32_t fmt;          /**< TAVU_IRSZ_ pixel format */
-    int32_t mode;         /**< TAVU_IRSZ_MODE_ */
-    int32_t src_w, src_h; /**< source size in pixels */
-    int32_t src_s;        /**< source stride in pixels */
-    int32_t band_h;       /**< band mode: rows per band, a power of two */
-    int32_t dst_w, dst_h; /**< target size in pixels */
-    int32_t dst_s;        /**< target stride in pixels */
-    void *dst;            /**< target pixels; must outlive the resizer */
+    int32_t fmt;    /**< TAVU_IRSZ_ pixel format */
+    int32_t mode;   /**< TAVU_IRSZ_MODE_ */
+    int32_t src_w,  /**< source width in pixels */
+        src_h;      /**< source height in pixels */
+    int32_t src_s;  /**< source stride in pixels; in full mode it may be negative */
+    int32_t band_h; /**< band mode: rows per band, a power of two */
+    int32_t dst_w,  /**< target width in pixels */
+        dst_h;      /**< target height in pixels */
+    int32_t dst_s;  /**< target stride in pixels */
+    void *dst;      /**< target pixels; must outlive the resizer */
 } tavu_irsz_param;
 
 typedef struct tavu_irsz_t tavu_irsz_t;
@@ -891,31 +1076,32 @@ typedef int32_t (*tavu_irsz_fn)(tavu_irsz_t *rsz, const void *src, int32_t first
 
 /**
  * A resizer; read-only for callers. Lengths named in lines are bytes, in 5-6-5 to 5-6-5 pixels.
- * An object must not be used by two threads at once.
  */
 struct tavu_irsz_t {
-    int32_t fmt;              /**< pixel format */
-    int32_t mode;             /**< mode */
-    int32_t step_x;           /**< column step per target pixel, 18 fraction bits, in units of
-                                   1 << shift_x source pixels */
-    int32_t step_y;           /**< row step per target row, in units of 1 << shift_y rows */
-    int32_t pos_y;            /**< band mode: position of the next target row */
-    int32_t next_x;           /**< pixels to the right-hand neighbour: 1 << shift_x */
-    int32_t line_size;        /**< source line */
-    int32_t dst_w, dst_h;     /**< target size in pixels */
-    int32_t dst_line;         /**< target line */
-    int32_t shift_x, shift_y; /**< decimation shifts, 0..4 */
-    int32_t next_row;         /**< distance to the lower neighbour row */
-    int32_t carry_next;       /**< band mode: offset of the carried row's lower neighbour in the
-                                   next band */
-    int32_t pending;          /**< band mode: 1 while a target row waits for its lower row */
-    int32_t band_size;        /**< band_h lines */
-    int32_t out_row;          /**< band mode: next target row */
-    int32_t upscale;          /**< 1 if either axis grows */
-    int32_t reuse;            /**< band mode: 1 while the next upper row is the carried one */
-    tavu_irsz_fn rsz_func;    /**< driver of the pixel format */
-    uint8_t *carry_buf;       /**< band mode: the carried source row */
-    uint8_t *dst;             /**< target pixels */
+    int32_t fmt;           /**< pixel format */
+    int32_t mode;          /**< mode */
+    int32_t step_x;        /**< column step per target pixel, 18 fraction bits, in units of
+                                1 << shift_x source pixels */
+    int32_t step_y;        /**< row step per target row, in units of 1 << shift_y rows */
+    int32_t pos_y;         /**< band mode: position of the next target row */
+    int32_t next_x;        /**< pixels to the right-hand neighbour: 1 << shift_x */
+    int32_t line_size;     /**< source line */
+    int32_t dst_w,         /**< target width in pixels */
+        dst_h;             /**< target height in pixels */
+    int32_t dst_line;      /**< target line */
+    int32_t shift_x,       /**< decimation shift of columns, 0..4 */
+        shift_y;           /**< decimation shift of rows, 0..4 */
+    int32_t next_row;      /**< distance to the lower neighbour row */
+    int32_t carry_next;    /**< band mode: offset of the carried row's lower neighbour in the
+                                next band */
+    int32_t pending;       /**< band mode: 1 while a target row waits for its lower row */
+    int32_t band_size;     /**< band_h lines */
+    int32_t out_row;       /**< band mode: next target row */
+    int32_t upscale;       /**< 1 if either axis grows */
+    int32_t reuse;         /**< band mode: 1 while the next upper row is the carried one */
+    tavu_irsz_fn rsz_func; /**< driver of the pixel format */
+    uint8_t *carry_buf;    /**< band mode: the carried source row */
+    uint8_t *dst;          /**< target pixels */
 };
 
 /**
@@ -926,15 +1112,16 @@ struct tavu_irsz_t {
  * its lack test `carry_buf` for null.
  *
  * @param err null, or where to store 0, #TAVU_IRSZ_ERR_ALLOC, #TAVU_IRSZ_ERR_MODE (checked first),
- *        #TAVU_IRSZ_ERR_FORMAT, or #TAVU_ERR: a size below 1, a source too large (see above), lines
- *        or bands of more than INT32_MAX bytes, or in band mode a band height that is no power of
- *        two or a stride below 1
+ *        #TAVU_IRSZ_ERR_FORMAT, or #TAVU_ERR: a size below 1, a source too large (see above), 16
+ *        source lines or one target line of more than INT32_MAX bytes (5-6-5 to 5-6-5: pixels), or
+ *        in band mode a band height that is no power of two, a stride below 1, or band_h + 16
+ *        source lines beyond INT32_MAX
  * @return the resizer or null
  */
 TAVU_API tavu_irsz_t *tavu_irsz_create(const tavu_irsz_param *param, int32_t *err);
 
 /**
- * Resizes. Calls the driver of the pixel format; unchecked.
+ * Resizes. Calls the driver of the pixel format; unchecked. Source and target must not overlap.
  *
  * Mode FULL: `src` is the source image, the other arguments are ignored. Mode LINE: `src` is a band
  * of `rows` source rows, of which the first has index `first_row`, a multiple of `rows`; `rows`
@@ -955,30 +1142,37 @@ TAVU_API void tavu_irsz_delete(tavu_irsz_t *rsz);
 
 /** Driver of #TAVU_IRSZ_8B; arguments and result as tavu_irsz(). */
 TAVU_API int32_t tavu_irsz8b(tavu_irsz_t *rsz, const void *src, int32_t first_row, int32_t rows);
-/** Driver of #TAVU_IRSZ_8B8B8B. */
+/** Driver of #TAVU_IRSZ_8B8B8B; arguments and result as tavu_irsz(). */
 TAVU_API int32_t tavu_irsz8b8b8b(tavu_irsz_t *rsz, const void *src, int32_t first_row,
                                  int32_t rows);
-/** Driver of #TAVU_IRSZ_8B8B8B_5B6B5B. */
+/** Driver of #TAVU_IRSZ_8B8B8B_5B6B5B; arguments and result as tavu_irsz(). */
 TAVU_API int32_t tavu_irsz8b8b8b_5b6b5b(tavu_irsz_t *rsz, const void *src, int32_t first_row,
                                         int32_t rows);
-/** Driver of #TAVU_IRSZ_5B6B5B. */
+/** Driver of #TAVU_IRSZ_5B6B5B; arguments and result as tavu_irsz(). */
 TAVU_API int32_t tavu_irsz5b6b5b(tavu_irsz_t *rsz, const void *src, int32_t first_row,
                                  int32_t rows);
-/** Driver of #TAVU_IRSZ_8B8B8B8B. */
+/** Driver of #TAVU_IRSZ_8B8B8B8B; arguments and result as tavu_irsz(). */
 TAVU_API int32_t tavu_irsz8b8b8b8b(tavu_irsz_t *rsz, const void *src, int32_t first_row,
                                    int32_t rows);
 
 /**
- * Computes the packed steps, (step << 3) | shift, that the whole-image kernels take. A target size
- * of 0 raises SIGFPE. The result is no status and means nothing.
+ * Computes the packed steps, (step << 3) | shift, that the whole-image kernels take. Unchecked: a
+ * target size of 0 raises SIGFPE, and of an axis that shrinks to less than a 1024th of what
+ * decimation leaves the upper bits are lost, for a step has 29 bits. tavu_irsz() does not pack and
+ * has no such limit.
+ * @param src_w,src_h source size in pixels
+ * @param dst_w,dst_h target size in pixels
+ * @param step_x,step_y where to store the packed steps
+ * @return no status; it means nothing
  */
 TAVU_API int32_t bilinear_rsz_step_size(int32_t src_w, int32_t src_h, int32_t dst_w, int32_t dst_h,
                                         int32_t *step_x, int32_t *step_y);
 
 /**
  * Bilinear weights: four bytes at 32 * a + 4 * b for the horizontal fraction a and the vertical
- * fraction b in eighths, upper-left, upper-right, lower-left, lower-right. The resizer reads this
- * table, which is writable.
+ * fraction b in eighths: upper-left (8 - a)(8 - b), upper-right a(8 - b), lower-left (8 - a)b,
+ * lower-right ab. The resizer reads this table, which is writable: other weights that sum to 64 at
+ * most are obeyed, more slowly.
  */
 TAVU_API extern uint8_t tavu_irsz_tbl_rsz_weight[256];
 
@@ -999,7 +1193,8 @@ typedef void tavu_irsz_line_t(const uint8_t *const rows[2], const uint8_t *wrow,
                               int32_t shift_x, int32_t next_x, int32_t step_x, uint8_t *out);
 
 /**
- * Whole-image kernel. Unchecked. A `dst_w` or `dst_h` below 1 writes nothing.
+ * Whole-image kernel. Unchecked. A `dst_w` or `dst_h` below 1 writes nothing. Reads no byte beyond
+ * the lower right-hand neighbour of the last pixel.
  * @param src,src_line source and its line size in bytes (5-6-5 to 5-6-5: pixels)
  * @param dst_w,dst_h  target size in pixels
  * @param dst_line,dst target line size in bytes (5-6-5 to 5-6-5: pixels) and target
@@ -1031,23 +1226,38 @@ TAVU_API tavu_irsz_line_t tavu_irsz5b6b5b_line;
 /** 5-6-5 units, line sizes in pixels. */
 TAVU_API tavu_irsz_full_t tavu_irsz5b6b5b_full;
 
-/* ------------------------------------------------------------------------------------------------
- * Colour-space conversion
- *
+/** @} */
+
+/* ---- Colour-space conversion ----------------------------------------------------------------- */
+
+/**
+ * @defgroup csc Colour-space conversion
  * YUV to RGB (ITU-R BT.601 matrix, full range as in JPEG, 8 fraction bits), u = U - 128, v = V -
- * 128: R = Y + ((359 v + 128) >> 8),  G = Y - ((183 v + 88 u + 128) >> 8),  B = Y + ((454 u + 128)
- * >> 8) each clamped to 0..255; shifts round toward minus infinity.
+ * 128:
+ *
+ *     R = Y + ((359 v + 128) >> 8)
+ *     G = Y - ((183 v + 88 u + 128) >> 8)
+ *     B = Y + ((454 u + 128) >> 8)
+ *
+ * each clamped to 0..255; shifts round toward minus infinity.
  *
  * RGB to YUV:
- *   Y = (77 R + 150 G + 29 B + 128) >> 8
- *   U = 128 + ((-43 R - 85 G + 128 B + 128) >> 8),  V = 128 + ((128 R - 107 G - 21 B + 128) >> 8)
+ *
+ *     Y = (77 R + 150 G + 29 B + 128) >> 8
+ *     U = 128 + ((-43 R - 85 G + 128 B + 128) >> 8)
+ *     V = 128 + ((128 R - 107 G - 21 B + 128) >> 8)
+ *
  * where a U or V outside 0..255 becomes 255.
- * --------------------------------------------------------------------------------------------- */
+ *
+ * Threads: routines are reentrant; different threads may convert different rows of one picture.
+ * @{
+ */
 
 /**
  * A conversion routine. Unchecked: planes must hold the sizes given, and source and target must not
  * overlap. Needs no alignment and no readable slack. Same-size routines ignore the target size; a
- * width or height below 1 writes nothing.
+ * width or height below 1 writes nothing. Strides may be negative. Of the arrays only the entries
+ * of planes that the routine names are used.
  *
  * @param src        source planes in the order of the layout's name
  * @param src_w,src_h source size in pixels
@@ -1060,7 +1270,8 @@ TAVU_API tavu_irsz_full_t tavu_irsz5b6b5b_full;
  *        5-6-5 units moves by 2 * stride - 2 * width bytes a row: only rows without padding land
  *        where their stride says
  * @param dst_cs     target code. Same-size routines with packed 8-bit targets: 401 and 501 give
- *        B, G, R order through the *third* target pointer, with the first stride
+ *        B, G, R order through the *third* target pointer, with the first stride. Other routines
+ *        ignore it, but for tavu_csc_yuv444x_to_yuv444x()
  */
 typedef void tavu_csc_routine_t(uint8_t *const src[4], int32_t src_w, int32_t src_h,
                                 const int32_t src_stride[4], int32_t src_cs, uint8_t *const dst[4],
@@ -1072,7 +1283,7 @@ typedef tavu_csc_routine_t *tavu_fn_csc_t;
 
 /**
  * Finds the routine that converts between two colour-space codes, with resizing when the sizes
- * differ.
+ * differ. Sizes are not checked.
  *
  * Same size: 600 to 400, 500, 200, 650; 700 to 500, 650 (and 430, which gives the routine for 500);
  * 13 to 400, 500, 200, 650, 13; 43 to 500, 430, 650, 13, 43. Other size: 600 and 13 to 400, 500;
@@ -1117,7 +1328,8 @@ TAVU_API tavu_csc_routine_t tavu_csc_yuv444_to_rgb565a8;
 TAVU_API tavu_csc_routine_t tavu_csc_yuv444a8_to_rgb565a8;
 /**
  * Y, U, V, A planes to 5-6-5 units through the first target pointer, 2 bytes a pixel, and alpha
- * bytes through the second, 3 bytes a pixel with the second stride.
+ * bytes through the second, 3 bytes a pixel with the second stride. Where the two overlap a pixel's
+ * alpha is written after its unit.
  */
 TAVU_API tavu_csc_routine_t tavu_csc_yuv444a8_to_rgba5658;
 /** R, G, B planes to 5-6-5 units, truncating. */
@@ -1132,21 +1344,33 @@ TAVU_API tavu_csc_routine_t tavu_csc_x8y8z8a8_to_xyz565a8;
  */
 TAVU_API tavu_csc_routine_t tavu_csc_r8g8b8a8_to_rgba5658;
 
-/** Packed pixels of 3 bytes to Y, U, V planes; source pointers point at the first R, G and B. */
+/**
+ * Packed pixels of 3 bytes to Y, U, V planes; source pointers point at the first R, G and B, and
+ * each has its own stride. For B, G, R order swap the first and the third.
+ */
 TAVU_API tavu_csc_routine_t tavu_csc_r8g8b8_to_yuv444;
-/** Packed pixels of 4 bytes to Y, U, V, A planes; source pointers point at the first R, G, B, A. */
+/**
+ * Packed pixels of 4 bytes to Y, U, V, A planes; source pointers point at the first R, G, B and A.
+ * Otherwise as tavu_csc_r8g8b8_to_yuv444().
+ */
 TAVU_API tavu_csc_routine_t tavu_csc_r8g8b8a8_to_yuv444a8;
-/** Copies three planes, and the fourth if the source has one and the target code is 43. */
+/**
+ * Copies three planes, and the fourth if the target code is 43 and the fourth source pointer is not
+ * null. Each plane has its own strides.
+ */
 TAVU_API tavu_csc_routine_t tavu_csc_yuv444x_to_yuv444x;
 
-/*
- * Combined conversion and resizing, bilinear as in the resizer, to R, G, B(, A) through the first
- * target pointer. Each source plane has its own stride. A target size of 0 raises SIGFPE.
+/**
+ * @name Combined conversion and resizing
+ * Bilinear as in the resizer, to R, G, B(, A) through the first target pointer; the target code is
+ * ignored. Each source plane has its own stride. A target size of 0 raises SIGFPE, one below 0
+ * writes nothing. The source must not be larger than for the resizer, which is not checked.
  *
  * YUV sources: the pixels of full groups of eight in a row are converted in 16-bit arithmetic whose
- * products wrap before the rounding shift, so that strong chroma (|v| of 92 and more in red, |u| of 73
- * and more in blue) comes out far from the formula above; the last dst_w % 8 pixels are exact.
+ * products wrap before the rounding shift, so that strong chroma (|v| of 92 and more in red, |u| of
+ * 73 and more in blue) comes out far from the formula above; the last dst_w % 8 pixels are exact.
  * Callers rely on these bytes.
+ * @{
  */
 
 /** R, G, B planes to R, G, B. */
@@ -1162,21 +1386,33 @@ TAVU_API tavu_csc_routine_t tavu_csc_rsz_yuv444_to_rgba8888;
 /** Y, U, V, A planes to R, G, B, A. */
 TAVU_API tavu_csc_routine_t tavu_csc_rsz_yuv444a8_to_rgba8888;
 
-/* ------------------------------------------------------------------------------------------------
- * Doubly linked list
- *
- * Keeps copies of elements of one size. An element is reached by position, by handle, or by the
- * cursor. Pointers to elements and handles are valid until the element is removed. A list must not
- * be used by two threads at once; no function but tavu_list_delete() takes a null list.
- * --------------------------------------------------------------------------------------------- */
+/** @} */
+/** @} */
 
-/** Called with each element that is removed, after it is unlinked and before it is freed. */
+/* ---- Doubly linked list ---------------------------------------------------------------------- */
+
+/**
+ * @defgroup list Doubly linked list
+ * Keeps copies of elements of one size. An element is reached by position, by handle, or by the
+ * cursor. Positions count from 0. Pointers to elements and handles are valid until the element is
+ * removed. An element is aligned to two pointers. No function but tavu_list_delete() takes a null
+ * list.
+ *
+ * Threads: a list must not be used by two threads at once.
+ * @{
+ */
+
+/**
+ * Called with each element that is removed, after it is unlinked and before it is freed. It must
+ * not use the list, which still counts the element.
+ */
 typedef void (*tavu_list_release_fn)(void *data);
 
 /** An element's links; its bytes follow at once. The node's address is the element's handle. */
 typedef struct tavu_list_node_t tavu_list_node_t;
 struct tavu_list_node_t {
-    tavu_list_node_t *prev, *next;
+    tavu_list_node_t *prev, /**< the element before, or the head marker */
+        *next;              /**< the element after, or the tail marker */
 };
 
 /** A list; read-only for callers. */
@@ -1190,7 +1426,7 @@ typedef struct {
 } tavu_list_t;
 
 /**
- * Creates an empty list.
+ * Creates an empty list without a current element; give it back with tavu_list_delete().
  * @param elem_size bytes of an element; 0 is allowed
  * @param release null, or called for each element that is removed
  * @return the list, or null when memory is short
@@ -1201,7 +1437,7 @@ TAVU_API tavu_list_t *tavu_list_create(uint32_t elem_size, tavu_list_release_fn 
 TAVU_API void tavu_list_delete(tavu_list_t *list);
 
 /**
- * Appends a copy of an element. Adding and inserting never move the cursor.
+ * Appends a copy of the `elem_size` bytes at `elem`. Adding and inserting never move the cursor.
  * @return the copy, or null when memory is short
  */
 TAVU_API void *tavu_list_add(tavu_list_t *list, const void *elem);
@@ -1242,7 +1478,7 @@ TAVU_API int32_t tavu_list_get_cnt(tavu_list_t *list);
  */
 TAVU_API void tavu_list_rem_at(tavu_list_t *list, int32_t index);
 
-/** Removes the element with a handle, which must be one of this list. */
+/** Removes the element with a handle, which must be one of this list; nothing for null. */
 TAVU_API void tavu_list_rem_atid(tavu_list_t *list, void *id);
 
 /** Removes the first element, if any. */
@@ -1275,16 +1511,22 @@ TAVU_API void tavu_list_rem_prev(tavu_list_t *list);
 /** Removes the element after the current one; without a current one nothing. */
 TAVU_API void tavu_list_rem_next(tavu_list_t *list);
 
-/* ------------------------------------------------------------------------------------------------
- * Ring buffer
- *
+/** @} */
+
+/* ---- Ring buffer ----------------------------------------------------------------------------- */
+
+/**
+ * @defgroup rbuf Ring buffer
  * A byte queue in a ring of `size` bytes, of which one stays free: it is empty when head equals
  * tail and full when head stands one before tail. Some operations leave the head one past the
  * storage, and line feeds without carriage return the tail even two; the length functions follow
  * their formulas and may be negative there, while an operation that would move a negative number of
- * bytes does nothing and returns 0. Negative counts do nothing. A ring buffer must not be used by two
- * threads at once; only tavu_rbuf_delete() takes null.
- * --------------------------------------------------------------------------------------------- */
+ * bytes does nothing and returns 0. Negative counts do nothing. Only tavu_rbuf_delete() takes null.
+ *
+ * Threads: a ring buffer must not be used by two threads at once, not even by one that writes and
+ * one that reads.
+ * @{
+ */
 
 /** A ring buffer; read-only for callers. */
 typedef struct {
@@ -1295,7 +1537,7 @@ typedef struct {
 } tavu_rbuf_t;
 
 /**
- * Creates an empty ring buffer.
+ * Creates an empty ring buffer; give it back with tavu_rbuf_delete().
  * @param size bytes of storage, one more than it shall hold; at least 2 to be of use
  * @return the ring buffer; null when memory is short or `size` is below 1
  */
@@ -1364,23 +1606,30 @@ TAVU_API int32_t tavu_rbuf_get(tavu_rbuf_t *rbuf, void *dst, int32_t count);
  *        up to that end may be written whatever `size` is: then room for them and 3 bytes
  * @param size about the longest line wanted; longer ones count as incomplete
  * @return length with CR LF, without the zero byte; 0 when there is no complete line or a zero byte
- *         comes before its end. A CR LF that the end of the storage splits counts as three bytes, of
- *         which the last is not written, before the zero byte
+ *         comes before its end. A CR LF that the end of the storage splits counts as three bytes,
+ *         of which the last is not written, before the zero byte
  */
 TAVU_API int32_t tavu_rbuf_get_one_line(tavu_rbuf_t *rbuf, void *dst, int32_t size);
 
-/* ------------------------------------------------------------------------------------------------
- * Recycling list
- *
+/** @} */
+
+/* ---- Recycling list -------------------------------------------------------------------------- */
+
+/**
+ * @defgroup rlist Recycling list
  * A pool of slots of one size, used as a queue: the producer takes free slots and fills them in
- * place, the consumer reads the oldest and gives it back. A pool must not be used by two threads at
- * once; only tavu_rlist_delete() takes null.
- * --------------------------------------------------------------------------------------------- */
+ * place, the consumer reads the oldest and gives it back. Slots are aligned as the elements of a
+ * list. Only tavu_rlist_delete() takes null.
+ *
+ * Threads: a pool must not be used by two threads at once; a producer and a consumer need a lock.
+ * @{
+ */
 
 /** A slot's links; its bytes follow at once. */
 typedef struct tavu_rlist_slot_t tavu_rlist_slot_t;
 struct tavu_rlist_slot_t {
-    tavu_rlist_slot_t *prev, *next;
+    tavu_rlist_slot_t *prev, /**< towards the start of the chain, or null */
+        *next;               /**< towards its end, or null */
 };
 
 /** A pool; read-only for callers. */
@@ -1393,8 +1642,8 @@ typedef struct {
 } tavu_rlist_t;
 
 /**
- * Creates a pool; later calls allocate nothing.
- * @param slot_size bytes of a slot
+ * Creates a pool; later calls allocate nothing. Give it back with tavu_rlist_delete().
+ * @param slot_size bytes of a slot; 0 is allowed
  * @param count number of slots; at least 2, for a single slot can be taken but not given back
  * @return the pool, or null, with nothing kept, when memory is short
  */
@@ -1403,7 +1652,7 @@ TAVU_API tavu_rlist_t *tavu_rlist_create(uint32_t slot_size, int32_t count);
 /** Frees a pool with all its slots; null is ignored. */
 TAVU_API void tavu_rlist_delete(tavu_rlist_t *rlist);
 
-/** Takes the next free slot, not cleared; null when all are used. */
+/** Takes the next free slot, not cleared; null when all are used. Walks past the used ones. */
 TAVU_API void *tavu_rlist_get_buf(tavu_rlist_t *rlist);
 
 /** The oldest used slot, or null. */
@@ -1420,13 +1669,21 @@ TAVU_API int32_t tavu_rlist_get_used_cnt(tavu_rlist_t *rlist);
 /** Number of free slots: capacity less used ones, negative for a negative capacity. */
 TAVU_API int32_t tavu_rlist_get_free_cnt(tavu_rlist_t *rlist);
 
-/* ------------------------------------------------------------------------------------------------
- * Words, tokens, lines and URIs
- *
+/** @} */
+
+/* ---- Words, tokens, lines and URIs ----------------------------------------------------------- */
+
+/**
+ * @defgroup str Words, tokens, lines and URIs
  * Scanners over strings that end in a zero byte. They never change the string: results point into
  * it. White space is tab, line feed, carriage return and space, whatever the locale. A line ends at
- * a line feed, or at a carriage return and line feed. A null string counts as empty.
- * --------------------------------------------------------------------------------------------- */
+ * a line feed, or at a carriage return and line feed. A null string counts as empty. Lengths are
+ * bytes, and strings have less than 2^31 of them. What is written has no bound but the one stated:
+ * the caller makes room.
+ *
+ * Threads: all is reentrant.
+ * @{
+ */
 
 /** The first byte that is not white, or null. */
 TAVU_API const char *tavu_str_move_to_validw(const char *str);
@@ -1449,6 +1706,7 @@ TAVU_API const char *tavu_str_move_to_nextl(const char *str);
 /**
  * Finds the end of a token: the first byte equal to `delim`, a line feed or a carriage return, or
  * the end of the string.
+ * @param delim the delimiter, of which the low 8 bits count
  * @param len bytes before it
  * @param next null, or where to store the byte after it; null when nothing follows
  * @return 0; -1 for an empty string
@@ -1469,14 +1727,15 @@ TAVU_API int32_t tavu_str_parse_by_stok(const char *str, const char *delim, int3
 
 /**
  * Measures the first line.
+ * @param str the string
  * @param len its bytes without the line end
- * @param next the next line; null when nothing follows
+ * @param next null, or where to store the next line; null when nothing follows
  * @return 0; -1 when no line end is found (`len` is then the length of the string) or a carriage
  *         return stands alone (`len` is then 0)
  */
 TAVU_API int32_t tavu_str_parse_one_line(const char *str, int32_t *len, const char **next);
 
-/** Reserved; does nothing and returns 0. */
+/** Reserved: does nothing and returns 0. */
 TAVU_API int32_t tavu_str_get_one_az09(void);
 
 /**
@@ -1505,13 +1764,15 @@ TAVU_API int32_t tavu_str_parse_uri(const char *uri, char *scheme, char *host, c
 TAVU_API int32_t tavu_str_conv_a2uri(const char *src, char *dst);
 
 /**
- * Copies a string with each "%" and the two bytes behind it replaced by one byte: 16 times the first
- * plus the second *decimal* digit, where every other byte, A to F included, counts as 0.
+ * Copies a string with each "%" and the two bytes behind it replaced by one byte: 16 times the
+ * first plus the second *decimal* digit, where every other byte, A to F included, counts as 0.
  * @param src a "%" as its last byte needs a readable byte behind the terminating zero
  * @param dst room for the source's length and a zero byte
  * @return length written
  */
 TAVU_API int32_t tavu_str_conv_uri2a(const char *src, char *dst);
+
+/** @} */
 
 #ifdef __cplusplus
 }
