@@ -900,7 +900,7 @@ TAVU_API int32_t tavu_md5_imgb(const tavu_imgb_t *imgb, uint8_t digest[16]);
 typedef int32_t tavu_metric_block_t(const uint8_t *a, const uint8_t *b, int32_t stride_a,
                                     int32_t stride_b);
 
-/** A metric of blocks of `width` columns and `height` rows; else as tavu_metric_block_t. */
+/** A metric of blocks of `width` columns and `height` rows; else as #tavu_metric_block_t. */
 typedef int32_t tavu_metric_area_t(int32_t width, int32_t height, const uint8_t *a,
                                    const uint8_t *b, int32_t stride_a, int32_t stride_b);
 
@@ -962,7 +962,7 @@ TAVU_API tavu_diff_block_t tavu_diff32x32; /**< 32 columns, 32 rows */
 TAVU_API tavu_diff_block_t tavu_diff64x64; /**< 64 columns, 64 rows */
 
 /**
- * Residual of any size, otherwise as tavu_diff_block_t; a width or height below 1 writes nothing.
+ * Residual of any size, otherwise as #tavu_diff_block_t; a width or height below 1 writes nothing.
  * Reads the blocks alone.
  */
 TAVU_API void tavu_diff(int32_t width, int32_t height, const uint8_t *a, const uint8_t *b,
@@ -1367,9 +1367,9 @@ TAVU_API tavu_csc_routine_t tavu_csc_yuv444x_to_yuv444x;
  * writes nothing. The source must not be larger than for the resizer, which is not checked.
  *
  * YUV sources: the pixels of full groups of eight in a row are converted in 16-bit arithmetic whose
- * products wrap before the rounding shift, so that strong chroma (|v| of 92 and more in red, |u| of
- * 73 and more in blue) comes out far from the formula above; the last dst_w % 8 pixels are exact.
- * Callers rely on these bytes.
+ * products and sums wrap before the rounding shift, so that strong chroma comes out far from the
+ * formula above: red for |v| of 92 and more, blue for |u| of 73 and more, green where 183 v + 88 u
+ * leaves 16 bits. The last dst_w % 8 pixels are exact. Callers rely on these bytes.
  * @{
  */
 
