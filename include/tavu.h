@@ -387,6 +387,8 @@ TAVU_API void tavu_imgb_expand_hor(const uint8_t *src, uint8_t *dst, int32_t len
 
 /**
  * @defgroup buffers Audio, bitstream and frame-list buffers, variable data
+ * Counted buffers like pictures, and a holder of bytes.
+ *
  * The buffers begin with the same counted header as tavu_imgb_t; their methods return
  * #TAVU_ERR_INVALID_ARGUMENT for null. A null allocator stands for the default pair. A free
  * function of null is taken as it is: then the payload is not freed.
@@ -512,9 +514,10 @@ TAVU_API void tavu_vdata_free(tavu_vdata_t *vd);
 
 /**
  * @defgroup bsr Bitstream reader
- * Reads a byte buffer most significant bit first through a 32-bit cache word. Unchecked: the record
- * must have been initialised and bit counts must be 0..32. A hostile buffer is safe all the same:
- * nothing beyond its `size` bytes is read, whatever they hold.
+ * Reads a byte buffer most significant bit first through a 32-bit cache word.
+ *
+ * Unchecked: the record must have been initialised and bit counts must be 0..32. A hostile buffer
+ * is safe all the same: nothing beyond its `size` bytes is read, whatever they hold.
  *
  * The position of the next bit is (cur - beg) bytes less `leftbits` bits. At the end of the data
  * `leftbits` may become negative, and results differ from function to function; test `leftbits` < 0
@@ -648,10 +651,11 @@ TAVU_API int32_t tavu_bsr_clz_in_code(uint32_t code);
 
 /**
  * @defgroup bsw Bitstream writer
- * Writes a byte buffer most significant bit first through a 32-bit cache word. Unchecked but for
- * room in the buffer. After tavu_bsw_sink() cur - beg bytes are written. A stream fits if the
- * buffer has one byte more than it. A longer one is refused, but tavu_bsw_write1() may by then have
- * written 3 bytes beyond the buffer.
+ * Writes a byte buffer most significant bit first through a 32-bit cache word.
+ *
+ * Unchecked but for room in the buffer. After tavu_bsw_sink() cur - beg bytes are written. A stream
+ * fits if the buffer has one byte more than it. A longer one is refused, but tavu_bsw_write1() may
+ * by then have written 3 bytes beyond the buffer.
  *
  * Threads: a record must not be shared.
  * @{
@@ -1015,10 +1019,12 @@ TAVU_API tavu_metric_area_t tavu_satd2;
 
 /**
  * @defgroup irsz Image resizing
- * Bilinear with 3-bit fractions: positions carry 18 fraction bits, of which the upper three choose
- * one of 8 x 8 groups of four weights that sum to 64; sums are shifted right by 6, truncating.
- * Shrinking by 3 or more takes every 2nd, 4th, 8th or 16th source pixel as its grid. A target pixel
- * i lies at i * (source - 1) / target, so that a resize to the same size is no copy.
+ * Bilinear resizing of packed images, whole or in bands of rows.
+ *
+ * Fractions have 3 bits: positions carry 18 fraction bits, of which the upper three choose one of
+ * 8 x 8 groups of four weights that sum to 64; sums are shifted right by 6, truncating. Shrinking by
+ * 3 or more takes every 2nd, 4th, 8th or 16th source pixel as its grid. Target pixel i lies at
+ * i (source - 1) / target, so that a resize to the same size is no copy.
  *
  * With q = source / target, rounded down, an axis has
  *
@@ -1232,8 +1238,10 @@ TAVU_API tavu_irsz_full_t tavu_irsz5b6b5b_full;
 
 /**
  * @defgroup csc Colour-space conversion
- * YUV to RGB (ITU-R BT.601 matrix, full range as in JPEG, 8 fraction bits), u = U - 128, v = V -
- * 128:
+ * From planes to packed RGB and back, at the same size or with resizing.
+ *
+ * YUV to RGB uses the matrix of ITU-R BT.601 at full range, as JPEG does, with 8 fraction bits. With
+ * u = U - 128 and v = V - 128:
  *
  *     R = Y + ((359 v + 128) >> 8)
  *     G = Y - ((183 v + 88 u + 128) >> 8)
@@ -1517,11 +1525,13 @@ TAVU_API void tavu_list_rem_next(tavu_list_t *list);
 
 /**
  * @defgroup rbuf Ring buffer
- * A byte queue in a ring of `size` bytes, of which one stays free: it is empty when head equals
- * tail and full when head stands one before tail. Some operations leave the head one past the
- * storage, and line feeds without carriage return the tail even two; the length functions follow
- * their formulas and may be negative there, while an operation that would move a negative number of
- * bytes does nothing and returns 0. Negative counts do nothing. Only tavu_rbuf_delete() takes null.
+ * A byte queue in a ring, which also hands out text lines.
+ *
+ * Of the `size` bytes one stays free: the ring is empty when head equals tail and full when head
+ * stands one before tail. Some operations leave the head one past the storage, and line feeds
+ * without carriage return the tail even two; the length functions follow their formulas and may be
+ * negative there, while an operation that would move a negative number of bytes does nothing and
+ * returns 0. Negative counts do nothing. Only tavu_rbuf_delete() takes null.
  *
  * Threads: a ring buffer must not be used by two threads at once, not even by one that writes and
  * one that reads.
