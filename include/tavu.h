@@ -558,7 +558,8 @@ struct tavu_bsr_t {
 TAVU_API void tavu_bsr_init(tavu_bsr_t *bs, const void *buf, int32_t size, tavu_bsr_flush_fn flush);
 
 /**
- * The default refill: replaces the cache by up to `bytes` (at most 4) bytes.
+ * The default refill: replaces the cache by what is left of the data, at most `bytes` bytes.
+ * @param bytes 1..4
  * @return 0, or -1 with an empty cache when no byte remains
  */
 TAVU_API int32_t tavu_bsr_flush(tavu_bsr_t *bs, int32_t bytes);
