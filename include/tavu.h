@@ -1672,7 +1672,7 @@ TAVU_API void *tavu_rlist_get_data(tavu_rlist_t *rlist);
 /** Gives the oldest used slot back, if any; it is taken again after every slot now free. */
 TAVU_API void tavu_rlist_rem_data(tavu_rlist_t *rlist);
 
-/** Gives every used slot back. */
+/** Gives every used slot back, but for the only one of a pool. */
 TAVU_API void tavu_rlist_rem_all(tavu_rlist_t *rlist);
 
 /** Number of used slots. */
@@ -1700,8 +1700,9 @@ TAVU_API int32_t tavu_rlist_get_free_cnt(tavu_rlist_t *rlist);
 TAVU_API const char *tavu_str_move_to_validw(const char *str);
 
 /**
- * The last byte of the first word. Null when no white space follows it before the string's last
- * byte, which is never looked at; a string of one byte is returned as it is.
+ * The last byte of the first word, behind leading white space. Null when no white space follows it
+ * before the string's last byte, which is never looked at; but a string of one byte, or one byte
+ * behind leading white space, is returned as it is.
  */
 TAVU_API const char *tavu_str_move_to_eow(const char *str);
 
