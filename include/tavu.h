@@ -458,7 +458,8 @@ struct tavu_bitb_t {
 /**
  * Creates a bitstream buffer with reference count 1; give it back with its `release` method. The
  * default payload is malloc()'s, aligned as malloc() does and not initialised.
- * @param size payload bytes; the default allocator refuses a negative size
+ * @param size payload bytes; the default allocator refuses a negative size, another gets it as
+ *        it is
  * @param value kept for the caller
  * @param unused ignored
  * @param mem_alloc,mem_free payload callbacks; both null for the default
@@ -1023,8 +1024,8 @@ TAVU_API tavu_metric_area_t tavu_satd2;
  * Bilinear resizing of packed images, whole or in bands of rows.
  *
  * Fractions have 3 bits: positions carry 18 fraction bits, of which the upper three choose one of
- * 8 x 8 groups of four weights that sum to 64; sums are shifted right by 6, truncating. Shrinking by
- * 3 or more takes every 2nd, 4th, 8th or 16th source pixel as its grid. Target pixel i lies at
+ * 8 x 8 groups of four weights that sum to 64; sums are shifted right by 6, truncating. Shrinking
+ * by 3 or more takes every 2nd, 4th, 8th or 16th source pixel as its grid. Target pixel i lies at
  * i (source - 1) / target, so that a resize to the same size is no copy.
  *
  * With q = source / target, rounded down, an axis has
@@ -1072,7 +1073,7 @@ typedef struct tavu_irsz_param {
     int32_t band_h; /**< band mode: rows per band, a power of two */
     int32_t dst_w,  /**< target width in pixels */
         dst_h;      /**< target height in pixels */
-    int32_t dst_s;  /**< target stride in pixels */
+    int32_t dst_s;  /**< target stride in pixels; it may be negative */
     void *dst;      /**< target pixels; must outlive the resizer */
 } tavu_irsz_param;
 
@@ -1241,8 +1242,8 @@ TAVU_API tavu_irsz_full_t tavu_irsz5b6b5b_full;
  * @defgroup csc Colour-space conversion
  * From planes to packed RGB and back, at the same size or with resizing.
  *
- * YUV to RGB uses the matrix of ITU-R BT.601 at full range, as JPEG does, with 8 fraction bits. With
- * u = U - 128 and v = V - 128:
+ * YUV to RGB uses the matrix of ITU-R BT.601 at full range, as JPEG does, with 8 fraction bits.
+ * With u = U - 128 and v = V - 128:
  *
  *     R = Y + ((359 v + 128) >> 8)
  *     G = Y - ((183 v + 88 u + 128) >> 8)
