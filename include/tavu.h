@@ -832,7 +832,7 @@ TAVU_API int32_t tavu_fcc2mt_drm(uint32_t fcc);
 
 /**
  * Tells whether a coded video access unit is a key frame, from its start codes and first header
- * bits alone.
+ * bits alone (ISO/IEC 14496-2; ITU-T H.263, 5.1; H.264 and H.265, table 7-1).
  *
  * MPEG-4 Visual: the first VOP (or short-header picture) is intra. H.263: the first picture is
  * intra. H.264: an IDR slice comes before any other slice. HEVC: the first NAL unit is an IDR
