@@ -386,8 +386,8 @@ TAVU_API void tavu_imgb_expand_hor(const uint8_t *src, uint8_t *dst, int32_t len
 /* ---- Audio, bitstream and frame-list buffers, variable data ---------------------------------- */
 
 /**
- * @defgroup buffers Audio, bitstream and frame-list buffers, variable data
- * Counted buffers like pictures, and a holder of bytes.
+ * @defgroup buffers Other buffers
+ * Audio, bitstream and frame-list buffers, counted like pictures; and a holder of bytes.
  *
  * The buffers begin with the same counted header as tavu_imgb_t; their methods return
  * #TAVU_ERR_INVALID_ARGUMENT for null. A null allocator stands for the default pair. A free
