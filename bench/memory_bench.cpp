@@ -10,6 +10,9 @@
 #include "rows.h"
 #include "tavu.h"
 
+#if TAVU_HAVE_LIBYUV
+#include <libyuv.h>
+#endif
 #if TAVU_HAVE_LIBX265
 extern "C" {
 void x265_blockcopy_pp_8x8_sse2(uint8_t *, intptr_t, const uint8_t *, intptr_t);
@@ -27,16 +30,27 @@ Bytes noise(size_t size) {
     return bytes;
 }
 
-// Times run(target) for both sides on the same target, which they must leave alike.
-template <class Ours, class Peer>
-void add_pair(const std::string &row, const std::string &who, size_t bytes, Ours ours, Peer peer) {
-    const auto target = std::make_shared<Bytes>(noise(bytes));
-    Bytes expected = *target;
-    peer(expected.data());
-    ours(target->data());
-    require(*target == expected, row);
-    add_side(row, "tavu", [target, ours] { ours(target->data()); });
+using SharedBytes = std::shared_ptr<Bytes>;
+
+// Times peer(target), which must make of noise what ours has made of it.
+template <class Peer>
+void add_peer(const std::string &row, const std::string &who, const SharedBytes &target,
+              Peer peer) {
+    Bytes found = noise(target->size());
+    peer(found.data());
+    require(found == *target, row);
     add_side(row, who, [target, peer] { peer(target->data()); });
+}
+
+// Times both sides on the same target, which is returned.
+template <class Ours, class Peer>
+SharedBytes add_pair(const std::string &row, const std::string &who, size_t bytes, Ours ours,
+                     Peer peer) {
+    const auto target = std::make_shared<Bytes>(noise(bytes));
+    ours(target->data());
+    add_side(row, "tavu", [target, ours] { ours(target->data()); });
+    add_peer(row, who, target, peer);
+    return target;
 }
 
 using Fill = void(uint8_t *dst, int32_t value, int32_t size);
@@ -102,12 +116,18 @@ void add_picture_copies() {
     for (const auto &[row, stride, w, h] : sizes) {
         const size_t bytes = static_cast<size_t>(stride) * static_cast<size_t>(h);
         const auto src = std::make_shared<Bytes>(bytes, uint8_t{7});
-        add_pair(
+        const SharedBytes target = add_pair(
             row, "memcpy", bytes,
             [=, w = w, h = h, s = stride](uint8_t *dst) {
                 tavu_mcpy_pic(dst, src->data(), s, s, w, h);
             },
             [=, w = w, h = h, s = stride](uint8_t *dst) { copy_rows(dst, src->data(), s, w, h); });
+#if TAVU_HAVE_LIBYUV
+        const auto libyuv_copy = [=, w = w, h = h, s = stride](uint8_t *dst) {
+            libyuv::CopyPlane(src->data(), s, dst, s, w, h);
+        };
+        add_peer(row, "libyuv", target, libyuv_copy);
+#endif
     }
 }
 
@@ -171,8 +191,9 @@ void add_border(int32_t w, int32_t h) {
         expand_plane<CHROMA_PAD>(at + luma, w / 2, h / 2);
         expand_plane<CHROMA_PAD>(at + luma + chroma, w / 2, h / 2);
     };
-    add_pair("imgb_expand/" + std::to_string(w) + 'x' + std::to_string(h), "memset and memcpy",
-             static_cast<size_t>(luma + 2 * chroma), ours, peer);
+    add_pair(
+        "imgb_expand/" + std::to_string(w) + 'x' + std::to_string(h) + " by " + std::to_string(Pad),
+        "memset and memcpy", static_cast<size_t>(luma + 2 * chroma), ours, peer);
 }
 
 }  // namespace
@@ -186,4 +207,6 @@ void add_memory_rows() {
 #endif
     add_border<16>(1920, 1080);
     add_border<16>(352, 288);
+    add_border<32>(1920, 1080);
+    add_border<32>(352, 288);
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "fourcc_switch.h"
 #include "require.h"
 #include "rows.h"
 #include "tavu.h"
@@ -200,7 +201,7 @@ void add_ring_lines() {
 void add_uri() {
     static const char uri[] =
         "rtsp://camera-17.example.com:8554/stream/main?track=video&profile=high";
-    static const char plain[] = "A film with a rather long title, its year and a place (1987) - X";
+    static const char plain[] = "A film with a rather long title-its-year-and-a-place-(1987)-p - X";
     static char scheme[128], host[128], port[128], path[128], text[256], back[256];
     add_side("uri parse", "tavu", [] {
         const char *rest;
@@ -244,7 +245,11 @@ void add_fourcc() {
     std::mt19937 random(1);
     for (uint32_t &code : codes) memcpy(&code, CODES[random() % std::size(CODES)], sizeof code);
     auto next = [i = size_t{0}]() mutable { return codes[i++ % std::size(codes)]; };
+    for (const uint32_t code : codes) {
+        require(fcc2mt_by_switch(code) == tavu_fcc2mt(code), "fcc2mt mixed");
+    }
     add_side("fcc2mt mixed", "tavu", [next]() mutable { return tavu_fcc2mt(next()); });
+    add_side("fcc2mt mixed", "switch", [next]() mutable { return fcc2mt_by_switch(next()); });
 #if TAVU_HAVE_GLIB
     static GHashTable *const table = g_hash_table_new(nullptr, nullptr);
     for (const uint32_t code : codes) {

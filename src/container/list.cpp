@@ -94,9 +94,10 @@ void free_list(tavu_list_t *list) {
     free(list);
 }
 
-void *move_to(tavu_list_t *list, Node *node) {
-    list->cur = node;
-    return data(node);
+// To a node or, from the outermost element, to a marker, which leaves no cursor.
+void *step_to(tavu_list_t *list, Node *node, const Node *marker) {
+    list->cur = node != marker ? node : nullptr;
+    return node != marker ? node + 1 : nullptr;
 }
 
 }  // namespace
@@ -172,18 +173,20 @@ void tavu_list_rem_all(tavu_list_t *list) { remove_all(list); }
 
 void *tavu_list_get_cur(tavu_list_t *list) { return data(list->cur); }
 
-void *tavu_list_move_first(tavu_list_t *list) { return move_to(list, first(list)); }
+void *tavu_list_move_first(tavu_list_t *list) {
+    return step_to(list, list->head->next, list->tail);
+}
 
-void *tavu_list_move_last(tavu_list_t *list) { return move_to(list, last(list)); }
+void *tavu_list_move_last(tavu_list_t *list) { return step_to(list, list->tail->prev, list->head); }
 
 void *tavu_list_move_next(tavu_list_t *list) {
     if (list->cur == nullptr) return nullptr;
-    return move_to(list, next(list, list->cur));
+    return step_to(list, list->cur->next, list->tail);
 }
 
 void *tavu_list_move_prev(tavu_list_t *list) {
     if (list->cur == nullptr) return nullptr;
-    return move_to(list, prev(list, list->cur));
+    return step_to(list, list->cur->prev, list->head);
 }
 
 void tavu_list_rem_cur(tavu_list_t *list) { remove_node(list, list->cur); }

@@ -9,6 +9,13 @@ namespace {
 
 using Slot = tavu_rlist_slot_t;
 
+// What is allocated as the record: behind it the slot taken last, if any is used.
+struct Pool : tavu_rlist_t {
+    Slot *newest;
+};
+
+Slot *next_free(const Pool *pool) { return pool->used == 0 ? pool->last : pool->newest->prev; }
+
 bool append_slot(tavu_rlist_t *rlist) {
     Slot *slot = allocate_links<Slot>(rlist->slot_size);
     if (slot == nullptr) return false;
@@ -56,9 +63,9 @@ bool recycle_oldest(tavu_rlist_t *rlist) {
 using namespace tavu;
 
 tavu_rlist_t *tavu_rlist_create(uint32_t slot_size, int32_t count) {
-    auto *rlist = static_cast<tavu_rlist_t *>(malloc(sizeof(tavu_rlist_t)));
+    auto *rlist = static_cast<Pool *>(malloc(sizeof(Pool)));
     if (rlist == nullptr) return nullptr;
-    *rlist = {count, slot_size, 0, nullptr, nullptr};
+    *rlist = {{count, slot_size, 0, nullptr, nullptr}, nullptr};
     if (!append_slots(rlist)) {
         free_rlist(rlist);
         return nullptr;
@@ -72,10 +79,10 @@ void tavu_rlist_delete(tavu_rlist_t *rlist) {
 
 void *tavu_rlist_get_buf(tavu_rlist_t *rlist) {
     if (rlist->used >= rlist->capacity) return nullptr;
-    Slot *slot = rlist->last;
-    for (int32_t i = 0; i < rlist->used; i++) slot = slot->prev;
-    rlist->used++;
-    return slot + 1;
+    auto *pool = static_cast<Pool *>(rlist);
+    pool->newest = next_free(pool);
+    pool->used++;
+    return pool->newest + 1;
 }
 
 void *tavu_rlist_get_data(tavu_rlist_t *rlist) {

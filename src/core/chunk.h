@@ -42,6 +42,10 @@ inline void fill_chunk(uint8_t *dst, uint8_t value) {
     if constexpr (Bytes >= 16) {
         *chunk_at<Chunk16>(dst) = Chunk16{} + value;
         fill_chunk<Bytes - 16>(dst + 16, value);
+    } else if constexpr (Bytes == 8 && sizeof(size_t) == 8) {
+        // In a register of the processor's own size compilers do not need the vector unit.
+        const uint64_t word = value * uint64_t{0x0101010101010101};
+        memcpy(dst, &word, sizeof word);
     } else if constexpr (Bytes == 8) {
         *chunk_at<Chunk8>(dst) = Chunk8{} + value;
     }

@@ -29,10 +29,15 @@ void copy_rows(Rows at, int32_t height) {
     }
 }
 
-// Whole blocks of 64 bytes and one byte of the remainder.
+// Whole blocks of 64 bytes and one byte of the remainder. In pieces, for C libraries take a slower way
+// for one that exceeds a cache, and this takes no more time for the others.
 void copy_run(Rows at, int64_t size) {
-    const int64_t copied = size % 64 == 0 ? size : size / 64 * 64 + 1;
-    memcpy(at.dst, at.src, static_cast<size_t>(copied));
+    constexpr int64_t PIECE = 1 << 18;
+    int64_t left = size % 64 == 0 ? size : size / 64 * 64 + 1;
+    for (; left > PIECE; left -= PIECE, at.dst += PIECE, at.src += PIECE) {
+        memcpy(at.dst, at.src, PIECE);
+    }
+    memcpy(at.dst, at.src, static_cast<size_t>(left));
 }
 
 }  // namespace

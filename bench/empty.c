@@ -1,0 +1,2 @@
+// A shared library of nothing but this.
+int tavu_empty;
