@@ -49,21 +49,71 @@ void count_metrics() {
     count_area("ssd 16x16", tavu_ssd, 16);
 }
 
-uint8_t source[1280 * 720 * 4], target[1280 * 720 * 4];
+uint8_t source[640 * 360 * 4], target[480 * 270 * 4];
 
-void count_resize(const std::string &name, tavu_irsz_full_t *resize, int32_t bytes, int32_t src_w,
-                  int32_t src_h, int32_t dst_w, int32_t dst_h) {
+struct Size {
+    int32_t w, h;
+};
+constexpr Size P180{320, 180}, P270{480, 270}, P360{640, 360};
+
+void count_resize(const std::string &name, tavu_irsz_full_t *resize, int32_t bytes, Size from,
+                  Size to) {
     int32_t step_x, step_y;
-    bilinear_rsz_step_size(src_w, src_h, dst_w, dst_h, &step_x, &step_y);
-    count(name + " per target pixel", dst_w * dst_h, [&] {
-        resize(source, src_w * bytes, dst_w, dst_h, dst_w * bytes, target, step_x, step_y);
+    bilinear_rsz_step_size(from.w, from.h, to.w, to.h, &step_x, &step_y);
+    count("resize " + name + " per target pixel", to.w * to.h, [&] {
+        resize(source, from.w * bytes, to.w, to.h, to.w * bytes, target, step_x, step_y);
+    });
+}
+
+void count_combined(const std::string &name, tavu_fn_csc_t resize, int32_t bytes, Size from,
+                    Size to) {
+    const int32_t plane = from.w * from.h;
+    uint8_t *const src[4] = {source, source + plane, source + 2 * plane};
+    uint8_t *const dst[4] = {target};
+    const int32_t src_stride[4] = {from.w, from.w, from.w}, dst_stride[4] = {to.w * bytes};
+    count("resize " + name + " per target pixel", to.w * to.h, [&] {
+        resize(src, from.w, from.h, src_stride, 13, dst, to.w, to.h, dst_stride, 100 + bytes * 100);
     });
 }
 
 void count_resizes() {
-    count_resize("resize 1 byte to half", tavu_irsz8b_full, 1, 640, 360, 320, 180);
-    count_resize("resize 1 byte 1.5x up", tavu_irsz8b_full, 1, 320, 180, 480, 270);
-    count_resize("resize 4 bytes 1.5x down", tavu_irsz8b8b8b8b_full, 4, 480, 270, 320, 180);
+    count_resize("1 byte to half", tavu_irsz8b_full, 1, P360, P180);
+    count_resize("1 byte 1.5x up", tavu_irsz8b_full, 1, P180, P270);
+    count_resize("1 byte to quarter", tavu_irsz8b_full, 1, P360, {160, 90});
+    count_resize("1 byte 1.5x down", tavu_irsz8b_full, 1, P270, P180);
+    count_resize("3 bytes 1.5x down", tavu_irsz8b8b8b_full, 3, P270, P180);
+    count_resize("3 bytes 1.5x up", tavu_irsz8b8b8b_full, 3, P180, P270);
+    count_resize("4 bytes 1.5x down", tavu_irsz8b8b8b8b_full, 4, P270, P180);
+    count_resize("4 bytes 1.5x up", tavu_irsz8b8b8b8b_full, 4, P180, P270);
+    count_combined("yuv444 to rgb888 1.5x down", tavu_csc_rsz_yuv444_to_rgb888, 3, P270, P180);
+    count_combined("yuv444 to rgba8888 to half", tavu_csc_rsz_yuv444_to_rgba8888, 4, P360, P180);
+    count_combined("yuv444 to rgba8888 1.5x up", tavu_csc_rsz_yuv444_to_rgba8888, 4, P180, P270);
+    count_combined("r8g8b8 to rgb888 1.5x down", tavu_csc_rsz_r8g8b8_to_rgb888, 3, P270, P180);
+    count_combined("r8g8b8 to rgba8888 1.5x down", tavu_csc_rsz_r8g8b8_to_rgba8888, 4, P270, P180);
+}
+
+void count_memory() {
+    constexpr int32_t BYTES = 1 << 14;
+    count("mset_x32 per byte", BYTES, [] { tavu_mset_x32(target, 0x11223344, BYTES); });
+    count("mset_x64 per byte", BYTES, [] { tavu_mset_x64(target, 7, BYTES); });
+    count("mcpy_pic per byte", BYTES,
+          [] { tavu_mcpy_pic(target, source, 128, 128, 128, BYTES / 128); });
+    count("mcpy_pic per byte, rows of 128", BYTES,
+          [] { tavu_mcpy_pic(target, source, 192, 192, 128, BYTES / 128); });
+    count("mcpy_blk 8x8", 1, [] { tavu_mcpy_blk(target, source, 64, 64, 8, 8); });
+    count("mcpy_blk 16x16", 1, [] { tavu_mcpy_blk(target, source, 64, 64, 16, 16); });
+}
+
+void count_streams() {
+    constexpr uint32_t BLOCKS = 16;
+    tavu_md5_t md5;
+    tavu_md5_init(&md5);
+    count("md5 per block", BLOCKS, [&] { tavu_md5_update(&md5, source, 64 * BLOCKS); });
+    constexpr int32_t BYTES = 1 << 12;
+    static uint8_t unit[BYTES];
+    for (uint8_t &byte : unit) byte = 9;
+    count("is_vkeyfrm h264 per byte", BYTES,
+          [] { tavu_is_vkeyfrm(TAVU_MT_VID_H264, unit, BYTES); });
 }
 
 }  // namespace
@@ -72,5 +122,7 @@ int main() {
     count_conversions();
     count_metrics();
     count_resizes();
+    count_memory();
+    count_streams();
     return 0;
 }
