@@ -95,16 +95,20 @@ TEST(Mcpy, PicturesRowByRow) {
 }
 
 // Of what remains behind the last 64 bytes of one run only the first byte is copied.
+void expect_one_run(int width, int height) {
+    const int total = width * height;
+    expect_copied(tavu_mcpy_pic, width, width, width, height, [&](int x, int y) {
+        const int at = y * width + x;
+        return total >= 64 && (at < total / 64 * 64 || at == total / 64 * 64);
+    });
+}
+
 TEST(Mcpy, PicturesInOneRunKeepOneByteOfTheRemainder) {
     for (int width = 1; width < 300; width += width < 20 ? 1 : 13) {
-        for (const int height : {-1, 0, 1, 2, 5, 10, 64}) {
-            const int total = width * height;
-            expect_copied(tavu_mcpy_pic, width, width, width, height, [&](int x, int y) {
-                const int at = y * width + x;
-                return total >= 64 && (at < total / 64 * 64 || at == total / 64 * 64);
-            });
-        }
+        for (const int height : {-1, 0, 1, 2, 5, 10, 64}) expect_one_run(width, height);
     }
+    for (const int height : {255, 256, 257, 512}) expect_one_run(1024, height);
+    expect_one_run(511, 1100);
     GuardedBytes row(100);
     tavu_mcpy_pic(row.data(), row.data(), 0, 0, 0, 64);
     tavu_mcpy_pic(row.data(), row.data(), -16, -16, -16, -16);
