@@ -6,7 +6,6 @@ set(TAVU_SOURCES
   src/core/atomic.cpp
   src/core/log2.cpp
   src/core/mcpy.cpp
-  src/core/mset.cpp
   src/core/records.cpp
   src/core/version.cpp
   src/buf/audb.cpp
@@ -30,7 +29,7 @@ set(TAVU_SOURCES
 
 # Kernels that gain from wider vectors: on x86-64 compiled a second time for level v3.
 set(TAVU_WIDE_SOURCES
-  src/core/mset_pattern.cpp
+  src/core/mset.cpp
   src/imgp/csc_to_565.cpp
   src/imgp/csc_to_packed.cpp
   src/imgp/csc_to_yuv.cpp

@@ -46,6 +46,19 @@ TEST(Mset, WritesItsBlocksAndItsRemainder) {
     }
 }
 
+TEST(Mset, FillsMoreThanACache) {
+    for (const int size : {1 << 19, (1 << 19) + 33, (1 << 19) + 300}) {
+        SCOPED_TRACE(size);
+        expect_filled([&](uint8_t *dst) { tavu_mset_x64(dst, 0x44, size); }, size / 128 * 128, 0, 5,
+                      true);
+        expect_filled([&](uint8_t *dst) { tavu_mset_x64a(dst, 0x44, size); }, size, 0, 0, true);
+        expect_filled([&](uint8_t *dst) { tavu_mset_x32(dst, 0x44444444, size); }, size / 32 * 32,
+                      0, 4, true);
+        expect_filled([&](uint8_t *dst) { tavu_mset_x32(dst, VALUE, size); }, size / 32 * 32, 0, 4,
+                      false);
+    }
+}
+
 TEST(Mset, ClearsWholeBlocksOf64Words) {
     for (const int words : {-64, 0, 1, 63, 64, 65, 127, 128, 1024}) {
         const int cleared = std::max(words, 0) / 64 * 256;
