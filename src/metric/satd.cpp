@@ -22,16 +22,17 @@ TAVU_VEC_INLINE int32_t best_satd4x4(const Blocks &at) { return satd4x4_register
 
 TAVU_VEC_INLINE int32_t best_satd8x8(const Blocks &at) { return satd8x8_registers(at); }
 
-// Takes Columns x Rows samples at a time, in strips from top to bottom: add(sum, strip) moves on.
+// Takes Columns x Rows samples at a time, in strips from top to bottom: add(sum, strip) moves on. There
+// is at least one row.
 template <class Sum, int Columns, int Rows, class Add>
 TAVU_VEC_INLINE int32_t whole_registers(int32_t width, int32_t height, Blocks at, Add add) {
-    if (width <= 0 || height <= 0) return 0;
-    const uint32_t bands = (static_cast<uint32_t>(height) + Rows - 1) / Rows;
+    if (width <= 0) return 0;
+    const uint32_t tiles = (static_cast<uint32_t>(height) + Rows - 1) / Rows;
     uint32_t strips = static_cast<uint32_t>(width) / Columns;
     Sum sum = Sum::zero();
     do {
         Blocks strip = at;
-        uint32_t n = bands;
+        uint32_t n = tiles;
         do add(sum, strip);
         while (--n != 0);
         at = at.tile(Columns, 0);
@@ -67,7 +68,9 @@ __attribute__((noinline)) int32_t single_satd8x8s(int32_t width, int32_t height,
 
 constexpr int N = WIDEST < 32 ? WIDEST : 32;
 
-TAVU_VEC_INLINE int32_t best_satd4x4_area(int32_t width, int32_t height, const Blocks &at) {
+int32_t satd4x4_band(int32_t width, int32_t height, const uint8_t *a, const uint8_t *b,
+                     int32_t stride_a, int32_t stride_b) {
+    const Blocks at{a, b, stride_a, stride_b};
     const auto add = [](auto &sum, Blocks &strip) __attribute__((always_inline)) {
         add_satd4x4(sum, strip);
     };
@@ -79,7 +82,9 @@ TAVU_VEC_INLINE int32_t best_satd4x4_area(int32_t width, int32_t height, const B
     return best_tiles<MagnitudeSum<N>, 16, 4>(width, height, at, add, single_satd4x4s);
 }
 
-TAVU_VEC_INLINE int32_t best_satd8x8_area(int32_t width, int32_t height, const Blocks &at) {
+int32_t satd8x8_band(int32_t width, int32_t height, const uint8_t *a, const uint8_t *b,
+                     int32_t stride_a, int32_t stride_b) {
+    const Blocks at{a, b, stride_a, stride_b};
 #if defined(__ARM_NEON)
     const auto add = [](auto &sum, Blocks &strip) __attribute__((always_inline)) {
         add_satd8x8_twice(sum, strip);
@@ -93,6 +98,28 @@ TAVU_VEC_INLINE int32_t best_satd8x8_area(int32_t width, int32_t height, const B
 #endif
 }
 
+constexpr int32_t BAND = 64;
+
+template <tavu_metric_area_t *band>
+__attribute__((noinline)) int32_t by_bands(int32_t width, int32_t height, const uint8_t *a,
+                                           const uint8_t *b, int32_t stride_a, int32_t stride_b) {
+    uint32_t sum = 0;
+    for (Blocks at{a, b, stride_a, stride_b}; height > 0; height -= BAND, at = at.tile(0, BAND)) {
+        const int32_t rows = height < BAND ? height : BAND;
+        sum += static_cast<uint32_t>(band(width, rows, at.a, at.b, stride_a, stride_b));
+    }
+    return static_cast<int32_t>(sum);
+}
+
+// Pictures go by bands of rows, for a strip down a whole picture would touch a page with every row.
+template <tavu_metric_area_t *band>
+TAVU_VEC_INLINE int32_t best_area(int32_t width, int32_t height, const Blocks &at) {
+    const auto stride_a = static_cast<int32_t>(at.stride_a);
+    const auto stride_b = static_cast<int32_t>(at.stride_b);
+    tavu_metric_area_t *area = static_cast<uint32_t>(height) - 1 < BAND ? band : by_bands<band>;
+    return area(width, height, at.a, at.b, stride_a, stride_b);
+}
+
 #else
 
 int32_t best_hadamard4x4(const int16_t *block) {
@@ -103,13 +130,17 @@ int32_t best_hadamard4x4(const int16_t *block) {
 
 constexpr auto best_satd4x4 = satd4x4;
 constexpr auto best_satd8x8 = satd8x8;
-int32_t best_satd4x4_area(int32_t width, int32_t height, const Blocks &at) {
+
+int32_t satd4x4_band(int32_t width, int32_t height, const Blocks &at) {
     return tiles<4>(width, height, at, satd4x4);
 }
 
-int32_t best_satd8x8_area(int32_t width, int32_t height, const Blocks &at) {
+int32_t satd8x8_band(int32_t width, int32_t height, const Blocks &at) {
     return tiles<8>(width, height, at, satd8x8);
 }
+
+template <int32_t (*band)(int32_t, int32_t, const Blocks &)>
+constexpr auto best_area = band;
 
 #endif
 
@@ -120,8 +151,8 @@ using namespace tavu;
 
 TAVU_METRIC_BLOCK(tavu_satd4x4, best_satd4x4)
 TAVU_METRIC_BLOCK(tavu_satd8x8, best_satd8x8)
-TAVU_METRIC_AREA(tavu_satd, best_satd4x4_area)
-TAVU_METRIC_AREA(tavu_satd1, best_satd4x4_area)
-TAVU_METRIC_AREA(tavu_satd2, best_satd8x8_area)
+TAVU_METRIC_AREA(tavu_satd, best_area<satd4x4_band>)
+TAVU_METRIC_AREA(tavu_satd1, best_area<satd4x4_band>)
+TAVU_METRIC_AREA(tavu_satd2, best_area<satd8x8_band>)
 
 TAVU_KERNEL(int32_t, tavu_hadamard4x4, (const int16_t *block)) { return best_hadamard4x4(block); }
