@@ -19,7 +19,7 @@ void model_full(const uint8_t *src, int32_t src_line, int32_t dst_w, int32_t dst
 template <class Pixel>
 void model_line(const uint8_t *const rows[2], const uint8_t *weights, int32_t dst_w,
                 int32_t shift_x, int32_t next_x, int32_t step_x, uint8_t *out) {
-    ModelResize<Pixel>::line(rows[0], rows[1], weights, dst_w, {step_x, shift_x}, next_x, out);
+    ModelResize<Pixel>::line(rows, weights, dst_w, shift_x, next_x, step_x, out);
 }
 
 }  // namespace
@@ -63,10 +63,9 @@ std::vector<ResizeKernel> resize_kernels() {
         pixels<Bytes<3>>("3bytes", resize_variants<tavu_irsz8b8b8b_full, tavu_irsz8b8b8b_line>()),
         pixels<Bytes<4>>("4bytes",
                          resize_variants<tavu_irsz8b8b8b8b_full, tavu_irsz8b8b8b8b_line>()),
-        pixels<PackFull, PackLine>(
-            "3bytes_to_565",
-            resize_variants<tavu_irsz8b8b8b_5b6b5b_full, tavu_irsz8b8b8b_5b6b5b_line>()),
-        pixels<Rgb565>("565", resize_variants<tavu_irsz5b6b5b_full, tavu_irsz5b6b5b_line>()),
+        pixels<PackFull, PackLine>("3bytes_to_565", {{"exported", tavu_irsz8b8b8b_5b6b5b_full,
+                                                      tavu_irsz8b8b8b_5b6b5b_line}}),
+        pixels<Rgb565>("565", {{"exported", tavu_irsz5b6b5b_full, tavu_irsz5b6b5b_line}}),
     };
 }
 

@@ -19,7 +19,11 @@ set(TAVU_SOURCES
   src/bs/bsw.cpp
   src/media/fcc2mt.cpp
   src/media/md5.cpp
+  src/imgp/csc_scalar.cpp
   src/imgp/irsz.cpp
+  src/imgp/irsz_565.cpp
+  src/imgp/irsz_band.cpp
+  src/imgp/irsz_scalar.cpp
   src/imgp/lookup.cpp
   src/container/list.cpp
   src/container/rbuf.cpp

@@ -7,9 +7,9 @@
 #define TAVU_IMGP_BILINEAR_H
 
 #include "core/integer.h"
+#include "simd/vec.h"
 
 namespace tavu {
-namespace {
 
 constexpr int POSITION_BITS = 18;
 
@@ -18,13 +18,17 @@ struct Step {
     int32_t step;
     int32_t shift;  // log2 of the source pixels per unit
 
-    static Step unpack(int32_t packed) { return {packed >> 3, packed & 7}; }
-    int32_t pack() const { return wrap_shift_left(step, 3) | shift; }
+    TAVU_VEC_INLINE static Step unpack(int32_t packed) { return {packed >> 3, packed & 7}; }
+    TAVU_VEC_INLINE int32_t pack() const { return wrap_shift_left(step, 3) | shift; }
 
-    int32_t sample(int32_t position) const { return (position >> POSITION_BITS) * (1 << shift); }
+    TAVU_VEC_INLINE int32_t sample(int32_t position) const {
+        return (position >> POSITION_BITS) * (1 << shift);
+    }
     // Distance to the neighbour; with step 0 its weight is 0 and it may not exist.
-    int32_t next() const { return step == 0 ? 0 : 1 << shift; }
+    TAVU_VEC_INLINE int32_t next() const { return step == 0 ? 0 : 1 << shift; }
 };
+
+namespace {
 
 // The weight group's offset for a horizontal and for a vertical position.
 inline int32_t weight_column(int32_t x) { return x >> (POSITION_BITS - 8) & 0xE0; }

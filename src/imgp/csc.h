@@ -5,10 +5,10 @@
 #include <cstddef>
 
 #include "simd/kernel.h"
+#include "simd/vec.h"
 #include "tavu.h"
 
 namespace tavu {
-namespace {
 
 struct Csc {
     uint8_t *const *src;
@@ -19,15 +19,22 @@ struct Csc {
     const int32_t *dst_stride;
     int32_t dst_cs;
 
-    const uint8_t *src_row(int plane, int32_t row) const {
+    TAVU_VEC_INLINE const uint8_t *src_row(int plane, int32_t row) const {
         return src[plane] + static_cast<ptrdiff_t>(row) * src_stride[plane];
     }
-    uint8_t *dst_row(int plane, int32_t row) const {
+    TAVU_VEC_INLINE uint8_t *dst_row(int plane, int32_t row) const {
         return dst[plane] + static_cast<ptrdiff_t>(row) * dst_stride[plane];
     }
 };
 
-}  // namespace
+// Bytes of a packed target pixel, and whether the fourth is plane 3; else it is 255.
+struct PackedTarget {
+    int bytes;
+    bool alpha_plane;
+
+    TAVU_VEC_INLINE int planes() const { return alpha_plane ? 4 : 3; }
+};
+
 }  // namespace tavu
 
 // Exports NAME as a call of a function on the record: TAVU_CSC(tavu_csc_x, convert<Format>).

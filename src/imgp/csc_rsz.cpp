@@ -2,7 +2,7 @@
 // conversion, LANES pixels at a time; what is too narrow and the pixels of YUV rows after the last
 // full group of eight take the scalar form.
 #include "imgp/color_vec.h"
-#include "imgp/csc_rsz_model.h"
+#include "imgp/csc_scalar.h"
 #include "imgp/resize_vec.h"
 
 namespace tavu {
@@ -48,24 +48,28 @@ struct StoreConverted {
     }
 };
 
+// One copy serves all targets.
+__attribute__((noinline)) void resize_into(const Sink &sink, bool yuv, const Csc &c) {
+    const Step x = step_for(c.src_w, c.dst_w);
+    const int32_t width = yuv ? c.dst_w & ~7 : c.dst_w;
+    Rows rows{{}, step_for(c.src_h, c.dst_h), 0, c.dst_h, c.dst[0], c.dst_stride[0]};
+    for (int p = 0; p < sink.planes; p++) rows.planes[p] = {c.src[p], c.src_stride[p]};
+    const bool done = resize_vec(sink, Columns{1, x, x.next(), width}, rows);
+    if (!done || width < c.dst_w) {
+        convert_resize_scalar(c, yuv, {sink.bytes, sink.planes == 4}, done ? width : 0);
+    }
+}
+
 template <class Space, int Bytes, bool AlphaPlane = false>
 void best_convert_resize(const Csc &c) {
-    using Sink = StoreConverted<Space, Bytes, AlphaPlane>;
-    const Step x = step_for(c.src_w, c.dst_w);
-    const int32_t width = std::is_same_v<Space, FromYuv> ? c.dst_w & ~7 : c.dst_w;
-    Rows rows{{}, step_for(c.src_h, c.dst_h), 0, c.dst_h, c.dst[0], c.dst_stride[0]};
-    for (int p = 0; p < Sink::PLANES; p++) rows.planes[p] = {c.src[p], c.src_stride[p]};
-    const bool done = resize_vec<Sink>(Columns<1>{x, x.next(), width}, rows);
-    if (!done || width < c.dst_w) {
-        convert_resize_from<Space, Bytes, AlphaPlane>(c, done ? width : 0);
-    }
+    resize_into(SINK<StoreConverted<Space, Bytes, AlphaPlane>>, std::is_same_v<Space, FromYuv>, c);
 }
 
 #else
 
 template <class Space, int Bytes, bool AlphaPlane = false>
 void best_convert_resize(const Csc &c) {
-    convert_resize<Space, Bytes, AlphaPlane>(c);
+    convert_resize_scalar(c, std::is_same_v<Space, FromYuv>, {Bytes, AlphaPlane}, 0);
 }
 
 #endif

@@ -37,47 +37,46 @@ Rgb convert_pixel(const uint8_t (&c)[4], bool in_group) {
     return Space::rgb(c[0], c[1], c[2]);
 }
 
-// Target pixels from `first` on. Bytes: of a target pixel; the fourth is plane 3 if AlphaPlane,
-// else 255.
-template <class Space, int Bytes, bool AlphaPlane>
-void convert_resize_row(const PlaneRows *planes, const uint8_t *weights, Step step, int32_t first,
-                        int32_t width, uint8_t *out) {
+// Target pixels from `first` on.
+template <class Space>
+void convert_resize_row(const PlaneRows *planes, const uint8_t *weights, Step step,
+                        const PackedTarget &target, int32_t first, int32_t width, uint8_t *out) {
     const int32_t grouped = width & ~7;
-    out += static_cast<ptrdiff_t>(first) * Bytes;
-    for (int32_t i = first; i < width; i++, out += Bytes) {
+    out += static_cast<ptrdiff_t>(first) * target.bytes;
+    for (int32_t i = first; i < width; i++, out += target.bytes) {
         const int32_t x = wrap_multiply(i, step.step);
         const int32_t left = step.sample(x), right = left + step.next();
         uint8_t c[4] = {0, 0, 0, 255};
-        for (int p = 0; p < (AlphaPlane ? 4 : 3); p++) {
+        for (int p = 0; p < target.planes(); p++) {
             c[p] = planes[p].interpolate(left, right, weights + weight_column(x));
         }
         const Rgb rgb = convert_pixel<Space>(c, i < grouped);
         out[0] = rgb.r;
         out[1] = rgb.g;
         out[2] = rgb.b;
-        if constexpr (Bytes == 4) out[3] = c[3];
+        if (target.bytes == 4) out[3] = c[3];
     }
 }
 
-template <class Space, int Bytes, bool AlphaPlane>
-void convert_resize_from(const Csc &c, int32_t first) {
+template <class Space>
+void convert_resize_from(const Csc &c, const PackedTarget &target, int32_t first) {
     const Step step_x = step_for(c.src_w, c.dst_w);
     const Step step_y = step_for(c.src_h, c.dst_h);
     int32_t y = 0;
     for (int32_t j = 0; j < c.dst_h; j++, y = wrap_add(y, step_y.step)) {
         PlaneRows planes[4] = {};
-        for (int p = 0; p < (AlphaPlane ? 4 : 3); p++) {
+        for (int p = 0; p < target.planes(); p++) {
             const int32_t row = step_y.sample(y);
             planes[p] = {c.src_row(p, row), c.src_row(p, row + step_y.next())};
         }
-        convert_resize_row<Space, Bytes, AlphaPlane>(planes, CSC_RSZ_WEIGHTS + weight_row(y),
-                                                     step_x, first, c.dst_w, c.dst_row(0, j));
+        convert_resize_row<Space>(planes, CSC_RSZ_WEIGHTS + weight_row(y), step_x, target, first,
+                                  c.dst_w, c.dst_row(0, j));
     }
 }
 
 template <class Space, int Bytes, bool AlphaPlane = false>
 void convert_resize(const Csc &c) {
-    convert_resize_from<Space, Bytes, AlphaPlane>(c, 0);
+    convert_resize_from<Space>(c, {Bytes, AlphaPlane}, 0);
 }
 
 }  // namespace

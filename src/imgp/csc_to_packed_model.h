@@ -14,8 +14,7 @@ namespace {
 template <class Space_, int Bytes, bool AlphaPlane = false>
 struct Packed {
     using Space = Space_;
-    static constexpr int BYTES = Bytes;
-    static constexpr bool ALPHA_PLANE = AlphaPlane;
+    static constexpr PackedTarget TARGET = {Bytes, AlphaPlane};
 
     static bool is_bgr(int32_t cs) {
         if (Bytes == 4) return cs == TAVU_CS_BGRA8888;
@@ -24,40 +23,36 @@ struct Packed {
     }
 };
 
-template <class Format, bool Bgr>
-struct ModelRow {
-    static void convert(const uint8_t *const c[4], uint8_t *out, int32_t width) {
-        for (int32_t x = 0; x < width; x++, out += Format::BYTES) {
-            const Rgb p = Format::Space::rgb(c[0][x], c[1][x], c[2][x]);
-            out[0] = Bgr ? p.b : p.r;
-            out[1] = p.g;
-            out[2] = Bgr ? p.r : p.b;
-            if constexpr (Format::BYTES == 4) out[3] = Format::ALPHA_PLANE ? c[3][x] : 255;
-        }
-    }
-};
-
-// All source planes advance by the first stride, and B, G, R order goes through the third target
-// pointer; callers rely on both.
-template <class Format, bool Bgr, template <class, bool> class Row>
-void convert_rows(const Csc &c) {
-    uint8_t *out = c.dst[Bgr ? 2 : 0];
-    const uint8_t *planes[4] = {c.src[0], c.src[1], c.src[2],
-                                Format::ALPHA_PLANE ? c.src[3] : nullptr};
+// Calls convert(planes, out) for each row. All source planes advance by the first stride, and
+// B, G, R order goes through the third target pointer; callers rely on both.
+template <class Convert>
+TAVU_VEC_INLINE void for_each_packed_row(const Csc &c, int planes, bool bgr, Convert convert) {
+    uint8_t *out = c.dst[bgr ? 2 : 0];
+    const uint8_t *at[4] = {c.src[0], c.src[1], c.src[2], planes == 4 ? c.src[3] : nullptr};
     for (int32_t y = 0; y < c.src_h; y++) {
-        Row<Format, Bgr>::convert(planes, out, c.src_w);
-        for (int p = 0; p < (Format::ALPHA_PLANE ? 4 : 3); p++) planes[p] += c.src_stride[0];
+        convert(at, out);
+        for (int p = 0; p < planes; p++) at[p] += c.src_stride[0];
         out += c.dst_stride[0];
     }
 }
 
-template <class Format, template <class, bool> class Row = ModelRow>
+template <class Space>
+void to_packed_as(const Csc &csc, const PackedTarget &target, bool bgr) {
+    const auto convert_row = [&](const uint8_t *const c[4], uint8_t *out) {
+        for (int32_t x = 0; x < csc.src_w; x++, out += target.bytes) {
+            const Rgb p = Space::rgb(c[0][x], c[1][x], c[2][x]);
+            out[0] = bgr ? p.b : p.r;
+            out[1] = p.g;
+            out[2] = bgr ? p.r : p.b;
+            if (target.bytes == 4) out[3] = target.alpha_plane ? c[3][x] : 255;
+        }
+    };
+    for_each_packed_row(csc, target.planes(), bgr, convert_row);
+}
+
+template <class Format>
 void to_packed(const Csc &c) {
-    if (Format::is_bgr(c.dst_cs)) {
-        convert_rows<Format, true, Row>(c);
-    } else {
-        convert_rows<Format, false, Row>(c);
-    }
+    to_packed_as<typename Format::Space>(c, Format::TARGET, Format::is_bgr(c.dst_cs));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// To planar YUV: from packed RGB, LANES pixels at a time, and plane copies.
+// Packed RGB to planar YUV, LANES pixels at a time.
 //
 // Channels that stand in R, G, B(, A) or B, G, R(, A) order in one packed row take the vector form,
 // all others and narrow rows the scalar one. Reads and writes no byte outside the rows.
@@ -10,10 +10,9 @@
 //     V = narrow(32768 + 128 R - 107 G - 21 B)
 //
 // Only 65408 + 128 exceeds 16 bits: the chroma of 256 that is stored as 255.
-#include "imgp/csc_to_yuv_model.h"
-
 #include <cstring>
 
+#include "imgp/csc_scalar.h"
 #include "simd/blocks.h"
 
 namespace tavu {
@@ -80,7 +79,7 @@ struct BestYuvRow {
     static void convert(const YuvLine &at, int32_t width) {
         if (width >= LANES && is_packed<Step>(at, 0)) return convert_row<Step, false>(at, width);
         if (width >= LANES && is_packed<Step>(at, 2)) return convert_row<Step, true>(at, width);
-        ModelYuvRow<Step>::convert(at, width);
+        yuv_row_scalar(Step, at, width);
     }
 };
 
@@ -91,18 +90,6 @@ using BestYuvRow = ModelYuvRow<Step>;
 
 #endif
 
-void copy_plane(const Csc &c, int plane) {
-    if (c.src_w < 1) return;
-    for (int32_t row = 0; row < c.src_h; row++) {
-        memcpy(c.dst_row(plane, row), c.src_row(plane, row), static_cast<size_t>(c.src_w));
-    }
-}
-
-void copy_planes(const Csc &c) {
-    for (int plane = 0; plane < 3; plane++) copy_plane(c, plane);
-    if (c.dst_cs == TAVU_CS_YUV444A8 && c.src[3] != nullptr) copy_plane(c, 3);
-}
-
 }  // namespace
 }  // namespace tavu
 
@@ -110,4 +97,3 @@ using namespace tavu;
 
 TAVU_CSC(tavu_csc_r8g8b8_to_yuv444, to_yuv<3, BestYuvRow>)
 TAVU_CSC(tavu_csc_r8g8b8a8_to_yuv444a8, to_yuv<4, BestYuvRow>)
-TAVU_CSC(tavu_csc_yuv444x_to_yuv444x, copy_planes)

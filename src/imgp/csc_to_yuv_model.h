@@ -9,13 +9,14 @@
 #include "imgp/csc.h"
 
 namespace tavu {
-namespace {
 
 // Channels and planes of one picture line.
 struct YuvLine {
     const uint8_t *in[4];
     uint8_t *out[4];
 };
+
+namespace {
 
 template <int Step>
 struct ModelYuvRow {

@@ -10,6 +10,16 @@
 #include "imgp/bilinear.h"
 
 namespace tavu {
+
+// The arguments of a whole-image kernel.
+struct Image {
+    const uint8_t *src;
+    int32_t src_line;
+    int32_t dst_w, dst_h, dst_line;
+    uint8_t *dst;
+    Step x, y;
+};
+
 namespace {
 
 // Four neighbouring source pixels and their weights.
@@ -74,39 +84,34 @@ struct Rgb565 {
     }
 };
 
-// The arguments of a whole-image kernel.
-struct Image {
-    const uint8_t *src;
-    int32_t src_line;
-    int32_t dst_w, dst_h, dst_line;
-    uint8_t *dst;
-    Step x, y;
-};
-
 template <class Pixel>
 struct ModelResize {
-    // One target row. `next` is the distance to the right-hand neighbour in pixels.
-    static void line(const uint8_t *top, const uint8_t *bottom, const uint8_t *weights,
-                     int32_t dst_w, Step step, int32_t next, uint8_t *out) {
-        const ptrdiff_t right = step.step == 0 ? 0 : static_cast<ptrdiff_t>(next) * Pixel::SRC;
+    static constexpr int LINE_UNIT = Pixel::LINE_UNIT;
+
+    // One target row. `next_x` is the distance to the right-hand neighbour in pixels.
+    static void line(const uint8_t *const rows[2], const uint8_t *weights, int32_t dst_w,
+                     int32_t shift_x, int32_t next_x, int32_t step_x, uint8_t *out) {
+        const ptrdiff_t right = step_x == 0 ? 0 : static_cast<ptrdiff_t>(next_x) * Pixel::SRC;
         int32_t x = 0;
-        for (int32_t i = 0; i < dst_w; i++, x = wrap_add(x, step.step), out += Pixel::DST) {
-            const ptrdiff_t left = static_cast<ptrdiff_t>(step.sample(x)) * Pixel::SRC;
-            Pixel::store({top + left, top + left + right, bottom + left, bottom + left + right,
-                          weights + weight_column(x)},
+        for (int32_t i = 0; i < dst_w; i++, x = wrap_add(x, step_x), out += Pixel::DST) {
+            const ptrdiff_t left =
+                static_cast<ptrdiff_t>(Step{step_x, shift_x}.sample(x)) * Pixel::SRC;
+            const uint8_t *top = rows[0] + left, *bottom = rows[1] + left;
+            Pixel::store({top, top + right, bottom, bottom + right, weights + weight_column(x)},
                          out);
         }
     }
 
     static void full(const Image &image, const uint8_t *weights) {
-        const ptrdiff_t src_stride = static_cast<ptrdiff_t>(image.src_line) * Pixel::LINE_UNIT;
-        const ptrdiff_t dst_stride = static_cast<ptrdiff_t>(image.dst_line) * Pixel::LINE_UNIT;
+        const ptrdiff_t src_stride = static_cast<ptrdiff_t>(image.src_line) * LINE_UNIT;
+        const ptrdiff_t dst_stride = static_cast<ptrdiff_t>(image.dst_line) * LINE_UNIT;
         uint8_t *dst = image.dst;
         int32_t y = 0;
         for (int32_t j = 0; j < image.dst_h; j++, dst += dst_stride) {
             const uint8_t *top = image.src + image.y.sample(y) * src_stride;
-            line(top, top + image.y.next() * src_stride, weights + weight_row(y), image.dst_w,
-                 image.x, 1 << image.x.shift, dst);
+            const uint8_t *const rows[2] = {top, top + image.y.next() * src_stride};
+            line(rows, weights + weight_row(y), image.dst_w, image.x.shift, 1 << image.x.shift,
+                 image.x.step, dst);
             y = wrap_add(y, image.y.step);
         }
     }

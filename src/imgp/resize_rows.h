@@ -53,28 +53,17 @@ struct Rows {
     }
 };
 
-// The places of the source rows of one target row in the first N planes, from byte `x` on.
-template <int N>
+// The places of the source rows of one target row in the first `planes` planes, from byte `x` on.
 struct RowPair {
-    const uint8_t *top[N], *bottom[N];
+    const uint8_t *top[4], *bottom[4];
 
-    RowPair(const Rows &rows, const RowSource &from, int32_t x) {
-        for (int p = 0; p < N; p++) {
+    RowPair(const Rows &rows, int planes, const RowSource &from, int32_t x) : top(), bottom() {
+        for (int p = 0; p < planes; p++) {
             top[p] = rows.planes[p].row(from.top) + x;
             bottom[p] = rows.planes[p].row(from.bottom) + x;
         }
     }
 };
-
-// As for_each_block, with one copy of make_block, which is large.
-template <class Cursor, class MakeBlock>
-TAVU_VEC_INLINE void for_each_anchored_block(Cursor at, int32_t width, MakeBlock make_block) {
-    const int32_t blocks = (width + LANES - 1) / LANES;
-    for (int32_t n = blocks; n > 0; n--) {
-        if (n == 1) at.move(width - blocks * LANES);
-        make_block(at);
-    }
-}
 
 }  // namespace
 }  // namespace tavu

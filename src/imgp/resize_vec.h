@@ -12,42 +12,40 @@
 namespace tavu {
 namespace {
 
-template <class Sink>
-bool resize_half(const Columns<1> &columns, const Rows &rows) {
+inline bool resize_half(const Sink &sink, const Columns &columns, const Rows &rows) {
     if (!halves(columns) || rows.grow()) return false;
-    Halving<Sink> halving(columns);
+    const Halving halving(columns);
     const int32_t rest = columns.width - halving.end();
-    if (rest > Chunk<Sink, 1>::SIZE) return false;
-    Chunk<Sink, 1> first(columns, 0, LANES), last(columns, halving.end(), rest);
+    if (rest > WeighedRow::chunk_size(sink.planes)) return false;
+    Chunk<1> first(sink, columns, 0, LANES), last(sink, columns, halving.end(), rest);
     rows.for_each([&](const RowSource &from, uint8_t *out) {
         first.make_row(rows, from, out);
-        halving.make_row(rows, from, out);
+        halving.make_row(sink, rows, from, out);
         last.make_row(rows, from, out);
     });
     return true;
 }
 
-template <class Sink, int Windows, int Bytes>
-void resize_chunks(const Columns<Bytes> &columns, const Rows &rows) {
-    if constexpr (Bytes == 1 && Windows == 1) {
-        if (resize_half<Sink>(columns, rows)) return;
-    }
-    constexpr int32_t SIZE = Chunk<Sink, Windows>::SIZE;
-    for (int32_t first = 0; first < columns.elements(); first += SIZE) {
+template <int Windows>
+void resize_chunks(const Sink &sink, const Columns &columns, const Rows &rows) {
+    const int32_t size = WeighedRow::chunk_size(sink.planes);
+    for (int32_t first = 0; first < columns.elements(); first += size) {
         const int32_t rest = columns.elements() - first;
-        Chunk<Sink, Windows> chunk(columns, first, rest < SIZE ? rest : SIZE);
+        Chunk<Windows> chunk(sink, columns, first, rest < size ? rest : size);
         rows.for_each(
             [&](const RowSource &from, uint8_t *out) { chunk.make_row(rows, from, out); });
     }
 }
 
 // False, and nothing is done, if columns cannot be made of taps or rows do not follow each other.
-template <class Sink, int Bytes>
-bool resize_vec(const Columns<Bytes> &columns, const Rows &rows) {
+__attribute__((noinline)) bool resize_vec(const Sink &sink, const Columns &columns,
+                                          const Rows &rows) {
     switch (rows.from_top_to_bottom() ? columns.windows() : 0) {
-        case 1: resize_chunks<Sink, 1>(columns, rows); return true;
-        case 2: resize_chunks<Sink, 2>(columns, rows); return true;
-        case 4: resize_chunks<Sink, 4>(columns, rows); return true;
+        case 1:
+            if (!resize_half(sink, columns, rows)) resize_chunks<1>(sink, columns, rows);
+            return true;
+        case 2: resize_chunks<2>(sink, columns, rows); return true;
+        case 4: resize_chunks<4>(sink, columns, rows); return true;
         default: return false;
     }
 }

@@ -9,15 +9,19 @@
 namespace tavu {
 namespace {
 
-// Calls convert_block(at), which converts LANES pixels and moves the cursor on, for a row of at least
-// LANES pixels. The last block is anchored at the row's end, where at.move(pixels) takes the cursor,
-// and rewrites equal bytes: nothing outside the row is read or written.
+// Calls convert_block(at), which converts LANES pixels and moves the cursor on, for each block of a
+// row. A last block that is not full is anchored at the row's end, where at.move(pixels) takes the
+// cursor, and rewrites equal bytes; a row narrower than LANES must have room before it. There is one
+// copy of convert_block, which is large.
 template <class Cursor, class Convert>
 TAVU_VEC_INLINE void for_each_block(Cursor at, int32_t width, Convert convert_block) {
-    for (int32_t n = width / LANES; n > 0; n--) convert_block(at);
-    if (width % LANES == 0) return;
-    at.move(width % LANES - LANES);
-    convert_block(at);
+    int32_t rest = width % LANES;
+    for (int32_t n = width / LANES;; n = 1) {
+        for (; n > 0; n--) convert_block(at);
+        if (rest == 0) return;
+        at.move(rest - LANES);
+        rest = 0;
+    }
 }
 
 }  // namespace

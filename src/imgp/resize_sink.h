@@ -1,0 +1,118 @@
+// The row loops of a resize, one set for each kind of target pixels: what sums become. All else is
+// compiled once.
+#ifndef TAVU_IMGP_RESIZE_SINK_H
+#define TAVU_IMGP_RESIZE_SINK_H
+
+#include "imgp/resize_rows.h"
+#include "imgp/resize_taps.h"
+#include "simd/blocks.h"
+
+namespace tavu {
+namespace {
+
+// The weighed rows of one chunk, plane by plane. A single plane takes the room of two.
+struct WeighedRow {
+    static constexpr int32_t PLANE_SIZE = 1024;  // elements
+    int32_t row = -1;
+    uint16_t sums[4 * PLANE_SIZE];
+
+    static constexpr int32_t chunk_size(int planes) {
+        return planes == 1 ? 2 * PLANE_SIZE : PLANE_SIZE;
+    }
+};
+
+struct Sink {
+    int planes, bytes;  // that it takes, and that it writes for an element
+    // Rows of `width` elements. The sums and taps of a last block that is not full are those of the
+    // anchored one.
+    void (*weigh_and_mix)(const RowPair &rows, const Taps<1> *taps, uint16_t b, int32_t width,
+                          uint8_t *out);
+    void (*mix)(const WeighedRow &upper, const WeighedRow &lower, uint16_t b, int32_t width,
+                uint8_t *out);
+    // Of blocks whose samples stand side by side; `ahead` bytes on is what comes next.
+    void (*halve)(const RowPair &rows, const uint8_t *weights, uint16_t b, int32_t blocks,
+                  ptrdiff_t ahead, uint8_t *out);
+};
+
+// Target pixels of a kind are made by a class that has
+//     PLANES, BYTES         as in Sink
+//     store(p, sums)        writes LANES elements, given the sums of each plane, and moves p on
+
+TAVU_VEC_INLINE UWide mix_block(UWide top, UWide bottom, uint16_t b) {
+    const auto rest = static_cast<uint16_t>(8 - b);
+    return {mix(top.lo, bottom.lo, rest, b), mix(top.hi, bottom.hi, rest, b)};
+}
+
+TAVU_VEC_INLINE UWide load_sums(const uint16_t *sums) {
+    return {load16(sums), load16(sums + OUTPUTS)};
+}
+
+template <class Pixels>
+void weigh_and_mix_row(const RowPair &rows, const Taps<1> *taps, uint16_t b, int32_t width,
+                       uint8_t *out) {
+    struct Place {
+        RowPair rows;
+        const Taps<1> *taps;
+        uint8_t *out;
+        TAVU_VEC_INLINE void move(int32_t elements) { out += elements * Pixels::BYTES; }
+    };
+    for_each_block(Place{rows, taps, out}, width, [b](Place &at) {
+        const auto &lo = load_taps(at.taps[0]), &hi = load_taps(at.taps[1]);
+        UWide sums[Pixels::PLANES];
+#pragma GCC unroll 4
+        for (int p = 0; p < Pixels::PLANES; p++) {
+            const uint8_t *top = at.rows.top[p], *bottom = at.rows.bottom[p];
+            sums[p] = mix_block({weigh<1>(top, lo), weigh<1>(top, hi)},
+                                {weigh<1>(bottom, lo), weigh<1>(bottom, hi)}, b);
+        }
+        at.taps += 2;
+        Pixels::store(at.out, sums);
+    });
+}
+
+template <class Pixels>
+void mix_row(const WeighedRow &upper, const WeighedRow &lower, uint16_t b, int32_t width,
+             uint8_t *out) {
+    struct Place {
+        const uint16_t *upper, *lower;
+        uint8_t *out;
+        TAVU_VEC_INLINE void move(int32_t elements) { out += elements * Pixels::BYTES; }
+    };
+    for_each_block(Place{upper.sums, lower.sums, out}, width, [b](Place &at) {
+        UWide sums[Pixels::PLANES];
+#pragma GCC unroll 4
+        for (int p = 0; p < Pixels::PLANES; p++) {
+            const int32_t plane = p * WeighedRow::PLANE_SIZE;
+            sums[p] = mix_block(load_sums(at.upper + plane), load_sums(at.lower + plane), b);
+        }
+        at.upper += LANES;
+        at.lower += LANES;
+        Pixels::store(at.out, sums);
+    });
+}
+
+template <class Pixels>
+void halve_row(const RowPair &rows, const uint8_t *weights, uint16_t b, int32_t blocks,
+               ptrdiff_t ahead, uint8_t *out) {
+    RowPair at = rows;
+    for (int32_t n = blocks; n > 0; n--) {
+        const U8 w0 = load(weights), w1 = load(weights);
+        UWide sums[Pixels::PLANES];
+#pragma GCC unroll 4
+        for (int p = 0; p < Pixels::PLANES; p++) {
+            prefetch(at.top[p] + ahead);
+            prefetch(at.bottom[p] + ahead);
+            sums[p] = halve(at.top[p], at.bottom[p], w0, w1, b);
+        }
+        Pixels::store(out, sums);
+    }
+}
+
+template <class Pixels>
+constexpr Sink SINK = {Pixels::PLANES, Pixels::BYTES, weigh_and_mix_row<Pixels>, mix_row<Pixels>,
+                       halve_row<Pixels>};
+
+}  // namespace
+}  // namespace tavu
+
+#endif
