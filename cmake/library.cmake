@@ -39,7 +39,8 @@ set(TAVU_WIDE_SOURCES
   src/imgp/csc_to_yuv.cpp
   src/media/vkeyfrm.cpp
   src/imgp/csc_rsz.cpp
-  src/imgp/irsz_kernels.cpp)
+  src/imgp/irsz_kernels.cpp
+  src/imgp/resize_vec.cpp)
 
 # Kernels that gain once more from registers of 64 bytes: for level v4 too.
 set(TAVU_WIDEST_SOURCES
@@ -49,8 +50,17 @@ set(TAVU_WIDEST_SOURCES
   src/metric/ssd.cpp)
 
 # These hold a loop for every target, factor and level; more inlining would gain nothing.
-set_source_files_properties(src/imgp/csc_rsz.cpp src/imgp/irsz_kernels.cpp PROPERTIES
+set_source_files_properties(
+  src/imgp/csc_rsz.cpp src/imgp/irsz_565.cpp src/imgp/irsz_kernels.cpp src/imgp/resize_vec.cpp
+  PROPERTIES
   COMPILE_OPTIONS $<$<CONFIG:Release>:-O2>)
+
+# Scalar forms are the exception where vector forms exist, and the only ones elsewhere.
+if(TAVU_SIMD)
+  set_source_files_properties(
+    src/imgp/csc_scalar.cpp src/imgp/irsz_scalar.cpp PROPERTIES
+    COMPILE_OPTIONS $<$<CONFIG:Release>:-Os>)
+endif()
 
 function(tavu_objects name)
   add_library(${name} OBJECT ${ARGN})
@@ -71,7 +81,9 @@ endif()
 # NAME compiled for a level; TOP is the highest one that its sources are compiled for.
 function(tavu_level_objects name level top)
   tavu_objects(${name} ${ARGN})
-  target_compile_options(${name} PRIVATE -march=x86-64-v${level} -mtune=generic)
+  # Kernels call nothing that could throw, so that nobody needs to unwind through them.
+  target_compile_options(${name} PRIVATE -march=x86-64-v${level} -mtune=generic
+    -fno-asynchronous-unwind-tables)
   target_compile_definitions(${name} PRIVATE TAVU_LEVEL=${level} TAVU_TOP_LEVEL=${top})
 endfunction()
 

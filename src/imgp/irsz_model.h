@@ -89,8 +89,9 @@ struct ModelResize {
     static constexpr int LINE_UNIT = Pixel::LINE_UNIT;
 
     // One target row. `next_x` is the distance to the right-hand neighbour in pixels.
-    static void line(const uint8_t *const rows[2], const uint8_t *weights, int32_t dst_w,
-                     int32_t shift_x, int32_t next_x, int32_t step_x, uint8_t *out) {
+    __attribute__((noinline)) static void line(const uint8_t *const rows[2], const uint8_t *weights,
+                                               int32_t dst_w, int32_t shift_x, int32_t next_x,
+                                               int32_t step_x, uint8_t *out) {
         const ptrdiff_t right = step_x == 0 ? 0 : static_cast<ptrdiff_t>(next_x) * Pixel::SRC;
         int32_t x = 0;
         for (int32_t i = 0; i < dst_w; i++, x = wrap_add(x, step_x), out += Pixel::DST) {

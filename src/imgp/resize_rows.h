@@ -11,7 +11,7 @@
 #include "simd/vec.h"
 
 namespace tavu {
-namespace {
+inline namespace TAVU_LEVEL_NAMESPACE {
 
 struct Plane {
     const uint8_t *data;
@@ -65,7 +65,7 @@ struct RowPair {
     }
 };
 
-}  // namespace
+}  // namespace TAVU_LEVEL_NAMESPACE
 }  // namespace tavu
 
 #endif

@@ -8,7 +8,7 @@
 #include "simd/blocks.h"
 
 namespace tavu {
-namespace {
+inline namespace TAVU_LEVEL_NAMESPACE {
 
 // The weighed rows of one chunk, plane by plane. A single plane takes the room of two.
 struct WeighedRow {
@@ -112,7 +112,7 @@ template <class Pixels>
 constexpr Sink SINK = {Pixels::PLANES, Pixels::BYTES, weigh_and_mix_row<Pixels>, mix_row<Pixels>,
                        halve_row<Pixels>};
 
-}  // namespace
+}  // namespace TAVU_LEVEL_NAMESPACE
 }  // namespace tavu
 
 #endif

@@ -8,7 +8,7 @@
 #include "simd/resample.h"
 
 namespace tavu {
-namespace {
+inline namespace TAVU_LEVEL_NAMESPACE {
 
 // Pixel and channel of 8 elements that follow each other from a channel of pixel 0 on.
 struct Offsets {
@@ -118,7 +118,7 @@ struct Columns {
     }
 };
 
-}  // namespace
+}  // namespace TAVU_LEVEL_NAMESPACE
 }  // namespace tavu
 
 #endif

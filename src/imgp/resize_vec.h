@@ -6,51 +6,15 @@
 
 #if TAVU_VEC
 
-#include "imgp/resize_chunk.h"
-#include "imgp/resize_halving.h"
+#include "imgp/resize_sink.h"
 
 namespace tavu {
-namespace {
-
-inline bool resize_half(const Sink &sink, const Columns &columns, const Rows &rows) {
-    if (!halves(columns) || rows.grow()) return false;
-    const Halving halving(columns);
-    const int32_t rest = columns.width - halving.end();
-    if (rest > WeighedRow::chunk_size(sink.planes)) return false;
-    Chunk<1> first(sink, columns, 0, LANES), last(sink, columns, halving.end(), rest);
-    rows.for_each([&](const RowSource &from, uint8_t *out) {
-        first.make_row(rows, from, out);
-        halving.make_row(sink, rows, from, out);
-        last.make_row(rows, from, out);
-    });
-    return true;
-}
-
-template <int Windows>
-void resize_chunks(const Sink &sink, const Columns &columns, const Rows &rows) {
-    const int32_t size = WeighedRow::chunk_size(sink.planes);
-    for (int32_t first = 0; first < columns.elements(); first += size) {
-        const int32_t rest = columns.elements() - first;
-        Chunk<Windows> chunk(sink, columns, first, rest < size ? rest : size);
-        rows.for_each(
-            [&](const RowSource &from, uint8_t *out) { chunk.make_row(rows, from, out); });
-    }
-}
+inline namespace TAVU_LEVEL_NAMESPACE {
 
 // False, and nothing is done, if columns cannot be made of taps or rows do not follow each other.
-__attribute__((noinline)) bool resize_vec(const Sink &sink, const Columns &columns,
-                                          const Rows &rows) {
-    switch (rows.from_top_to_bottom() ? columns.windows() : 0) {
-        case 1:
-            if (!resize_half(sink, columns, rows)) resize_chunks<1>(sink, columns, rows);
-            return true;
-        case 2: resize_chunks<2>(sink, columns, rows); return true;
-        case 4: resize_chunks<4>(sink, columns, rows); return true;
-        default: return false;
-    }
-}
+bool resize_vec(const Sink &sink, const Columns &columns, const Rows &rows);
 
-}  // namespace
+}  // namespace TAVU_LEVEL_NAMESPACE
 }  // namespace tavu
 
 #endif

@@ -31,14 +31,14 @@
 #if TAVU_VEC
 
 namespace tavu {
-namespace {
+inline namespace TAVU_LEVEL_NAMESPACE {
 
 constexpr int OUTPUTS = LANES / 2;
 constexpr int WINDOW = 16;
 using I32x4 = int32_t __attribute__((vector_size(16)));
 using U16x8 = uint16_t __attribute__((vector_size(16)));
 
-}  // namespace
+}  // namespace TAVU_LEVEL_NAMESPACE
 }  // namespace tavu
 
 #if defined(__ARM_NEON)

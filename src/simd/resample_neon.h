@@ -7,7 +7,7 @@
 #include <type_traits>
 
 namespace tavu {
-namespace {
+inline namespace TAVU_LEVEL_NAMESPACE {
 
 TAVU_VEC_INLINE U16x8 narrow32(I32x4 x, I32x4 y) {
     return vreinterpretq_u16_s16(vcombine_s16(vmovn_s32(x), vmovn_s32(y)));
@@ -162,7 +162,7 @@ TAVU_VEC_INLINE void store16(uint16_t *p, U16 v) {
     vst1q_u8(reinterpret_cast<uint8_t *>(p), vreinterpretq_u8_u16(v));
 }
 
-}  // namespace
+}  // namespace TAVU_LEVEL_NAMESPACE
 }  // namespace tavu
 
 #endif

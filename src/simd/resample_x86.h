@@ -5,7 +5,7 @@
 #include <immintrin.h>
 
 namespace tavu {
-namespace {
+inline namespace TAVU_LEVEL_NAMESPACE {
 
 #if defined(__AVX2__)
 #define TAVU_MM(op) _mm256_##op
@@ -117,7 +117,7 @@ TAVU_VEC_INLINE void store16(uint16_t *p, U16 v) {
 
 #undef TAVU_MM
 
-}  // namespace
+}  // namespace TAVU_LEVEL_NAMESPACE
 }  // namespace tavu
 
 #endif

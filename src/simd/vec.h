@@ -20,12 +20,23 @@
 //
 // TAVU_VEC is 1 where the layer exists; elsewhere kernels are their scalar models. All of it lies in
 // unnamed namespaces: the linker must not merge a body compiled for v3 into a caller compiled for v2.
+// What several files share at one level lies in TAVU_LEVEL_NAMESPACE.
 #ifndef TAVU_SIMD_VEC_H
 #define TAVU_SIMD_VEC_H
 
 #include <cstdint>
 
 #define TAVU_VEC_INLINE __attribute__((always_inline)) inline
+
+#if !defined(TAVU_LEVEL)
+#define TAVU_LEVEL_NAMESPACE only_level
+#elif TAVU_LEVEL == 2
+#define TAVU_LEVEL_NAMESPACE level2
+#elif TAVU_LEVEL == 3
+#define TAVU_LEVEL_NAMESPACE level3
+#else
+#define TAVU_LEVEL_NAMESPACE level4
+#endif
 
 #if TAVU_SIMD && defined(__ARM_NEON)
 #define TAVU_VEC 1
