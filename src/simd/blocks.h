@@ -15,12 +15,10 @@ namespace {
 // copy of convert_block, which is large.
 template <class Cursor, class Convert>
 TAVU_VEC_INLINE void for_each_block(Cursor at, int32_t width, Convert convert_block) {
-    int32_t rest = width % LANES;
-    for (int32_t n = width / LANES;; n = 1) {
-        for (; n > 0; n--) convert_block(at);
-        if (rest == 0) return;
-        at.move(rest - LANES);
-        rest = 0;
+    const int32_t blocks = (width + LANES - 1) / LANES;
+    for (int32_t n = blocks; n > 0; n--) {
+        if (n == 1) at.move(width - blocks * LANES);
+        convert_block(at);
     }
 }
 
