@@ -21,6 +21,21 @@ struct WeighedRow {
     }
 };
 
+// Columns of one weight, a eighths of the right-hand sample, whose samples stand side by side: that
+// of the run's first column at byte 2 * first - 1. Blocks may reach into the next run, which follows.
+struct Run {
+    int32_t first, blocks;
+    uint16_t a;
+};
+
+// A row of half the width. The first block and those from column `rest` on are made of taps.
+struct HalvedRow {
+    int runs;
+    Run run[8];
+    int32_t rest, width;
+    Taps<1> first_taps[2], rest_taps[2 * WeighedRow::chunk_size(1) / LANES];
+};
+
 struct Sink {
     int planes, bytes;  // that it takes, and that it writes for an element
     // Rows of `width` elements. The sums and taps of a last block that is not full are those of the
@@ -29,9 +44,9 @@ struct Sink {
                           uint8_t *out);
     void (*mix)(const WeighedRow &upper, const WeighedRow &lower, uint16_t b, int32_t width,
                 uint8_t *out);
-    // Of blocks whose samples stand side by side; `ahead` bytes on is what comes next.
-    void (*halve)(const RowPair &rows, const uint8_t *weights, uint16_t b, int32_t blocks,
-                  ptrdiff_t ahead, uint8_t *out);
+    // `ahead` bytes on is what comes next.
+    void (*halve)(const RowPair &rows, const HalvedRow &row, uint16_t b, ptrdiff_t ahead,
+                  uint8_t *out);
 };
 
 // Target pixels of a kind are made by a class that has
@@ -92,20 +107,33 @@ void mix_row(const WeighedRow &upper, const WeighedRow &lower, uint16_t b, int32
 }
 
 template <class Pixels>
-void halve_row(const RowPair &rows, const uint8_t *weights, uint16_t b, int32_t blocks,
-               ptrdiff_t ahead, uint8_t *out) {
+void halve_run(const RowPair &rows, const Run &run, uint16_t b, ptrdiff_t ahead, uint8_t *out) {
     RowPair at = rows;
-    for (int32_t n = blocks; n > 0; n--) {
-        const U8 w0 = load(weights), w1 = load(weights);
+    for (int p = 0; p < Pixels::PLANES; p++) {
+        at.top[p] += 2 * run.first - 1;
+        at.bottom[p] += 2 * run.first - 1;
+    }
+    const HalfWeights weights = half_weights(run.a, b);
+    out += run.first * Pixels::BYTES;
+    for (int32_t n = run.blocks; n > 0; n--) {
         UWide sums[Pixels::PLANES];
 #pragma GCC unroll 4
         for (int p = 0; p < Pixels::PLANES; p++) {
             prefetch(at.top[p] + ahead);
             prefetch(at.bottom[p] + ahead);
-            sums[p] = halve(at.top[p], at.bottom[p], w0, w1, b);
+            sums[p] = halve(at.top[p], at.bottom[p], weights);
         }
         Pixels::store(out, sums);
     }
+}
+
+template <class Pixels>
+void halve_row(const RowPair &rows, const HalvedRow &row, uint16_t b, ptrdiff_t ahead,
+               uint8_t *out) {
+    weigh_and_mix_row<Pixels>(rows, row.first_taps, b, LANES, out);
+    for (int i = 0; i < row.runs; i++) halve_run<Pixels>(rows, row.run[i], b, ahead, out);
+    weigh_and_mix_row<Pixels>(rows, row.rest_taps, b, row.width - row.rest,
+                              out + row.rest * Pixels::BYTES);
 }
 
 template <class Pixels>

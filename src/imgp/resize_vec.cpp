@@ -11,14 +11,14 @@ namespace {
 
 bool resize_half(const Sink &sink, const Columns &columns, const Rows &rows) {
     if (!halves(columns) || rows.grow()) return false;
-    const Halving halving(columns);
-    const int32_t rest = columns.width - halving.end();
-    if (rest > WeighedRow::chunk_size(sink.planes)) return false;
-    Chunk<1> first(sink, columns, 0, LANES), last(sink, columns, halving.end(), rest);
+    HalvedRow row = make_halved_row(columns);
+    const int32_t rest = columns.width - row.rest;
+    if (rest > WeighedRow::chunk_size(1)) return false;
+    columns.make_taps(0, 1, row.first_taps);
+    columns.make_taps(row.rest, (rest + LANES - 1) / LANES, row.rest_taps);
     rows.for_each([&](const RowSource &from, uint8_t *out) {
-        first.make_row(rows, from, out);
-        halving.make_row(sink, rows, from, out);
-        last.make_row(rows, from, out);
+        sink.halve(RowPair(rows, sink.planes, from, 0), row, from.b, 2 * rows.planes[0].stride,
+                   out);
     });
     return true;
 }

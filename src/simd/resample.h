@@ -18,10 +18,10 @@
 //     round_shift8(v)       (v + 128) >> 8 of signed lanes, without wrapping
 //     load16(p), store16(p, v)
 //                           a register of 16-bit lanes from or to any address
-//     halve(top, bottom, w0, w1, b)
-//                           (8 - b) * upper + b * lower of LANES outputs that each weigh two bytes
-//                           of two rows, where the pairs stand side by side; w0 and w1 are the
-//                           weights that set_weights() makes; both pointers move on
+//     half_weights(a, b)    a HalfWeights: (8 - a) (8 - b), a (8 - b), (8 - a) b and a b
+//     halve(top, bottom, weights)
+//                           the weighted sums of LANES squares of two bytes of two rows; both
+//                           pointers move on
 //     prefetch(p)           p will be read soon; it need not be readable
 #ifndef TAVU_SIMD_RESAMPLE_H
 #define TAVU_SIMD_RESAMPLE_H

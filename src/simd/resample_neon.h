@@ -38,6 +38,15 @@ TAVU_VEC_INLINE void set_taps(Taps<Windows> &taps, int, U16x8 left, U16x8 right)
 
 TAVU_VEC_INLINE void set_weights(uint8_t *p, U16x8 a) { store_halves(p, 8 - a, a); }
 
+struct HalfWeights {
+    uint8x8_t tl, tr, bl, br;
+};
+
+TAVU_VEC_INLINE HalfWeights half_weights(int a, int b) {
+    const auto each = [](int weight) { return vdup_n_u8(static_cast<uint8_t>(weight)); };
+    return {each((8 - a) * (8 - b)), each(a * (8 - b)), each((8 - a) * b), each(a * b)};
+}
+
 #if defined(__arm__)
 
 // In assembly, for compilers move the halves of registers about.
@@ -70,16 +79,19 @@ TAVU_VEC_INLINE U8 look_up(const uint8_t *p, U8 mask, std::integral_constant<int
     return v;
 }
 
-// Weighs LANES pairs of bytes that stand side by side; p moves on.
-TAVU_VEC_INLINE UWide weigh_pairs(const uint8_t *&p, U8 w0, U8 w1) {
+TAVU_VEC_INLINE UWide halve(const uint8_t *&top, const uint8_t *&bottom, const HalfWeights &w) {
     UWide sums;
     __asm__(
-        "vld2.8 {d0, d1, d2, d3}, [%2]!\n\t"
-        "vmull.u8 %q0, d0, %e3\n\tvmull.u8 %q1, d1, %e4\n\t"
-        "vmlal.u8 %q0, d2, %f3\n\tvmlal.u8 %q1, d3, %f4"
-        : "=&w"(sums.lo), "=&w"(sums.hi), "+r"(p)
-        : "w"(w0), "w"(w1), "m"(*reinterpret_cast<const uint8_t(*)[2 * LANES]>(p))
-        : "q0", "q1");
+        "vld2.8 {d0, d1, d2, d3}, [%2]!\n\tvld2.8 {d4, d5, d6, d7}, [%3]!\n\t"
+        "vmull.u8 %q0, d0, %P4\n\tvmull.u8 %q1, d1, %P4\n\t"
+        "vmlal.u8 %q0, d2, %P5\n\tvmlal.u8 %q1, d3, %P5\n\t"
+        "vmlal.u8 %q0, d4, %P6\n\tvmlal.u8 %q1, d5, %P6\n\t"
+        "vmlal.u8 %q0, d6, %P7\n\tvmlal.u8 %q1, d7, %P7"
+        : "=&w"(sums.lo), "=&w"(sums.hi), "+r"(top), "+r"(bottom)
+        : "w"(w.tl), "w"(w.tr), "w"(w.bl), "w"(w.br),
+          "m"(*reinterpret_cast<const uint8_t(*)[2 * LANES]>(top)),
+          "m"(*reinterpret_cast<const uint8_t(*)[2 * LANES]>(bottom))
+        : "q0", "q1", "q2", "q3");
     return sums;
 }
 
@@ -101,13 +113,17 @@ TAVU_VEC_INLINE U8 look_up(const uint8_t *p, U8 mask, std::integral_constant<int
     return vqtbl2q_u8(uint8x16x2_t{{vld1q_u8(p), vld1q_u8(p + 16)}}, mask);
 }
 
-TAVU_VEC_INLINE UWide weigh_pairs(const uint8_t *&p, U8 w0, U8 w1) {
-    const uint8x16x2_t v = vld2q_u8(p);
-    p += 2 * LANES;
-    return {vmlal_u8(vmull_u8(vget_low_u8(v.val[0]), vget_low_u8(w0)), vget_low_u8(v.val[1]),
-                     vget_high_u8(w0)),
-            vmlal_u8(vmull_u8(vget_high_u8(v.val[0]), vget_low_u8(w1)), vget_high_u8(v.val[1]),
-                     vget_high_u8(w1))};
+TAVU_VEC_INLINE UWide halve(const uint8_t *&top, const uint8_t *&bottom, const HalfWeights &w) {
+    const uint8x16x2_t t = vld2q_u8(top), b = vld2q_u8(bottom);
+    const auto sum = [&w](uint8x8_t tl, uint8x8_t tr, uint8x8_t bl, uint8x8_t br) {
+        return vmlal_u8(vmlal_u8(vmlal_u8(vmull_u8(tl, w.tl), tr, w.tr), bl, w.bl), br, w.br);
+    };
+    top += 2 * LANES;
+    bottom += 2 * LANES;
+    return {sum(vget_low_u8(t.val[0]), vget_low_u8(t.val[1]), vget_low_u8(b.val[0]),
+                vget_low_u8(b.val[1])),
+            sum(vget_high_u8(t.val[0]), vget_high_u8(t.val[1]), vget_high_u8(b.val[0]),
+                vget_high_u8(b.val[1]))};
 }
 
 TAVU_VEC_INLINE U8 narrow6(UWide w) { return vshrn_high_n_u16(vshrn_n_u16(w.lo, 6), w.hi, 6); }
@@ -141,12 +157,6 @@ TAVU_VEC_INLINE U16 weigh(const uint8_t *row, const LoadedTaps<Windows> &taps) {
 
 TAVU_VEC_INLINE U16 mix(U16 x, U16 y, uint16_t weight_x, uint16_t weight_y) {
     return vmlaq_u16(vmulq_u16(x, vdupq_n_u16(weight_x)), y, vdupq_n_u16(weight_y));
-}
-
-TAVU_VEC_INLINE UWide halve(const uint8_t *&top, const uint8_t *&bottom, U8 w0, U8 w1, uint16_t b) {
-    const UWide upper = weigh_pairs(top, w0, w1), lower = weigh_pairs(bottom, w0, w1);
-    const auto rest = static_cast<uint16_t>(8 - b);
-    return {mix(upper.lo, lower.lo, rest, b), mix(upper.hi, lower.hi, rest, b)};
 }
 
 // Hardware follows rows by itself.

@@ -77,23 +77,31 @@ TAVU_VEC_INLINE U16 mix(U16 x, U16 y, uint16_t weight_x, uint16_t weight_y) {
     return x * weight_x + y * weight_y;
 }
 
-TAVU_VEC_INLINE Register halve_unit(const uint8_t *top, const uint8_t *bottom, Register w,
-                                    uint16_t b) {
-    const U16 upper = as<U16>(TAVU_MM(maddubs_epi16)(load_register(top), w)),
-              lower = as<U16>(TAVU_MM(maddubs_epi16)(load_register(bottom), w));
-    return as<Register>(mix(upper, lower, static_cast<uint16_t>(8 - b), b));
+struct HalfWeights {
+    Register top, bottom;
+};
+
+TAVU_VEC_INLINE HalfWeights half_weights(int a, int b) {
+    const auto pair = [](int left, int right) {
+        return as<Register>(U16{} + static_cast<uint16_t>(left | right << 8));
+    };
+    return {pair((8 - a) * (8 - b), a * (8 - b)), pair((8 - a) * b, a * b)};
 }
 
-TAVU_VEC_INLINE UWide halve(const uint8_t *&top, const uint8_t *&bottom, U8 w0, U8 w1, uint16_t b) {
-    const Register x = halve_unit(top, bottom, as<Register>(w0), b),
-                   y = halve_unit(top + LANES, bottom + LANES, as<Register>(w1), b);
+TAVU_VEC_INLINE U16 halve_unit(const uint8_t *top, const uint8_t *bottom, const HalfWeights &w) {
+    return as<U16>(TAVU_MM(maddubs_epi16)(load_register(top), w.top)) +
+           as<U16>(TAVU_MM(maddubs_epi16)(load_register(bottom), w.bottom));
+}
+
+TAVU_VEC_INLINE UWide halve(const uint8_t *&top, const uint8_t *&bottom, const HalfWeights &w) {
+    const U16 x = halve_unit(top, bottom, w), y = halve_unit(top + LANES, bottom + LANES, w);
     top += 2 * LANES;
     bottom += 2 * LANES;
 #if defined(__AVX2__)
-    return {as<U16>(_mm256_permute2x128_si256(x, y, 0x20)),
-            as<U16>(_mm256_permute2x128_si256(x, y, 0x31))};
+    return {as<U16>(_mm256_permute2x128_si256(as<Register>(x), as<Register>(y), 0x20)),
+            as<U16>(_mm256_permute2x128_si256(as<Register>(x), as<Register>(y), 0x31))};
 #else
-    return {as<U16>(x), as<U16>(y)};
+    return {x, y};
 #endif
 }
 
