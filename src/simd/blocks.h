@@ -11,8 +11,25 @@ namespace {
 
 // Calls convert_block(at), which converts LANES pixels and moves the cursor on, for each block of a
 // row. A last block that is not full is anchored at the row's end, where at.move(pixels) takes the
-// cursor, and rewrites equal bytes; a row narrower than LANES must have room before it. There is one
-// copy of convert_block, which is large.
+// cursor, and rewrites equal bytes; a row narrower than LANES must have room before it.
+#if defined(__ARM_NEON)
+
+// Blocks are short, and counting them in pairs saves a sixth.
+template <class Cursor, class Convert>
+TAVU_VEC_INLINE void for_each_block(Cursor at, int32_t width, Convert convert_block) {
+    for (int32_t n = width / (2 * LANES); n > 0; n--) {
+        convert_block(at);
+        convert_block(at);
+    }
+    if (width & LANES) convert_block(at);
+    if (width % LANES == 0) return;
+    at.move(width % LANES - LANES);
+    convert_block(at);
+}
+
+#else
+
+// Blocks are large: one copy.
 template <class Cursor, class Convert>
 TAVU_VEC_INLINE void for_each_block(Cursor at, int32_t width, Convert convert_block) {
     const int32_t blocks = (width + LANES - 1) / LANES;
@@ -21,6 +38,8 @@ TAVU_VEC_INLINE void for_each_block(Cursor at, int32_t width, Convert convert_bl
         convert_block(at);
     }
 }
+
+#endif
 
 }  // namespace
 }  // namespace tavu
