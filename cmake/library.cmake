@@ -62,6 +62,11 @@ if(TAVU_SIMD)
     COMPILE_OPTIONS $<$<CONFIG:Release>:-Os>)
 endif()
 
+# Loops that gain nothing from being written out.
+set_source_files_properties(
+  src/buf/imgb_expand.cpp src/buf/imgb_geometry.cpp PROPERTIES
+  COMPILE_OPTIONS $<$<CONFIG:Release>:-O2>)
+
 function(tavu_objects name)
   add_library(${name} OBJECT ${ARGN})
   target_include_directories(${name} PRIVATE include src)

@@ -51,6 +51,7 @@ struct Sink {
 
 // Target pixels of a kind are made by a class that has
 //     PLANES, BYTES         as in Sink
+//     IS_BYTES              whether target pixels are the sums of one plane
 //     store(p, sums)        writes LANES elements, given the sums of each plane, and moves p on
 
 TAVU_VEC_INLINE UWide mix_block(UWide top, UWide bottom, uint16_t b) {
@@ -62,9 +63,10 @@ TAVU_VEC_INLINE UWide load_sums(const uint16_t *sums) {
     return {load16(sums), load16(sums + OUTPUTS)};
 }
 
+// One copy, for it is called from several places.
 template <class Pixels>
-void weigh_and_mix_row(const RowPair &rows, const Taps<1> *taps, uint16_t b, int32_t width,
-                       uint8_t *out) {
+__attribute__((noipa)) void weigh_and_mix_row(const RowPair &rows, const Taps<1> *taps, uint16_t b,
+                                              int32_t width, uint8_t *out) {
     struct Place {
         RowPair rows;
         const Taps<1> *taps;
@@ -107,21 +109,30 @@ void mix_row(const WeighedRow &upper, const WeighedRow &lower, uint16_t b, int32
 }
 
 template <class Pixels>
-void halve_run(const RowPair &rows, const Run &run, uint16_t b, ptrdiff_t ahead, uint8_t *out) {
-    RowPair at = rows;
-    for (int p = 0; p < Pixels::PLANES; p++) {
-        at.top[p] += 2 * run.first - 1;
-        at.bottom[p] += 2 * run.first - 1;
+TAVU_VEC_INLINE void halve_run(const RowPair &rows, const Run &run, uint16_t b, ptrdiff_t ahead,
+                               uint8_t *out) {
+    constexpr int PLANES = Pixels::PLANES;
+    const uint8_t *top[PLANES], *bottom[PLANES];
+#pragma GCC unroll 4
+    for (int p = 0; p < PLANES; p++) {
+        top[p] = rows.top[p] + 2 * run.first - 1;
+        bottom[p] = rows.bottom[p] + 2 * run.first - 1;
     }
     const HalfWeights weights = half_weights(run.a, b);
     out += run.first * Pixels::BYTES;
     for (int32_t n = run.blocks; n > 0; n--) {
-        UWide sums[Pixels::PLANES];
+        if constexpr (Pixels::IS_BYTES) {
+            prefetch(top[0] + ahead);
+            prefetch(bottom[0] + ahead);
+            store(out, halve_to_bytes(top[0], bottom[0], weights));
+            continue;
+        }
+        UWide sums[PLANES];
 #pragma GCC unroll 4
-        for (int p = 0; p < Pixels::PLANES; p++) {
-            prefetch(at.top[p] + ahead);
-            prefetch(at.bottom[p] + ahead);
-            sums[p] = halve(at.top[p], at.bottom[p], weights);
+        for (int p = 0; p < PLANES; p++) {
+            prefetch(top[p] + ahead);
+            prefetch(bottom[p] + ahead);
+            sums[p] = halve(top[p], bottom[p], weights);
         }
         Pixels::store(out, sums);
     }
