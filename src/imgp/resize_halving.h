@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "imgp/resize_sink.h"
+#include "tavu.h"
 
 namespace tavu {
 namespace {
@@ -38,7 +39,7 @@ inline HalvedRow make_halved_row(const Columns &columns) {
         const int32_t wanted = column_behind(loss, eighth) - row.rest;
         const int32_t blocks = std::min((wanted + LANES - 1) / LANES, room / LANES);
         if (blocks <= 0) continue;
-        row.run[row.runs++] = {row.rest, blocks, static_cast<uint16_t>(8 - eighth)};
+        row.run[row.runs++] = {row.rest, blocks, tavu_tbl_bilinear_rszw + 32 * (8 - eighth)};
         row.rest += std::min(wanted, blocks * LANES);
     }
     return row;

@@ -21,11 +21,11 @@ struct WeighedRow {
     }
 };
 
-// Columns of one weight, a eighths of the right-hand sample, whose samples stand side by side: that
+// Columns of one weight whose samples stand side by side: that
 // of the run's first column at byte 2 * first - 1. Blocks may reach into the next run, which follows.
 struct Run {
     int32_t first, blocks;
-    uint16_t a;
+    const uint8_t *weights;  // of its a, four for each b
 };
 
 // A row of half the width. The first block and those from column `rest` on are made of taps.
@@ -118,7 +118,7 @@ TAVU_VEC_INLINE void halve_run(const RowPair &rows, const Run &run, uint16_t b, 
         top[p] = rows.top[p] + 2 * run.first - 1;
         bottom[p] = rows.bottom[p] + 2 * run.first - 1;
     }
-    const HalfWeights weights = half_weights(run.a, b);
+    const HalfWeights weights = half_weights(run.weights + 4 * b);
     out += run.first * Pixels::BYTES;
     for (int32_t n = run.blocks; n > 0; n--) {
         if constexpr (Pixels::IS_BYTES) {

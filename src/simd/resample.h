@@ -18,10 +18,12 @@
 //     round_shift8(v)       (v + 128) >> 8 of signed lanes, without wrapping
 //     load16(p), store16(p, v)
 //                           a register of 16-bit lanes from or to any address
-//     half_weights(a, b)    a HalfWeights: (8 - a) (8 - b), a (8 - b), (8 - a) b and a b
+//     half_weights(p)       a HalfWeights of four bytes: upper left, upper right, lower left, lower right
 //     halve(top, bottom, weights)
 //                           the weighted sums of LANES squares of two bytes of two rows; both
 //                           pointers move on
+//     halve_to_bytes(top, bottom, weights)
+//                           the same, by narrow6()
 //     prefetch(p)           p will be read soon; it need not be readable
 #ifndef TAVU_SIMD_RESAMPLE_H
 #define TAVU_SIMD_RESAMPLE_H

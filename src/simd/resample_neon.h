@@ -42,9 +42,9 @@ struct HalfWeights {
     uint8x8_t tl, tr, bl, br;
 };
 
-TAVU_VEC_INLINE HalfWeights half_weights(int a, int b) {
-    const auto each = [](int weight) { return vdup_n_u8(static_cast<uint8_t>(weight)); };
-    return {each((8 - a) * (8 - b)), each(a * (8 - b)), each((8 - a) * b), each(a * b)};
+TAVU_VEC_INLINE HalfWeights half_weights(const uint8_t *p) {
+    const uint8x8x4_t w = vld4_dup_u8(p);
+    return {w.val[0], w.val[1], w.val[2], w.val[3]};
 }
 
 #if defined(__arm__)
@@ -157,6 +157,11 @@ TAVU_VEC_INLINE U16 weigh(const uint8_t *row, const LoadedTaps<Windows> &taps) {
 
 TAVU_VEC_INLINE U16 mix(U16 x, U16 y, uint16_t weight_x, uint16_t weight_y) {
     return vmlaq_u16(vmulq_u16(x, vdupq_n_u16(weight_x)), y, vdupq_n_u16(weight_y));
+}
+
+TAVU_VEC_INLINE U8 halve_to_bytes(const uint8_t *&top, const uint8_t *&bottom,
+                                  const HalfWeights &w) {
+    return narrow6(halve(top, bottom, w));
 }
 
 // Hardware follows rows by itself.

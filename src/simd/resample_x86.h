@@ -4,6 +4,8 @@
 
 #include <immintrin.h>
 
+#include <cstring>
+
 namespace tavu {
 inline namespace TAVU_LEVEL_NAMESPACE {
 
@@ -81,11 +83,10 @@ struct HalfWeights {
     Register top, bottom;
 };
 
-TAVU_VEC_INLINE HalfWeights half_weights(int a, int b) {
-    const auto pair = [](int left, int right) {
-        return as<Register>(U16{} + static_cast<uint16_t>(left | right << 8));
-    };
-    return {pair((8 - a) * (8 - b), a * (8 - b)), pair((8 - a) * b, a * b)};
+TAVU_VEC_INLINE HalfWeights half_weights(const uint8_t *p) {
+    uint16_t pairs[2];
+    memcpy(pairs, p, sizeof pairs);
+    return {as<Register>(U16{} + pairs[0]), as<Register>(U16{} + pairs[1])};
 }
 
 TAVU_VEC_INLINE U16 halve_unit(const uint8_t *top, const uint8_t *bottom, const HalfWeights &w) {
