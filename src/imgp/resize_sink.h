@@ -118,15 +118,12 @@ TAVU_VEC_INLINE void halve_run(const RowPair &rows, const Run &run, uint16_t b, 
         top[p] = rows.top[p] + 2 * run.first - 1;
         bottom[p] = rows.bottom[p] + 2 * run.first - 1;
     }
-    const HalfWeights weights = half_weights(run.weights + 4 * b);
     out += run.first * Pixels::BYTES;
+    if constexpr (Pixels::IS_BYTES) {
+        return halve_to_bytes(top[0], bottom[0], run.weights + 4 * b, run.blocks, ahead, out);
+    }
+    const HalfWeights weights = half_weights(run.weights + 4 * b);
     for (int32_t n = run.blocks; n > 0; n--) {
-        if constexpr (Pixels::IS_BYTES) {
-            prefetch(top[0] + ahead);
-            prefetch(bottom[0] + ahead);
-            store(out, halve_to_bytes(top[0], bottom[0], weights));
-            continue;
-        }
         UWide sums[PLANES];
 #pragma GCC unroll 4
         for (int p = 0; p < PLANES; p++) {

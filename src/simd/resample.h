@@ -22,8 +22,9 @@
 //     halve(top, bottom, weights)
 //                           the weighted sums of LANES squares of two bytes of two rows; both
 //                           pointers move on
-//     halve_to_bytes(top, bottom, weights)
-//                           the same, by narrow6()
+//     halve_to_bytes(top, bottom, p, blocks, ahead, out)
+//                           the same by narrow6(), with the weights at p, of one block or more;
+//                           `ahead` bytes on is what comes next
 //     prefetch(p)           p will be read soon; it need not be readable
 #ifndef TAVU_SIMD_RESAMPLE_H
 #define TAVU_SIMD_RESAMPLE_H

@@ -43,8 +43,7 @@ struct HalfWeights {
 };
 
 TAVU_VEC_INLINE HalfWeights half_weights(const uint8_t *p) {
-    const uint8x8x4_t w = vld4_dup_u8(p);
-    return {w.val[0], w.val[1], w.val[2], w.val[3]};
+    return {vld1_dup_u8(p), vld1_dup_u8(p + 1), vld1_dup_u8(p + 2), vld1_dup_u8(p + 3)};
 }
 
 #if defined(__arm__)
@@ -159,10 +158,39 @@ TAVU_VEC_INLINE U16 mix(U16 x, U16 y, uint16_t weight_x, uint16_t weight_y) {
     return vmlaq_u16(vmulq_u16(x, vdupq_n_u16(weight_x)), y, vdupq_n_u16(weight_y));
 }
 
-TAVU_VEC_INLINE U8 halve_to_bytes(const uint8_t *&top, const uint8_t *&bottom,
-                                  const HalfWeights &w) {
-    return narrow6(halve(top, bottom, w));
+#if defined(__arm__)
+
+// The whole loop, for compilers keep its weights in memory.
+TAVU_VEC_INLINE void halve_to_bytes(const uint8_t *top, const uint8_t *bottom,
+                                    const uint8_t *weights, int32_t blocks, ptrdiff_t,
+                                    uint8_t *out) {
+    __asm__ volatile(
+        "vld4.8 {d16[], d17[], d18[], d19[]}, [%4]\n"
+        "0:\n\t"
+        "vld2.8 {d0, d1, d2, d3}, [%0]!\n\tvld2.8 {d4, d5, d6, d7}, [%1]!\n\t"
+        "vmull.u8 q10, d0, d16\n\tvmull.u8 q11, d1, d16\n\t"
+        "vmlal.u8 q10, d2, d17\n\tvmlal.u8 q11, d3, d17\n\t"
+        "subs %2, #1\n\t"
+        "vmlal.u8 q10, d4, d18\n\tvmlal.u8 q11, d5, d18\n\t"
+        "vmlal.u8 q10, d6, d19\n\tvmlal.u8 q11, d7, d19\n\t"
+        "vshrn.i16 d0, q10, #6\n\tvshrn.i16 d1, q11, #6\n\t"
+        "vst1.8 {d0, d1}, [%3]!\n\t"
+        "bgt 0b"
+        : "+r"(top), "+r"(bottom), "+r"(blocks), "+r"(out)
+        : "r"(weights)
+        : "q0", "q1", "q2", "q3", "q8", "q9", "q10", "q11", "cc", "memory");
 }
+
+#else
+
+TAVU_VEC_INLINE void halve_to_bytes(const uint8_t *top, const uint8_t *bottom,
+                                    const uint8_t *weights, int32_t blocks, ptrdiff_t,
+                                    uint8_t *out) {
+    const HalfWeights w = half_weights(weights);
+    for (; blocks > 0; blocks--) store(out, narrow6(halve(top, bottom, w)));
+}
+
+#endif
 
 // Hardware follows rows by itself.
 TAVU_VEC_INLINE void prefetch(const uint8_t *) {}

@@ -108,21 +108,25 @@ TAVU_VEC_INLINE UWide halve(const uint8_t *&top, const uint8_t *&bottom, const H
 
 TAVU_VEC_INLINE U8 narrow6(UWide w) { return narrow({as<I16>(w.lo >> 6), as<I16>(w.hi >> 6)}); }
 
-TAVU_VEC_INLINE U8 halve_to_bytes(const uint8_t *&top, const uint8_t *&bottom,
-                                  const HalfWeights &w) {
-    const U16 x = halve_unit(top, bottom, w), y = halve_unit(top + LANES, bottom + LANES, w);
-    top += 2 * LANES;
-    bottom += 2 * LANES;
-    const U8 v = narrow6({x, y});
-#if defined(__AVX2__)
-    return as<U8>(_mm256_permute4x64_epi64(as<Register>(v), 0xD8));
-#else
-    return v;
-#endif
-}
-
 TAVU_VEC_INLINE void prefetch(const uint8_t *p) {
     _mm_prefetch(reinterpret_cast<const char *>(p), _MM_HINT_T0);
+}
+
+TAVU_VEC_INLINE void halve_to_bytes(const uint8_t *top, const uint8_t *bottom,
+                                    const uint8_t *weights, int32_t blocks, ptrdiff_t ahead,
+                                    uint8_t *out) {
+    const HalfWeights w = half_weights(weights);
+    for (; blocks > 0; blocks--, top += 2 * LANES, bottom += 2 * LANES) {
+        prefetch(top + ahead);
+        prefetch(bottom + ahead);
+        const U8 v =
+            narrow6({halve_unit(top, bottom, w), halve_unit(top + LANES, bottom + LANES, w)});
+#if defined(__AVX2__)
+        store(out, as<U8>(_mm256_permute4x64_epi64(as<Register>(v), 0xD8)));
+#else
+        store(out, v);
+#endif
+    }
 }
 
 TAVU_VEC_INLINE I16 round_shift8(I16 v) {
