@@ -68,19 +68,21 @@ template <class Pixels>
 __attribute__((noipa)) void weigh_and_mix_row(const RowPair &rows, const Taps<1> *taps, uint16_t b,
                                               int32_t width, uint8_t *out) {
     struct Place {
-        RowPair rows;
         const Taps<1> *taps;
         uint8_t *out;
         TAVU_VEC_INLINE void move(int32_t elements) { out += elements * Pixels::BYTES; }
     };
-    for_each_block(Place{rows, taps, out}, width, [b](Place &at) {
-        const auto &lo = load_taps(at.taps[0]), &hi = load_taps(at.taps[1]);
-        UWide sums[Pixels::PLANES];
+    constexpr int PLANES = Pixels::PLANES;
+    const uint8_t *top[PLANES], *bottom[PLANES];
 #pragma GCC unroll 4
-        for (int p = 0; p < Pixels::PLANES; p++) {
-            const uint8_t *top = at.rows.top[p], *bottom = at.rows.bottom[p];
-            sums[p] = mix_block({weigh<1>(top, lo), weigh<1>(top, hi)},
-                                {weigh<1>(bottom, lo), weigh<1>(bottom, hi)}, b);
+    for (int p = 0; p < PLANES; p++) top[p] = rows.top[p], bottom[p] = rows.bottom[p];
+    for_each_block(Place{taps, out}, width, [&](Place &at) {
+        const auto &lo = load_taps(at.taps[0]), &hi = load_taps(at.taps[1]);
+        UWide sums[PLANES];
+#pragma GCC unroll 4
+        for (int p = 0; p < PLANES; p++) {
+            sums[p] = mix_block({weigh<1>(top[p], lo), weigh<1>(top[p], hi)},
+                                {weigh<1>(bottom[p], lo), weigh<1>(bottom[p], hi)}, b);
         }
         at.taps += 2;
         Pixels::store(at.out, sums);
