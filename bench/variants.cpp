@@ -66,6 +66,10 @@ KERNEL(tavu_irsz8b8b8b_line)
 KERNEL(tavu_irsz8b8b8b8b_full)
 KERNEL(tavu_irsz8b8b8b8b_line)
 
+KERNEL(tavu_mset_x128)
+KERNEL(tavu_mset_x32)
+KERNEL(tavu_mset_x32ax4)
+
 KERNEL4(tavu_sad2x2)
 KERNEL4(tavu_sad2x4)
 KERNEL4(tavu_sad4x2)

@@ -5,6 +5,8 @@
 
 namespace {
 
+constexpr const char *MEDIA = "Media file, - for standard input";
+
 /** "key" is 0. */
 int parse_every(const std::string &text) {
     int every = 0;
@@ -49,30 +51,56 @@ CLI::Option *add_size(CLI::App &command, const std::string &name, std::optional<
 }  // namespace
 
 void Arguments::define(CLI::App &app) {
-    app.set_version_flag("--version", PROJECT_VERSION);
+    std::string library = tavu_version();
+    library.resize(library.find_last_not_of('\n') + 1);
+    app.set_version_flag("--version", "tavu " PROJECT_VERSION " (library of " + library + ")");
     app.require_subcommand(1);
     define_probe(*app.add_subcommand("probe", "List tracks and key frames of a media file"));
     define_sheet(*app.add_subcommand("sheet", "Draw a contact sheet of a video"));
     define_digest(*app.add_subcommand("digest", "Print the MD5 digest of each decoded frame"));
     define_compare(*app.add_subcommand("compare", "Measure how far two videos are apart"));
     define_convert(*app.add_subcommand("convert", "Convert a picture to another pixel layout"));
+    define_bench(*app.add_subcommand("bench", "Time the library's kernels on this processor"));
+}
+
+void Arguments::add_common(CLI::App &command) {
+    command.add_flag("--json", common.json, "Print JSON, described in the manual page");
+    command.add_flag("-q,--quiet", common.quiet,
+                     "Print nothing but errors and what other options ask for");
+}
+
+/** Standard output takes a picture or JSON, not both. */
+void Arguments::forbid_two_outputs(const std::string &output) const {
+    if (common.json && output == "-")
+        throw CLI::ValidationError("--json", "standard output is taken by the file to write");
 }
 
 void Arguments::define_probe(CLI::App &command) {
-    command.add_option("FILE", input, "Media file")->required();
-    command.add_flag("--json", json, "Print JSON");
+    command.add_option("FILE", common.input, MEDIA)->required();
+    command
+        .add_option("--plot", plot,
+                    "PNG file to draw: the bytes of each access unit over time, key frames marked")
+        ->type_name("PNG");
+    add_common(command);
     command.footer("Example:\n  tavu probe samples/h264.mp4");
-    command.callback([this] { probe(input, json); });
+    command.callback([this] {
+        forbid_two_outputs(plot);
+        probe(common, plot);
+    });
 }
 
 void Arguments::define_sheet(CLI::App &command) {
-    command.add_option("FILE", input, "Media file")->required();
-    command.add_option("-o,--output", sheet.output, "PNG file to write")->required();
+    command.add_option("FILE", common.input, MEDIA)->required();
+    command.add_option("-o,--output", sheet.output, "PNG file to write, - for standard output")
+        ->required()
+        ->type_name("PNG");
     command.add_option("--columns", sheet.columns, "Pictures per row")
         ->check(CLI::Range(1, 100))
+        ->type_name("N")
         ->capture_default_str();
     command.add_option("--width", sheet.width, "Width of a picture in pixels")
         ->check(CLI::Range(16, 4096))
+        ->type_name("N")
         ->capture_default_str();
     command
         .add_option_function<std::string>(
@@ -80,28 +108,33 @@ void Arguments::define_sheet(CLI::App &command) {
             "Pick key frames, or every Nth frame")
         ->type_name("key|N")
         ->default_str("key");
+    add_common(command);
     command.footer("Example:\n  tavu sheet samples/h264.mp4 -o sheet.png --columns 3");
     command.callback([this] {
-        sheet.input = input;
-        ::sheet(sheet);
+        forbid_two_outputs(sheet.output);
+        ::sheet(common, sheet);
     });
 }
 
 void Arguments::define_digest(CLI::App &command) {
-    command.add_option("FILE", input, "Media file")->required();
+    command.add_option("FILE", common.input, MEDIA)->required();
+    add_common(command);
     command.footer(
         "The digest covers luma and, as if chroma were halved both ways, both chroma planes.\n"
         "Example:\n  tavu digest samples/mpeg4.avi");
-    command.callback([this] { digest(input); });
+    command.callback([this] { digest(common); });
 }
 
 void Arguments::define_compare(CLI::App &command) {
-    command.add_option("A", input, "Media file or picture")->required();
+    command.add_option("A", common.input, "Media file or picture, - for standard input")
+        ->required();
     command.add_option("B", compare.other, "Another one of the same size")->required();
-    command.add_option("-o,--output", compare.heat_map,
-                       "PNG file to write: the frame of A that differs most by its SATD, with the "
-                       "SATD of each 8x8 block");
-    command.add_flag("--json", json, "Print JSON; an infinite PSNR is null");
+    command
+        .add_option("-o,--output", compare.heat_map,
+                    "PNG file to write, - for standard output: the frame of A that differs most "
+                    "by its SATD, with the SATD of each 8x8 block")
+        ->type_name("PNG");
+    add_common(command);
     command.footer(
         "SAD, SSD, PSNR and SATD are those of luma. 8-bit luma is taken as it is when both files\n"
         "have the same range; otherwise, and for RGB and deeper samples, both are first converted\n"
@@ -109,15 +142,18 @@ void Arguments::define_compare(CLI::App &command) {
         "picture are filled up with equal samples. The total PSNR is that of the mean error.\n"
         "Example:\n  tavu compare samples/h264.mp4 smaller.mp4 -o heat.png");
     command.callback([this] {
-        compare.input = input;
-        compare.json = json;
-        ::compare(compare);
+        forbid_two_outputs(compare.heat_map);
+        if (common.input == "-" && compare.other == "-")
+            throw CLI::ValidationError("B", "standard input is taken by A");
+        ::compare(common, compare);
     });
 }
 
 void Arguments::define_convert(CLI::App &command) {
-    command.add_option("IN", input, "Media file or picture, or raw planes");
-    command.add_option("OUT", convert.output, "File to write: .png, .ppm, or else raw bytes");
+    command.add_option("IN", common.input,
+                       "Media file or picture, or raw planes; - for standard input");
+    command.add_option("OUT", convert.output,
+                       "File to write: .png, .ppm, or else raw bytes; - for standard output");
     convert.to = find_layout(TAVU_CS_RGB888);
     add_layout(command, "--to", convert.to, is_target, "Layout to write")->default_str("rgb888");
     CLI::Option *resize = add_size(command, "--resize", convert.resize, "Size to write");
@@ -132,16 +168,17 @@ void Arguments::define_convert(CLI::App &command) {
         ->capture_default_str();
     define_raw(command);
     CLI::Option *list = command.add_flag("--list", "List the library's conversions");
+    add_common(command);
     command.footer(
         "Video is brought to full-range BT.601 first, RGB is taken as it is.\n"
         "Example:\n  tavu convert samples/h264.mp4 --frame 100 picture.png --resize 640x360");
     command.callback([this, list] {
-        if (list->count() > 0) return list_conversions();
-        if (convert.output.empty()) throw CLI::RequiredError(input.empty() ? "IN" : "OUT");
+        if (list->count() > 0) return list_conversions(common);
+        if (convert.output.empty()) throw CLI::RequiredError(common.input.empty() ? "IN" : "OUT");
         if (convert.limited && convert.raw->cs == TAVU_CS_YUV400)
             throw CLI::ValidationError("--limited", "luma alone is taken as full-range");
-        convert.input = input;
-        ::convert(convert);
+        forbid_two_outputs(convert.output);
+        ::convert(common, convert);
     });
 }
 
@@ -154,4 +191,20 @@ void Arguments::define_raw(CLI::App &command) {
     size->needs(layout);
     layout->needs(size);
     limited->needs(size);
+}
+
+void Arguments::define_bench(CLI::App &command) {
+    command.add_option("PATTERN", bench.pattern, "Time only kernels whose names have this in them");
+    CLI::Option *csv = command.add_flag("--csv", bench.csv, "Print comma-separated values");
+    CLI::Option *list = command.add_flag("--list", "List the kernels");
+    add_common(command);
+    command.get_option("--json")->excludes(csv);
+    command.footer(
+        "Results are first compared with those of the kernel's plain model. ns is the least time\n"
+        "of one call, GB/s counts the bytes that it reads and writes, speed is in model speeds.\n"
+        "Example:\n  tavu bench yuv444_to_rgb");
+    command.callback([this, list] {
+        if (list->count() > 0) return list_kernels();
+        ::bench(common, bench);
+    });
 }

@@ -7,11 +7,12 @@
 
 /** The command line; its commands run while it is parsed. */
 struct Arguments {
-    std::string input;  ///< the file that a command is about
-    bool json = false;
+    CommonOptions common;
+    std::string plot;
     SheetOptions sheet;
     CompareOptions compare;
     ConvertOptions convert;
+    BenchOptions bench;
 
     void define(CLI::App &app);
 
@@ -22,4 +23,7 @@ struct Arguments {
     void define_compare(CLI::App &command);
     void define_convert(CLI::App &command);
     void define_raw(CLI::App &command);
+    void define_bench(CLI::App &command);
+    void add_common(CLI::App &command);
+    void forbid_two_outputs(const std::string &output) const;
 };

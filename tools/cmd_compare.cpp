@@ -1,7 +1,7 @@
 #include <cinttypes>
 #include <cstdio>
 #include <iostream>
-#include <nlohmann/json.hpp>
+#include <optional>
 
 #include "commands.h"
 #include "decode.h"
@@ -11,10 +11,9 @@
 #include "picture.h"
 #include "plane.h"
 #include "progress.h"
+#include "report.h"
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 /** Runs a step that is about one file: its failures name this one. */
 template <class Step>
@@ -111,13 +110,13 @@ std::string mismatch(const Clip &a, const AVFrame *in_a, const Clip &b, const AV
 }
 
 /** Compares as long as it can; returns why not to the end of both clips, or nothing. */
-std::string compare_frames(Clip &a, Clip &b, Comparison &comparison) {
-    Progress progress;
+std::string compare_frames(Clip &a, Clip &b, bool quiet, Comparison &comparison) {
+    Progress progress("frames", quiet);
     const AVFrame *in_a = a.next(), *in_b = b.next();
     for (; in_a || in_b; in_a = a.next(), in_b = b.next()) {
         if (std::string why = mismatch(a, in_a, b, in_b); !why.empty()) return why;
         comparison.add(*in_a, *in_b, a.frames.seconds());
-        progress.show(a.media.progress());
+        progress.step(a.media.progress());
     }
     return "";
 }
@@ -145,7 +144,7 @@ Json sums_json(const Difference &sum) {
     return {{"sad", sum.sad}, {"ssd", sum.ssd}, {"psnr", psnr(sum.mse)}, {"satd", sum.satd}};
 }
 
-void print_json(const Clip &a, const Clip &b, const Comparison &comparison) {
+Json comparison_json(const Clip &a, const Clip &b, const Comparison &comparison) {
     Json frames = Json::array();
     for (const Row &row : comparison.rows) {
         Json frame = {{"index", frames.size()}, {"time", row.seconds}};
@@ -154,29 +153,29 @@ void print_json(const Clip &a, const Clip &b, const Comparison &comparison) {
     }
     Json total = {{"frames", frames.size()}};
     total.update(sums_json(comparison.total()));
-    const Json json = {{"a", a.path}, {"b", b.path}, {"frames", frames}, {"total", total}};
-    // File names need not be UTF-8.
-    std::cout << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    return {{"a", a.path}, {"b", b.path}, {"frames", frames}, {"total", total}};
 }
 
-void save_heat_map(const std::string &path, const Comparison &comparison) {
+void save_heat_map(OutputFile &file, const Comparison &comparison) {
     const AVFrame &frame = *comparison.worst;
     write_heat_map(
-        path, pack(read_planes(frame), *find_layout(TAVU_CS_RGB888), frame.width, frame.height),
+        file, pack(read_planes(frame), *find_layout(TAVU_CS_RGB888), frame.width, frame.height),
         frame.width, frame.height, comparison.worst_blocks);
 }
 
 }  // namespace
 
-void compare(const CompareOptions &options) {
-    Clip a(options.input), b(options.other);
+void compare(const CommonOptions &common, const CompareOptions &options) {
+    Clip a(common.input), b(options.other);
+    std::optional<OutputFile> heat_map;
+    if (!options.heat_map.empty()) heat_map.emplace(options.heat_map);
     Comparison comparison;
-    const std::string stop = compare_frames(a, b, comparison);
-    if (!comparison.rows.empty() && options.json) print_json(a, b, comparison);
-    if (!comparison.rows.empty() && !options.json) print_text(comparison);
+    const std::string stop = compare_frames(a, b, common.quiet, comparison);
+    if (!comparison.rows.empty() && common.json) print_json(comparison_json(a, b, comparison));
+    if (!comparison.rows.empty() && common.talks(options.heat_map)) print_text(comparison);
     a.throw_faults();
     b.throw_faults();
     if (!stop.empty()) throw WholeError(stop);
     if (comparison.rows.empty()) throw std::runtime_error("no frame to compare");
-    if (!options.heat_map.empty()) save_heat_map(options.heat_map, comparison);
+    if (heat_map) save_heat_map(*heat_map, comparison);
 }

@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <cinttypes>
 #include <cstdio>
 #include <iostream>
@@ -5,6 +7,8 @@
 #include "commands.h"
 #include "decode.h"
 #include "picture.h"
+#include "progress.h"
+#include "report.h"
 
 namespace {
 
@@ -20,18 +24,37 @@ std::string digest_text(const tavu_imgb_t &image) {
     return text;
 }
 
+void print_row(const FrameReader &frames, const tavu_imgb_t &image, const std::string &md5) {
+    char head[96];
+    std::snprintf(head, sizeof head, "%" PRId64 ",%.6f,%dx%d,", frames.index(), frames.seconds(),
+                  image.w, image.h);
+    std::cout << head << md5 << '\n';
+}
+
 }  // namespace
 
-void digest(const std::string &input) {
-    Media media(input);
+void digest(const CommonOptions &common) {
+    Media media(common.input);
     FrameReader frames(media, media.best_video());
-    std::cout << "# index,time,size,md5\n";
-    while (const AVFrame *frame = frames.next()) {
-        const ImagePtr image = copy_frame(*frame);
-        char head[96];
-        std::snprintf(head, sizeof head, "%" PRId64 ",%.6f,%dx%d,", frames.index(),
-                      frames.seconds(), frame->width, frame->height);
-        std::cout << head << digest_text(*image) << '\n';
+    Json rows = Json::array();
+    const bool talks = common.talks();
+    if (talks) std::cout << "# index,time,size,md5\n";
+    {
+        // Rows that appear on the terminal tell enough.
+        Progress progress("frames", common.quiet || (talks && isatty(STDOUT_FILENO)));
+        while (const AVFrame *frame = frames.next()) {
+            const ImagePtr image = copy_frame(*frame);
+            const std::string md5 = digest_text(*image);
+            if (talks) print_row(frames, *image, md5);
+            if (common.json)
+                rows.push_back({{"index", frames.index()},
+                                {"time", frames.seconds()},
+                                {"width", image->w},
+                                {"height", image->h},
+                                {"md5", md5}});
+            progress.step(media.progress());
+        }
     }
+    if (common.json) print_json({{"file", common.input}, {"frames", rows}});
     media.throw_faults();
 }

@@ -1,15 +1,18 @@
+#include <unistd.h>
+
 #include <cinttypes>
 #include <cstdio>
+#include <filesystem>
 #include <iostream>
-#include <nlohmann/json.hpp>
+#include <optional>
 
 #include "commands.h"
 #include "names.h"
+#include "plot.h"
+#include "report.h"
 #include "track.h"
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 template <class... Values>
 void print(const char *format, Values... values) {
@@ -33,13 +36,20 @@ void print_track(const Track &track) {
     std::cout << '\n';
 }
 
-void print_units(const Track &track) {
+/** Key frames are green, and where container and detector are at odds, red. */
+void print_unit(int64_t index, const AccessUnit &unit, const Colours &colours) {
     const auto key = [](bool is_key) { return is_key ? "key" : "-"; };
-    print("\ntrack %d\n  unit         time      bytes  container  detector\n", track.index);
+    const char *colour = !agreed(unit) ? colours.red : by_container(unit) ? colours.green : "";
+    print("%s%6" PRId64 " %12.6f %10d  %-9s  %s%s\n", colour, index, unit.seconds, unit.bytes,
+          key(unit.container_key), key(unit.detector_key), *colour ? colours.plain : "");
+}
+
+void print_units(const Track &track) {
+    const Colours colours(STDOUT_FILENO);
+    print("\n%strack %d\n  unit         time      bytes  container  detector%s\n", colours.bold,
+          track.index, colours.plain);
     int64_t index = 0;
-    for (const AccessUnit &unit : track.units)
-        print("%6" PRId64 " %12.6f %10d  %-9s  %s\n", index++, unit.seconds, unit.bytes,
-              key(unit.container_key), key(unit.detector_key));
+    for (const AccessUnit &unit : track.units) print_unit(index++, unit, colours);
     print("%zu units, %" PRId64 " container key frames, %" PRId64 " detector key frames, %" PRId64
           " agreements\n",
           track.units.size(), track.count(by_container), track.count(by_detector),
@@ -90,22 +100,36 @@ Json track_json(const Track &track) {
     return json;
 }
 
-void print_json(const std::string &input, const std::vector<Track> &tracks) {
+Json tracks_json(const std::string &input, const std::vector<Track> &tracks) {
     Json json = {{"file", input}, {"tracks", Json::array()}};
     for (const Track &track : tracks) json["tracks"].push_back(track_json(track));
-    // File names need not be UTF-8.
-    std::cout << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    return json;
+}
+
+/** The first track that has units. */
+const Track &track_to_plot(const std::vector<Track> &tracks) {
+    for (const Track &track : tracks)
+        if (!track.units.empty()) return track;
+    throw std::runtime_error("no video units to plot");
+}
+
+/** The file's name without its folders, cut where it would not fit over a plot. */
+std::string title_of(const std::string &input) {
+    constexpr size_t LONGEST = 60;
+    if (input == "-") return "standard input";
+    const std::string name = std::filesystem::path(input).filename();
+    return name.size() > LONGEST ? name.substr(0, LONGEST - 3) + "..." : name;
 }
 
 }  // namespace
 
-void probe(const std::string &input, bool json) {
-    Media media(input);
-    const std::vector<Track> tracks = read_tracks(media);
-    if (json) {
-        print_json(input, tracks);
-    } else {
-        print_text(tracks);
-    }
+void probe(const CommonOptions &common, const std::string &plot) {
+    Media media(common.input);
+    std::optional<OutputFile> file;
+    if (!plot.empty()) file.emplace(plot);
+    const std::vector<Track> tracks = read_tracks(media, common.quiet);
+    if (common.json) print_json(tracks_json(common.input, tracks));
+    if (common.talks(plot)) print_text(tracks);
     media.throw_faults();
+    if (file) plot_units(*file, title_of(common.input), track_to_plot(tracks));
 }

@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <cmath>
+#include <iostream>
 #include <optional>
 #include <stdexcept>
+#include <utility>
 
 #include "commands.h"
 #include "contact_sheet.h"
@@ -9,14 +11,16 @@
 #include "label.h"
 #include "picture.h"
 #include "progress.h"
+#include "report.h"
 #include "thumbnail.h"
 
 namespace {
 
-int picture_height(const AVFrame &frame, AVRational pixel_aspect, int width) {
+/** Height of a picture that is shown as wide as `width`; `turned` if frames lie on their side. */
+int picture_height(const AVFrame &frame, AVRational pixel_aspect, bool turned, int width) {
     constexpr double MAX_HEIGHT = 65535;
-    const double height = std::round(width * (static_cast<double>(frame.height) / frame.width) /
-                                     av_q2d(pixel_aspect));
+    const double ratio = frame.width * av_q2d(pixel_aspect) / frame.height;
+    const double height = std::round(turned ? width * ratio : width / ratio);
     if (height > MAX_HEIGHT)
         throw std::runtime_error("pictures of " + std::to_string(frame.width) + "x" +
                                  std::to_string(frame.height) + " are too narrow for a sheet");
@@ -27,45 +31,68 @@ int picture_height(const AVFrame &frame, AVRational pixel_aspect, int width) {
 class SheetMaker {
   public:
     SheetMaker(Media &media, const AVStream &stream, const SheetOptions &options)
-        : media_(media), stream_(stream), options_(options) {}
+        : media_(media), stream_(stream), options_(options), turns_(Media::quarter_turns(stream)) {}
 
     void take(const AVFrame &frame, int64_t index, double seconds) {
         if (options_.every > 0 && index % options_.every != 0) return;
-        if (!sheet_)
-            sheet_.emplace(
-                options_.columns, options_.width,
-                picture_height(frame, media_.pixel_aspect(stream_, frame), options_.width));
-        const ImagePtr picture = make_thumbnail(*to_full_range_420(frame), sheet_->picture_width(),
-                                                sheet_->picture_height());
-        sheet_->add(*picture, time_text(seconds));
+        if (!sheet_) start(frame);
+        int width = sheet_->picture_width(), height = sheet_->picture_height();
+        if (turns_ % 2 != 0) std::swap(width, height);
+        const ImagePtr picture = make_thumbnail(*to_full_range_420(frame), width, height);
+        sheet_->add(*turn(*picture, turns_), time_text(seconds));
+        times_.push_back(seconds);
     }
 
     const ContactSheet &sheet() const {
         if (!sheet_) throw std::runtime_error("no frame to show");
         return *sheet_;
     }
+    const std::vector<double> &times() const { return times_; }
 
   private:
+    void start(const AVFrame &frame) {
+        sheet_.emplace(options_.columns, options_.width,
+                       picture_height(frame, media_.pixel_aspect(stream_, frame), turns_ % 2 != 0,
+                                      options_.width));
+    }
+
     Media &media_;
     const AVStream &stream_;
     const SheetOptions &options_;
+    int turns_;
     std::optional<ContactSheet> sheet_;
+    std::vector<double> times_;
 };
+
+void report(const CommonOptions &common, const SheetOptions &options, const SheetMaker &maker) {
+    const ContactSheet &sheet = maker.sheet();
+    if (common.talks(options.output))
+        std::cout << options.output << ": " << maker.times().size() << " pictures, "
+                  << sheet.width() << 'x' << sheet.height() << '\n';
+    if (common.json)
+        print_json({{"file", common.input},
+                    {"output", options.output},
+                    {"width", sheet.width()},
+                    {"height", sheet.height()},
+                    {"times", maker.times()}});
+}
 
 }  // namespace
 
-void sheet(const SheetOptions &options) {
-    Media media(options.input);
+void sheet(const CommonOptions &common, const SheetOptions &options) {
+    Media media(common.input);
     const AVStream &stream = media.best_video();
     FrameReader frames(media, stream, options.every > 0 ? Pick::ALL : Pick::KEY_FRAMES);
+    OutputFile file(options.output);
     SheetMaker maker(media, stream, options);
     {
-        Progress progress;
+        Progress progress("frames", common.quiet);
         while (const AVFrame *frame = frames.next()) {
-            progress.show(media.progress());
             maker.take(*frame, frames.index(), frames.seconds());
+            progress.step(media.progress());
         }
     }
     media.throw_faults();
-    maker.sheet().save(options.output);
+    maker.sheet().save(file);
+    report(common, options, maker);
 }

@@ -1,6 +1,7 @@
 #include "contact_sheet.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "label.h"
 #include "png_file.h"
@@ -21,15 +22,20 @@ ContactSheet::ContactSheet(int columns, int picture_width, int picture_height)
       pixels_(stride() * static_cast<size_t>(gap_), GROUND) {}
 
 void ContactSheet::add_row() {
+    constexpr size_t MOST = 1 << 30;
     const auto rows = static_cast<size_t>(picture_h_) + label_h_ + gap_;
-    pixels_.resize(pixels_.size() + rows * stride(), GROUND);
+    const size_t size = pixels_.size() + rows * stride();
+    if (size > MOST)
+        throw std::runtime_error("a sheet of more than " + std::to_string(count_ - 1) +
+                                 " pictures takes over a gigabyte; ask for smaller or fewer ones");
+    pixels_.resize(size, GROUND);
 }
 
 void ContactSheet::add(const tavu_imgb_t &picture, const std::string &text) {
     const int column = count_++ % columns_;
     if (column == 0) add_row();
     const auto below = static_cast<size_t>(picture_h_) + label_h_ + gap_;
-    uint8_t *out = pixels_.data() + pixels_.size() - below * stride() + 3 * width(column);
+    uint8_t *out = pixels_.data() + pixels_.size() - below * stride() + 3 * span(column);
     const uint8_t *row = picture.addr[0];
     for (int y = 0; y < picture_h_; y++, row += picture.stride[0], out += stride())
         std::copy_n(row, 3 * picture_w_, out);
@@ -46,8 +52,6 @@ void ContactSheet::draw_text(uint8_t *corner, const std::string &text) const {
     }
 }
 
-void ContactSheet::save(const std::string &path) const {
-    const int rows = static_cast<int>(pixels_.size() / stride());
-    write_png(path, TAVU_CS_RGB888, pixels_.data(), width(std::min(count_, columns_)), rows,
-              stride());
+void ContactSheet::save(OutputFile &file) const {
+    write_png(file, TAVU_CS_RGB888, pixels_.data(), width(), height(), stride());
 }

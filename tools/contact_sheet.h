@@ -1,9 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "output_file.h"
 #include "tavu.h"
 
 /** Pictures of one size in rows, each with a text under it, on a dark ground. */
@@ -13,17 +15,19 @@ class ContactSheet {
 
     int picture_width() const { return picture_w_; }
     int picture_height() const { return picture_h_; }
-    int count() const { return count_; }
+    /** Of the whole sheet, which is as wide as the columns in use. */
+    int width() const { return span(std::min(count_, columns_)); }
+    int height() const { return static_cast<int>(pixels_.size() / stride()); }
 
     /** Adds a packed R, G, B picture of the sheet's picture size. */
     void add(const tavu_imgb_t &picture, const std::string &text);
 
-    /** Writes a PNG file as wide as the columns in use. */
-    void save(const std::string &path) const;
+    /** Writes a PNG file. */
+    void save(OutputFile &file) const;
 
   private:
-    size_t stride() const { return 3 * static_cast<size_t>(width(columns_)); }
-    int width(int columns) const { return gap_ + columns * (picture_w_ + gap_); }
+    size_t stride() const { return 3 * static_cast<size_t>(span(columns_)); }
+    int span(int columns) const { return gap_ + columns * (picture_w_ + gap_); }
     void add_row();
     void draw_text(uint8_t *corner, const std::string &text) const;
 

@@ -1,9 +1,11 @@
 #include <cstdio>
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include "commands.h"
 #include "layouts.h"
+#include "report.h"
 #include "routines.h"
 
 namespace {
@@ -40,10 +42,24 @@ std::string drawing_of(int32_t from, int32_t to) {
     return drawing;
 }
 
-}  // namespace
+struct Pair {
+    int32_t from, to;
+    bool same, resizing;  ///< whether there is a routine for one size, or for two
+};
 
-void list_conversions() {
+std::vector<Pair> offered_pairs() {
     constexpr int32_t END = 1000;  // codes are below it
+    std::vector<Pair> pairs;
+    for (int32_t from = 0; from < END; from++)
+        for (int32_t to = 0; to < END; to++) {
+            const Pair pair{from, to, offered_routine(from, to, false) != nullptr,
+                            offered_routine(from, to, true) != nullptr};
+            if (pair.same || pair.resizing) pairs.push_back(pair);
+        }
+    return pairs;
+}
+
+void print_text(const std::vector<Pair> &pairs) {
     const char *const row = "%-13s  %-12s  %-9s  %-8s  %s\n";
     const auto print = [row](auto... texts) {
         char line[128];
@@ -51,13 +67,26 @@ void list_conversions() {
         std::cout << line;
     };
     print("source", "target", "same size", "resizing", "one pixel in memory");
-    for (int32_t from = 0; from < END; from++)
-        for (int32_t to = 0; to < END; to++) {
-            const bool same = offered_routine(from, to, false) != nullptr;
-            const bool resizing = offered_routine(from, to, true) != nullptr;
-            if (!same && !resizing) continue;
-            print(name_of(from).c_str(), name_of(to).c_str(), same ? "yes" : "-",
-                  resizing ? "yes" : "-", drawing_of(from, to).c_str());
-        }
+    for (const Pair &pair : pairs)
+        print(name_of(pair.from).c_str(), name_of(pair.to).c_str(), pair.same ? "yes" : "-",
+              pair.resizing ? "yes" : "-", drawing_of(pair.from, pair.to).c_str());
     std::cout << EQUATIONS;
+}
+
+Json pairs_json(const std::vector<Pair> &pairs) {
+    Json list = Json::array();
+    for (const Pair &pair : pairs)
+        list.push_back({{"source", pair.from},
+                        {"target", pair.to},
+                        {"same_size", pair.same},
+                        {"resizing", pair.resizing},
+                        {"pixel", drawing_of(pair.from, pair.to)}});
+    return {{"conversions", list}};
+}
+
+}  // namespace
+
+void list_conversions(const CommonOptions &common) {
+    if (common.json) print_json(pairs_json(offered_pairs()));
+    if (common.talks()) print_text(offered_pairs());
 }

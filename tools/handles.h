@@ -8,6 +8,7 @@ extern "C" {
 }
 #include <cairo.h>
 
+#include <cstdio>
 #include <memory>
 
 #include "tavu.h"
@@ -34,6 +35,7 @@ struct ReleaseImage {
     void operator()(tavu_imgb_t *image) const { image->release(image); }
 };
 
+using FilePtr = std::unique_ptr<std::FILE, FreeBy<std::fclose>>;
 using FormatPtr = std::unique_ptr<AVFormatContext, ClearBy<avformat_close_input>>;
 using CodecPtr = std::unique_ptr<AVCodecContext, ClearBy<avcodec_free_context>>;
 using FramePtr = std::unique_ptr<AVFrame, ClearBy<av_frame_free>>;

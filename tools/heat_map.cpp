@@ -5,10 +5,11 @@
 
 #include "label.h"
 #include "png_file.h"
+#include "tavu.h"
 
 namespace {
 
-constexpr int BLOCK = 8, SCALE_H = 6, LABEL_H = 16;
+constexpr int BLOCK = 8, SCALE_H = 6, LABEL_H = 16, TEXT_W = 160;
 constexpr uint8_t GROUND = 0x1E, INK = 0xE6;
 
 /** Blends a colour into a pixel. */
@@ -46,30 +47,30 @@ void draw_text(uint8_t *row, const std::string &text, int width) {
     }
 }
 
-/** Adds the colours of all values from 0 to `top`, with a text under them. */
-void add_scale(std::vector<uint8_t> &pixels, int width, int32_t top) {
-    const size_t row = 3 * static_cast<size_t>(width);
-    const size_t size = pixels.size();
-    pixels.resize(size + row * (SCALE_H + LABEL_H), GROUND);
-    uint8_t *out = &pixels[size];
-    for (int i = 0; i < SCALE_H * width; i++, out += 3)
-        tint(out, static_cast<double>(i % width) / std::max(width - 1, 1), 1);
-    draw_text(out, "SATD 0 to " + std::to_string(top), width);
+/** The colours of all values from 0 to `top`, with a text under them, in the rows from `pixels` on. */
+void draw_scale(uint8_t *pixels, int width, int32_t top) {
+    for (int i = 0; i < SCALE_H * width; i++, pixels += 3)
+        tint(pixels, static_cast<double>(i % width) / (width - 1), 1);
+    draw_text(pixels, "SATD 0 to " + std::to_string(top), width);
 }
 
 }  // namespace
 
-void write_heat_map(const std::string &path, std::vector<uint8_t> pixels, int width, int height,
+void write_heat_map(OutputFile &file, const std::vector<uint8_t> &pixels, int width, int height,
                     const std::vector<int32_t> &blocks) {
     const int columns = (width + BLOCK - 1) / BLOCK;
+    const int canvas_w = std::max(width, TEXT_W), canvas_h = height + SCALE_H + LABEL_H;
     const int32_t top = *std::max_element(blocks.begin(), blocks.end());
-    for (int y = 0; y < height; y++)
+    const auto stride = 3 * static_cast<size_t>(canvas_w);
+    std::vector<uint8_t> canvas(stride * static_cast<size_t>(canvas_h), GROUND);
+    for (int y = 0; y < height; y++) {
+        uint8_t *row = &canvas[stride * static_cast<size_t>(y)];
+        std::copy_n(&pixels[3 * static_cast<size_t>(y) * width], 3 * width, row);
         for (int x = 0; x < width; x++) {
             const int32_t value = blocks[static_cast<size_t>(y / BLOCK) * columns + x / BLOCK];
-            uint8_t *pixel = &pixels[3 * (static_cast<size_t>(y) * width + x)];
-            if (value > 0) mark(pixel, static_cast<double>(value) / top);
+            if (value > 0) mark(row + 3 * x, static_cast<double>(value) / top);
         }
-    add_scale(pixels, width, top);
-    write_png(path, TAVU_CS_RGB888, pixels.data(), width, height + SCALE_H + LABEL_H,
-              3 * static_cast<size_t>(width));
+    }
+    draw_scale(&canvas[stride * static_cast<size_t>(height)], canvas_w, top);
+    write_png(file, TAVU_CS_RGB888, canvas.data(), canvas_w, canvas_h, stride);
 }

@@ -1,20 +1,23 @@
 extern "C" {
 #include <libavutil/log.h>
 }
+#include <unistd.h>
 
 #include <algorithm>
 #include <iostream>
 #include <new>
 
 #include "arguments.h"
+#include "report.h"
 
 namespace {
 
 enum { EXIT_FAILED = 1, EXIT_USAGE = 2 };
 
 int complain(std::string message, int status) {
+    const Colours colours(STDERR_FILENO);
     std::replace(message.begin(), message.end(), '\n', ' ');
-    std::cerr << "tavu: " << message << '\n';
+    std::cerr << colours.red << "tavu:" << colours.plain << ' ' << message << '\n';
     return status;
 }
 
@@ -24,8 +27,12 @@ int run(int argc, char **argv, Arguments &arguments) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
-        if (error.get_exit_code() != 0)
-            return complain(std::string(error.what()) + " (see tavu --help)", EXIT_USAGE);
+        if (error.get_exit_code() != 0) {
+            const auto chosen = app.get_subcommands();
+            const std::string command = chosen.empty() ? "" : " " + chosen[0]->get_name();
+            return complain(std::string(error.what()) + " (see tavu" + command + " --help)",
+                            EXIT_USAGE);
+        }
         app.exit(error);
     }
     if (!std::cout.flush()) throw WholeError("standard output: cannot write");
@@ -37,6 +44,10 @@ int run(int argc, char **argv, Arguments &arguments) {
 int main(int argc, char **argv) {
     av_log_set_level(AV_LOG_QUIET);
     Arguments arguments;
+    const auto about_input = [&arguments](const char *reason) {
+        const std::string &input = arguments.common.input;
+        return complain((input == "-" ? "standard input" : input) + ": " + reason, EXIT_FAILED);
+    };
     try {
         return run(argc, argv, arguments);
     } catch (const UsageError &error) {
@@ -44,8 +55,8 @@ int main(int argc, char **argv) {
     } catch (const WholeError &error) {
         return complain(error.what(), EXIT_FAILED);
     } catch (const std::bad_alloc &) {
-        return complain(arguments.input + ": out of memory", EXIT_FAILED);
+        return about_input("out of memory");
     } catch (const std::exception &error) {
-        return complain(arguments.input + ": " + error.what(), EXIT_FAILED);
+        return about_input(error.what());
     }
 }

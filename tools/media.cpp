@@ -1,21 +1,49 @@
 #include "media.h"
 
+extern "C" {
+#include <libavutil/display.h>
+}
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cmath>
 #include <cstring>
 #include <stdexcept>
 
 namespace {
 
-FormatPtr open(const std::string &path, const RawVideo *raw) {
+/** Standard input in a file of its own where it is none, as many formats are read to and fro. */
+FilePtr copy_of_standard_input() {
+    struct stat status {};
+    if (fstat(STDIN_FILENO, &status) == 0 && S_ISREG(status.st_mode)) return nullptr;
+    if (isatty(STDIN_FILENO)) throw std::runtime_error("it is a terminal; expected a media file");
+    FilePtr copy(std::tmpfile());
+    char bytes[1 << 16];
+    size_t size = 0;
+    while (copy && (size = std::fread(bytes, 1, sizeof bytes, stdin)) > 0)
+        if (std::fwrite(bytes, 1, size, copy.get()) != size) copy.reset();
+    if (std::ferror(stdin) || !copy || std::fflush(copy.get()) != 0)
+        throw std::runtime_error(std::string("cannot copy it: ") + std::strerror(errno));
+    return copy;
+}
+
+/** What FFmpeg opens for a path; `copy` is that of standard input, if there is one. */
+std::string address(const std::string &path, std::FILE *copy) {
+    // The prefix keeps a colon in the name from being read as a protocol.
+    if (path != "-") return "file:" + path;
+    return "file:/dev/fd/" + std::to_string(copy ? fileno(copy) : STDIN_FILENO);
+}
+
+FormatPtr open(const std::string &url, const RawVideo *raw) {
     AVFormatContext *context = nullptr;
     AVDictionary *options = nullptr;
     if (raw) {
         av_dict_set(&options, "video_size", raw->size.c_str(), 0);
         av_dict_set(&options, "pixel_format", raw->format.c_str(), 0);
     }
-    // The prefix keeps a colon in the name from being read as a protocol.
-    const int status =
-        avformat_open_input(&context, ("file:" + path).c_str(),
-                            raw ? av_find_input_format("rawvideo") : nullptr, &options);
+    const int status = avformat_open_input(
+        &context, url.c_str(), raw ? av_find_input_format("rawvideo") : nullptr, &options);
     av_dict_free(&options);
     if (status == AVERROR_INVALIDDATA || status == AVERROR_EOF)
         throw std::runtime_error("not a media file, or damaged");
@@ -30,7 +58,9 @@ std::string av_error_text(int code) {
     return av_make_error_string(text, sizeof text, code);
 }
 
-Media::Media(const std::string &path, const RawVideo *raw) : context_(open(path, raw)) {
+Media::Media(const std::string &path, const RawVideo *raw)
+    : copy_(path == "-" ? copy_of_standard_input() : nullptr),
+      context_(open(address(path, copy_.get()), raw)) {
     // This one takes any text for a picture if only the file's name ends in .txt.
     if (std::strcmp(context_->iformat->name, "tty") == 0)
         throw std::runtime_error("not a media file");
@@ -87,6 +117,13 @@ AVRational Media::pixel_aspect(const AVStream &stream, const AVFrame &frame) con
     const AVRational aspect = av_guess_sample_aspect_ratio(
         context_.get(), const_cast<AVStream *>(&stream), const_cast<AVFrame *>(&frame));
     return aspect.num > 0 && aspect.den > 0 ? aspect : AVRational{1, 1};
+}
+
+int Media::quarter_turns(const AVStream &stream) {
+    const uint8_t *matrix = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
+    if (!matrix) return 0;
+    const double anticlockwise = av_display_rotation_get(reinterpret_cast<const int32_t *>(matrix));
+    return std::isnan(anticlockwise) ? 0 : static_cast<int>(std::lround(-anticlockwise / 90)) & 3;
 }
 
 bool Media::has_codec_tags() const { return std::strcmp(context_->iformat->name, "mpegts") != 0; }

@@ -15,7 +15,7 @@ struct RawVideo {
     bool limited;        ///< range of the samples
 };
 
-/** A media file opened for reading; throws when it cannot be opened. */
+/** A media file opened for reading, "-" for standard input; throws when it cannot be opened. */
 class Media {
   public:
     explicit Media(const std::string &path, const RawVideo *raw = nullptr);
@@ -38,6 +38,8 @@ class Media {
     /** Seconds from the start of the file; unknown timestamps are told by `index`. */
     double seconds(const AVStream &stream, int64_t timestamp, int64_t index) const;
 
+    /** Quarter turns, clockwise, by which the stream's frames are to be shown. */
+    static int quarter_turns(const AVStream &stream);
     AVRational pixel_aspect(const AVStream &stream, const AVFrame &frame) const;
     /** False for containers whose codec tags are no FourCC and no wave-format tag. */
     bool has_codec_tags() const;
@@ -45,6 +47,7 @@ class Media {
     double progress() const;
 
   private:
+    FilePtr copy_;  ///< of standard input, if that cannot be searched
     FormatPtr context_;
     std::vector<AVStream *> streams_;
     std::string first_fault_;

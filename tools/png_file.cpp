@@ -2,7 +2,6 @@
 
 #include <png.h>
 
-#include "replacing_file.h"
 #include "tavu.h"
 
 namespace {
@@ -23,9 +22,8 @@ png_uint_32 png_format(int32_t cs) {
 
 bool png_takes(int32_t cs) { return png_format(cs) != NONE; }
 
-void write_png(const std::string &path, int32_t cs, const uint8_t *pixels, int width, int height,
+void write_png(OutputFile &file, int32_t cs, const uint8_t *pixels, int width, int height,
                size_t stride) {
-    ReplacingFile file(path);
     png_image image{};
     image.version = PNG_IMAGE_VERSION;
     image.format = png_format(cs);

@@ -2,11 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
+
+#include "output_file.h"
 
 /** Tells whether pixels of a layout can be written: the packed ones of 8 bits a channel. */
 bool png_takes(int32_t cs);
 
-/** Writes packed pixels of a layout; the file appears whole or not at all. Throws WholeError. */
-void write_png(const std::string &path, int32_t cs, const uint8_t *pixels, int width, int height,
+/** Writes packed pixels of a layout, and commits the file. Throws WholeError. */
+void write_png(OutputFile &file, int32_t cs, const uint8_t *pixels, int width, int height,
                size_t stride);

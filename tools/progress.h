@@ -1,32 +1,28 @@
 #pragma once
 
-#include <unistd.h>
-
 #include <chrono>
-#include <cstdio>
+#include <cstdint>
 
-/** Tells on a terminal how far a long job is; cleans up behind itself. */
+/** Tells on a terminal how far a long job is, how fast, and how long it still takes. */
 class Progress {
   public:
-    Progress() = default;
+    /** `units` names what step() counts. */
+    Progress(const char *units, bool quiet);
     Progress(const Progress &) = delete;
     Progress &operator=(const Progress &) = delete;
-    ~Progress() {
-        if (shown_) std::fputs("\r\033[K", stderr);
-    }
+    /** Cleans up behind itself. */
+    ~Progress();
 
-    void show(double part) {
-        const auto now = Clock::now();
-        if (!terminal_ || now < next_) return;
-        std::fprintf(stderr, "\r%3.0f %%", 100 * part);
-        shown_ = true;
-        next_ = now + std::chrono::milliseconds(200);
-    }
+    /** Counts one more; `part` of the whole job, 0..1, is done, or 0 if that is unknown. */
+    void step(double part);
 
   private:
     using Clock = std::chrono::steady_clock;
 
-    bool terminal_ = isatty(STDERR_FILENO) != 0;
-    bool shown_ = false;
-    Clock::time_point next_ = Clock::now() + std::chrono::seconds(1);
+    void show(double part, double seconds);
+
+    const char *units_;
+    bool terminal_, shown_ = false;
+    int64_t count_ = 0;
+    Clock::time_point start_ = Clock::now(), next_ = start_ + std::chrono::milliseconds(500);
 };

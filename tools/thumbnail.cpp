@@ -1,5 +1,6 @@
 #include "thumbnail.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "picture.h"
@@ -16,4 +17,22 @@ ImagePtr make_thumbnail(const tavu_imgb_t &picture, int width, int height) {
     convert(scaled->addr, width, height, scaled->stride, scaled->cs, rgb->addr, width, height,
             rgb->stride, rgb->cs);
     return rgb;
+}
+
+ImagePtr turn(const tavu_imgb_t &picture, int quarters) {
+    const int right = picture.w - 1, bottom = picture.h - 1;
+    const bool aside = quarters % 2 != 0;
+    ImagePtr turned =
+        make_image(aside ? picture.h : picture.w, aside ? picture.w : picture.h, picture.cs);
+    const auto source = [&](int x, int y) -> const uint8_t * {
+        const int from_x[] = {x, y, right - x, right - y};
+        const int from_y[] = {y, bottom - x, bottom - y, x};
+        return picture.addr[0] + static_cast<ptrdiff_t>(from_y[quarters]) * picture.stride[0] +
+               3 * from_x[quarters];
+    };
+    for (int y = 0; y < turned->h; y++) {
+        uint8_t *out = turned->addr[0] + static_cast<ptrdiff_t>(y) * turned->stride[0];
+        for (int x = 0; x < turned->w; x++, out += 3) std::copy_n(source(x, y), 3, out);
+    }
+    return turned;
 }

@@ -105,7 +105,7 @@ class UnitReader {
 
 }  // namespace
 
-std::vector<Track> read_tracks(Media &media) {
+std::vector<Track> read_tracks(Media &media, bool quiet) {
     std::vector<Track> tracks;
     for (const AVStream *stream : media.streams()) tracks.push_back(describe(media, *stream));
     std::vector<std::unique_ptr<UnitReader>> readers;
@@ -114,10 +114,10 @@ std::vector<Track> read_tracks(Media &media) {
         const bool video = stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO;
         readers.push_back(video ? std::make_unique<UnitReader>(media, stream, track) : nullptr);
     }
-    Progress progress;
+    Progress progress("packets", quiet);
     for (PacketPtr packet(av_packet_alloc()); media.read(*packet); av_packet_unref(packet.get())) {
         if (UnitReader *reader = readers[packet->stream_index].get()) reader->add(*packet);
-        progress.show(media.progress());
+        progress.step(media.progress());
     }
     return tracks;
 }

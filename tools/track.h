@@ -32,4 +32,4 @@ struct Track {
 };
 
 /** Describes all tracks and reads the whole file; faults on the way are noted in `media`. */
-std::vector<Track> read_tracks(Media &media);
+std::vector<Track> read_tracks(Media &media, bool quiet);

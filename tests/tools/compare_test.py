@@ -7,7 +7,7 @@ import random
 import re
 import subprocess
 
-from tool_case import Case, ffmpeg, needs_ffmpeg, sample
+from tool_case import Case, ffmpeg, ffprobe, needs_ffmpeg, sample
 
 
 def ratio(ssd, samples):
@@ -102,12 +102,14 @@ class Compare(Case):
         self.ok("compare", self.clip("a.y4m", w, h, first), self.clip("b.y4m", w, h, second),
                 "-o", self.path("heat.png"))
         rgb = ffmpeg("-i", self.path("heat.png"), "-f", "rawvideo", "-pix_fmt", "rgb24", "-")
-        warmth = lambda x, y: rgb[3 * (y * w + x)] - rgb[3 * (y * w + x) + 2]
+        line = ffprobe(self.path("heat.png"), "stream=width")["streams"][0]["width"]
+        warmth = lambda x, y: rgb[3 * (y * line + x)] - rgb[3 * (y * line + x) + 2]
         self.assertGreater(warmth(16, 8), 50)
         self.assertLess(warmth(43, 29), -20)
         for at, value in enumerate(first[1]):
             if (at % w // 8, at // w // 8) not in ((2, 1), (5, 3)):
-                self.assertEqual(rgb[3 * at:3 * at + 3], bytes([value] * 3), (at % w, at // w))
+                place = 3 * (at // w * line + at % w)
+                self.assertEqual(rgb[place:place + 3], bytes([value] * 3), (at % w, at // w))
 
     def test_sizes_and_counts_that_differ(self):
         three, two, wide = (self.clip(name, w, 7, [bytes(w * 7)] * count)

@@ -6,7 +6,7 @@ import random
 import resource
 import subprocess
 
-from tool_case import TAVU, Case, ffmpeg, needs_ffmpeg, packets, run, sample
+from tool_case import COMMANDS, TAVU, Case, ffmpeg, needs_ffmpeg, packets, run, sample
 
 
 class Failures(Case):
@@ -76,13 +76,15 @@ class Failures(Case):
     def test_usage(self):
         clip, out = sample("h264.mp4"), self.path("out.png")
         for args in [], ["paint", clip], ["probe"], ["probe", clip, "extra"], ["sheet", clip], \
-                ["sheet", clip, "-o", out, "--columns", "0"], ["digest", "--json", clip], \
+                ["sheet", clip, "-o", out, "--columns", "0"], ["digest", "--csv", clip], \
+                ["sheet", clip, "-o", "-", "--json"], ["bench", "--csv", "--json"], \
+                ["bench", "no such kernel"], ["compare", "-", "-"], \
                 ["sheet", clip, "-o", out, "--every", "0"], \
                 ["sheet", clip, "-o", out, "--every", "2x"], \
                 ["sheet", clip, "-o", out, "--width", "1"]:
             with self.subTest(args):
                 self.fails(*args, status=2)
         self.assertEqual(os.listdir(self.directory), [])
-        self.assertRegex(self.ok("--version"), r"\A\d+\.\d+\.\d+\n\Z")
-        for command in "probe", "sheet", "digest", "compare", "convert":
-            self.assertIn(f"Example:\n  tavu {command} samples/", self.ok(command, "--help"))
+        self.assertRegex(self.ok("--version"), r"\Atavu \d+\.\d+\.\d+ \(library of .+\)\n\Z")
+        for command in COMMANDS:
+            self.assertIn(f"Example:\n  tavu {command} ", self.ok(command, "--help"))

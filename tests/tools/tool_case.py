@@ -13,6 +13,7 @@ HAVE_FFMPEG = shutil.which("ffmpeg") and shutil.which("ffprobe")
 NAMES = ["h264.mp4", "h264.h264", "hevc.mp4", "mpeg4.avi", "mpeg4.mp4", "h263.3gp", "wmv1.wmv",
          "wmv2.avi", "div3.avi", "huffyuv.avi"]
 YUV420 = [name for name in NAMES if name != "huffyuv.avi"]
+COMMANDS = ["probe", "sheet", "digest", "compare", "convert", "bench"]
 COUNTING = "testsrc2=s={}:r=10:d={}"
 
 
