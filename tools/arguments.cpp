@@ -48,19 +48,31 @@ CLI::Option *add_size(CLI::App &command, const std::string &name, std::optional<
     return command.add_option_function<std::string>(name, take, help)->type_name("WxH");
 }
 
+/** Says which commands there are if the first argument is none. */
+void require_command(const CLI::App &app) {
+    if (!app.get_subcommands().empty()) return;
+    std::vector<std::string> names;
+    for (const CLI::App *command : app.get_subcommands({})) names.push_back(command->get_name());
+    const std::vector<std::string> others = app.remaining();
+    throw CLI::RequiredError("expected a command, one of " + CLI::detail::join(names, "|") +
+                                 (others.empty() ? "" : ", got " + others[0]),
+                             CLI::ExitCodes::RequiredError);
+}
+
 }  // namespace
 
 void Arguments::define(CLI::App &app) {
     std::string library = tavu_version();
     library.resize(library.find_last_not_of('\n') + 1);
     app.set_version_flag("--version", "tavu " PROJECT_VERSION " (library of " + library + ")");
-    app.require_subcommand(1);
     define_probe(*app.add_subcommand("probe", "List tracks and key frames of a media file"));
     define_sheet(*app.add_subcommand("sheet", "Draw a contact sheet of a video"));
     define_digest(*app.add_subcommand("digest", "Print the MD5 digest of each decoded frame"));
     define_compare(*app.add_subcommand("compare", "Measure how far two videos are apart"));
     define_convert(*app.add_subcommand("convert", "Convert a picture to another pixel layout"));
     define_bench(*app.add_subcommand("bench", "Time the library's kernels on this processor"));
+    app.allow_extras();
+    app.final_callback([&app] { require_command(app); });
 }
 
 void Arguments::add_common(CLI::App &command) {

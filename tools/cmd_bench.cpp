@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -123,7 +125,7 @@ void bench(const CommonOptions &common, const BenchOptions &options) {
     const bool table = common.talks() && !options.csv;
     if (table || options.csv) print_head(options.csv);
     {
-        Progress progress("kernels", common.quiet || table);
+        Progress progress("kernels", common.quiet || (table && isatty(STDOUT_FILENO)));
         double done = 0;
         for (const NamedCase &kernel : cases) {
             const Result result = measure(kernel);

@@ -1,3 +1,8 @@
+extern "C" {
+#include <libavutil/imgutils.h>
+#include <libavutil/pixdesc.h>
+}
+
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
@@ -11,8 +16,23 @@
 
 namespace {
 
+/** Tells what is missing of a file of raw planes, before it is read. */
+void check_size(const std::string &input, const ConvertOptions &options) {
+    std::error_code error;
+    const uint64_t found = std::filesystem::file_size(input, error);
+    const int picture =
+        av_image_get_buffer_size(av_get_pix_fmt(options.raw->raw_format), options.raw_size->width,
+                                 options.raw_size->height, 1);
+    const uint64_t expected = static_cast<uint64_t>(std::max(picture, 0)) * (options.frame + 1);
+    if (!error && found < expected)
+        throw std::runtime_error("expected " + std::to_string(expected) + " bytes up to frame " +
+                                 std::to_string(options.frame) + ", found " +
+                                 std::to_string(found));
+}
+
 Media open(const std::string &input, const ConvertOptions &options) {
     if (!options.raw_size) return Media(input);
+    check_size(input, options);
     const RawVideo raw{
         std::to_string(options.raw_size->width) + "x" + std::to_string(options.raw_size->height),
         options.raw->raw_format, options.limited};
@@ -46,6 +66,11 @@ std::string extension(const std::string &path) {
 /** Refuses what a picture file of this extension cannot hold. */
 void check(const std::string &kind, const ConvertOptions &options) {
     const PixelLayout &to = *options.to;
+    for (const char *other : {".bmp", ".gif", ".jpeg", ".jpg", ".tif", ".tiff", ".webp"})
+        if (kind == other)
+            throw UsageError(options.output +
+                             ": expected .png, .ppm, or for raw bytes an extension "
+                             "that no picture format has");
     if ((kind == ".png" && !png_takes(to.cs)) || (kind == ".ppm" && to.cs != TAVU_CS_RGB888))
         throw UsageError(options.output + ": " + to.name + " does not fit into a " + kind +
                          " file; give another extension for raw bytes");

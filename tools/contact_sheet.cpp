@@ -26,8 +26,9 @@ void ContactSheet::add_row() {
     const auto rows = static_cast<size_t>(picture_h_) + label_h_ + gap_;
     const size_t size = pixels_.size() + rows * stride();
     if (size > MOST)
-        throw std::runtime_error("a sheet of more than " + std::to_string(count_ - 1) +
-                                 " pictures takes over a gigabyte; ask for smaller or fewer ones");
+        throw std::runtime_error("a sheet of " + std::to_string(columns_) + " columns of " +
+                                 std::to_string(picture_w_) + "x" + std::to_string(picture_h_) +
+                                 " pictures takes over a gigabyte");
     pixels_.resize(size, GROUND);
 }
 

@@ -98,7 +98,8 @@ void Media::add_fault(const std::string &reason) {
 void Media::throw_faults() const {
     if (faults_ == 1) throw std::runtime_error(first_fault_);
     if (faults_ > 1)
-        throw std::runtime_error(first_fault_ + " (and " + std::to_string(faults_ - 1) + " more)");
+        throw std::runtime_error(first_fault_ + " (and " + std::to_string(faults_ - 1) +
+                                 " more faults)");
 }
 
 double Media::seconds(const AVStream &stream, int64_t timestamp, int64_t index) const {

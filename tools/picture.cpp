@@ -96,8 +96,8 @@ ImagePtr make_image(int width, int height, int cs) {
     ImagePtr image(
         tavu_imgb_create(width, height, cs, 0, ALIGN, nullptr, nullptr, nullptr, nullptr));
     if (!image)
-        throw std::runtime_error("no picture buffer of " + std::to_string(width) + "x" +
-                                 std::to_string(height));
+        throw std::runtime_error("pictures of " + std::to_string(width) + "x" +
+                                 std::to_string(height) + " are too large");
     return image;
 }
 

@@ -1,5 +1,6 @@
 """tavu probe against ffprobe, and parameter sets that are rarely seen."""
 
+import os
 import re
 import shutil
 
@@ -68,6 +69,24 @@ class Probe(Case):
         self.assertIn("track 0: video  avc1  0x31637661  media type 104 VID_H264  320x180", text)
         self.assertIn("track 1: audio  mp4a  0x6134706d  media type 306 AUD_AAC", text)
         self.assertIn("240 units, 8 container key frames, 8 detector key frames, 240 agree", text)
+
+    def test_plot(self):
+        """A red bar for each key frame, blue ones between."""
+        self.ok("probe", sample("h264.mp4"), "--plot", self.path("plot.png"))
+        rgb = ffmpeg("-i", self.path("plot.png"), "-f", "rawvideo", "-pix_fmt", "rgb24", "-")
+        width, plot_height = 1200, 420  # the rest is the legend
+        row = 3 * width
+        pixel = lambda x, y: rgb[y * row + 3 * x:y * row + 3 * x + 3]
+        has = lambda x, colour: any(pixel(x, y) == colour for y in range(plot_height))
+        red = [has(x, b"\xcc\x33\x11") for x in range(width)]
+        self.assertEqual(sum(b and not a for a, b in zip(red, red[1:])), 8)
+        self.assertGreater(sum(has(x, b"\x77\x99\xbb") for x in range(width)), 200)
+        audio = self.path("audio.m4a")
+        ffmpeg("-i", sample("h264.mp4"), "-vn", "-c", "copy", audio)
+        self.fails("probe", audio, "--plot", self.path("x.png"), says="no video units")
+        self.fails("probe", sample("h264.mp4"), "--plot", self.path("x.png"), says="gnuplot",
+                   env={"PATH": self.directory})
+        self.assertNotIn("x.png", os.listdir(self.directory))
 
     def check_sequence(self, path):
         sequence = self.video(path)["sequence"]

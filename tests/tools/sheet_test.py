@@ -136,6 +136,27 @@ class Sheet(Case):
                         with self.subTest(layout=layout, matrix=matrix, full=full, rgb=rgb):
                             self.assertLessEqual(max(abs(a - b) for a, b in zip(middle, rgb)), 2)
 
+    def test_pictures_stand_upright(self):
+        lying = self.made("lying.mp4", "64x48", "-c:v", "mpeg4", "-q:v", "1", "-frames:v", "1")
+        with open(lying, "rb") as file:
+            data = bytearray(file.read())
+        matrix = data.index(b"tkhd") + 44
+        for turns, (a, b) in enumerate([(1, 0), (0, 1), (-1, 0), (0, -1)]):
+            rows = [a, b, 0, -b, a, 0, 0, 0, 1 << 14]
+            data[matrix:matrix + 36] = b"".join((n << 16).to_bytes(4, "big", signed=True)
+                                                for n in rows)
+            w, h = (64, 48) if turns % 2 == 0 else (48, 64)
+            path = self.written("turned.mp4", data)
+            raw = ffmpeg("-i", path, "-f", "rawvideo", "-pix_fmt", "rgb24", "-")
+            self.assertEqual(len(raw), 3 * w * h)
+            picture = self.sheet(path, w).cell(0, w, h)[0]
+            flat = lambda step: [c for x in range(w * h)[::step] for c in raw[3 * x:3 * x + 3]]
+            upright, inverted = (difference(picture, scaled(flat(step), w, h, w, h))
+                                 for step in (1, -1))
+            # The samples lie up to a pixel apart.
+            self.assertLess(upright, 20, turns)
+            self.assertGreater(inverted, 60, turns)
+
     def test_shapes(self):
         """Pixels that are no squares, sizes that change, a sliver, hundreds of pictures."""
         wide = self.made("wide.mp4", "64x48", "-c:v", "mpeg4", "-vf", "setsar=2")

@@ -9,6 +9,7 @@ import unittest
 
 TAVU = os.environ["TAVU"]
 SAMPLES = os.environ["TAVU_SAMPLES"]
+PROJECT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 HAVE_FFMPEG = shutil.which("ffmpeg") and shutil.which("ffprobe")
 NAMES = ["h264.mp4", "h264.h264", "hevc.mp4", "mpeg4.avi", "mpeg4.mp4", "h263.3gp", "wmv1.wmv",
          "wmv2.avi", "div3.avi", "huffyuv.avi"]
@@ -22,7 +23,8 @@ def sample(name):
 
 
 def run(*args, **options):
-    return subprocess.run([TAVU, *map(str, args)], capture_output=True, text=True, **options)
+    options = {"capture_output": True, "text": True, **options}
+    return subprocess.run([TAVU, *map(str, args)], **options)
 
 
 def ffmpeg(*args, stdin=None):

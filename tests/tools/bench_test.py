@@ -1,0 +1,42 @@
+"""tavu bench: every kernel is in it, and its numbers agree."""
+
+import csv
+import io
+import json
+import os
+import re
+
+from tool_case import PROJECT, Case
+
+
+class Bench(Case):
+    def test_every_kernel_is_listed(self):
+        with open(os.path.join(PROJECT, "bench", "variants.cpp")) as file:
+            kernels = re.findall(r"^KERNEL4?\(tavu_(\w+)\)", file.read(), re.M)
+        listed = self.ok("bench", "--list").split()
+        self.assertEqual(len(listed), len(set(listed)))
+        resizers = [name for name in kernels if name.startswith("irsz")]
+        self.assertEqual({name for name in listed if not name.startswith("resize")},
+                         set(kernels) - set(resizers))
+        self.assertEqual(sum(name.startswith("resize") for name in listed), len(resizers))
+
+    def test_forms(self):
+        for pattern, bytes_of in {"satd8x8": {"satd8x8": 128}, "hadamard": {"hadamard4x4": 32},
+                                  "diff4": {"diff4x4": 64}, "mset_x32": {"mset_x32": 16384,
+                                                                         "mset_x32ax4": 16384},
+                                  "line_565": {"resize_line_565": 2 * 2 * 1920 + 2 * 1280},
+                                  "csc_r8g8b8_to_rgb565": {
+                                      "csc_r8g8b8_to_rgb565": (3 + 2) * 1920 * 1080}}.items():
+            kernels = json.loads(self.ok("bench", pattern, "--json"))["kernels"]
+            self.assertEqual({k["kernel"]: k["bytes"] for k in kernels}, bytes_of)
+            rows = list(csv.DictReader(io.StringIO(self.ok("bench", pattern, "--csv"))))
+            text = self.ok("bench", pattern).splitlines()[1:]
+            forms = [form["form"] for kernel in kernels for form in kernel["forms"]]
+            self.assertEqual(forms[:2], ["model", "exported"])
+            self.assertEqual([row["form"] for row in rows], forms)
+            self.assertEqual([line[35:43].strip() for line in text], forms)
+            for kernel in kernels:
+                for form in kernel["forms"]:
+                    self.assertGreater(form["ns"], 0)
+                    self.assertAlmostEqual(form["bytes_per_second"] * form["ns"] / 1e9,
+                                           kernel["bytes"], delta=1e-6 * kernel["bytes"])

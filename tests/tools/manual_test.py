@@ -1,0 +1,126 @@
+"""Manual pages and completions offer what --help does, and JSON has the documented shape."""
+
+import json
+import os
+import re
+import shutil
+import subprocess
+import unittest
+
+from tool_case import COMMANDS, PROJECT, TAVU, Case, run, sample
+
+COMPLETION = os.path.join(PROJECT, "tools", "completion")
+
+
+def page(command):
+    name = f"tavu-{command}.1" if command else "tavu.1"
+    with open(os.path.join(PROJECT, "docs", "man", name)) as file:
+        return file.read()
+
+
+def help_text(command):
+    return run(*[command] if command else [], "--help").stdout
+
+
+def options(command):
+    """As --help tells them: -o and --output apart."""
+    rows = re.findall(r"^  (-\S+)", help_text(command), re.M)
+    return {option for row in rows for option in row.split(",")}
+
+
+def keys(value):
+    """Of all objects in a JSON value, in order of their first appearance."""
+    if isinstance(value, list):
+        found = [key for element in value for key in keys(element)]
+    elif isinstance(value, dict):
+        found = [key for name, element in value.items() for key in [name, *keys(element)]]
+    else:
+        found = []
+    return list(dict.fromkeys(found))
+
+
+class Manual(Case):
+    def test_pages_have_the_options(self):
+        for command in "", *COMMANDS:
+            items = re.findall(r"^\.It (Fl .*)", page(command), re.M)
+            flags = [flag for item in items for flag in re.findall(r"Fl (\S+)", item)]
+            self.assertEqual({"-" + flag for flag in flags}, options(command), command)
+            self.assertEqual(len(flags), len(set(flags)), command)
+        for command in COMMANDS:
+            self.assertIn(f".Xr tavu-{command} 1 .", page(""))
+
+    @unittest.skipUnless(shutil.which("mandoc"), "needs mandoc")
+    def test_pages_are_well_formed(self):
+        for command in "", *COMMANDS:
+            result = subprocess.run(["mandoc", "-T", "lint", "-W", "style"], input=page(command),
+                                    capture_output=True, text=True)
+            faults = [line for line in result.stdout.splitlines()
+                      if "referenced manual not found" not in line]
+            self.assertEqual(faults, [], command)
+
+    def test_json_is_as_documented(self):
+        clip, out = sample("h264.mp4"), self.path("out.png")
+        calls = {"probe": ["probe", clip], "sheet": ["sheet", clip, "-o", out],
+                 "digest": ["digest", clip], "compare": ["compare", clip, clip],
+                 "convert": ["convert", clip, out], "bench": ["bench", "satd4x4"]}
+        for command in COMMANDS:
+            found = json.loads(self.ok(*calls[command], "--json"))
+            if command == "convert":
+                found = [found, json.loads(self.ok("convert", "--list", "--json"))]
+            blocks = re.findall(r"^\.Bd(.*?)^\.Ed", page(command), re.M | re.S)
+            documented = re.findall(r'"(\w+)":', "".join(blocks))
+            self.assertEqual(keys(found), list(dict.fromkeys(documented)), command)
+
+
+class Completion(Case):
+    def shell(self, *command):
+        result = subprocess.run(command, capture_output=True, text=True, check=True)
+        self.assertEqual(result.stderr, "")
+        return result.stdout.splitlines()
+
+    def bash(self, *words):
+        words = " ".join(f"'{word}'" for word in words)
+        return self.shell("bash", "--norc", "-c", f"source '{COMPLETION}/tavu.bash'\n"
+                          f"COMP_WORDS=('{TAVU}' {words}) COMP_CWORD=$((${{#COMP_WORDS[@]}} - 1))\n"
+                          "_tavu; for word in \"${COMPREPLY[@]}\"; do echo \"$word\"; done")
+
+    @unittest.skipUnless(shutil.which("bash"), "needs bash")
+    def test_bash(self):
+        self.assertEqual(set(self.bash("")), {*COMMANDS, *options("")})
+        for command in COMMANDS:
+            self.assertEqual(set(self.bash(command, "-")), options(command))
+            for option, names in re.findall(r"(--to|--cs) (\w+(?:\|\w+)+)", help_text(command)):
+                self.assertEqual(self.bash(command, option, ""), names.split("|"))
+        self.assertEqual(self.bash("sheet", "--every", ""), ["key"])
+        self.assertEqual(self.bash("convert", "--o"), ["--one-pass"])
+        self.assertEqual(self.bash("bench", ""), self.ok("bench", "--list").split())
+        self.written("two words.mp4", b"")
+        self.written("two.mp4", b"")
+        self.assertEqual(set(self.bash("probe", self.path("tw"))),
+                         {self.path("two words.mp4"), self.path("two.mp4")})
+
+    def zsh(self, command):
+        """What the completion tells zsh's own functions, which stand-ins print."""
+        program = f"""
+            _arguments() {{
+                print -l -- "$@"
+                [[ $1 == -C ]] || return 0
+                line=({command}) state=${{${{:-{command}}}:+argument}}; state=${{state:-command}}
+                return 1
+            }}
+            _describe() {{ print -l -- "${{(@P)2}}" }}
+            words=(tavu {command}); source '{COMPLETION}/_tavu'"""
+        return self.shell("zsh", "-f", "-c", program)
+
+    @unittest.skipUnless(shutil.which("zsh"), "needs zsh")
+    def test_zsh(self):
+        offered = lambda rows: set(re.findall(r"^(?:\(.*?\))?(--?[a-z-]+)\[", "\n".join(rows), re.M))
+        commands = self.zsh("")
+        self.assertEqual(offered(commands), options(""))
+        self.assertEqual([row.split(":")[0] for row in commands[-len(COMMANDS):]], COMMANDS)
+        for command in COMMANDS:
+            rows = self.zsh(command)
+            self.assertEqual(offered(rows), options(command) | options(""), command)
+            for option, names in re.findall(r"(--to|--cs) (\w+(?:\|\w+)+)", help_text(command)):
+                spec = next(row for row in rows if row.startswith(option))
+                self.assertEqual(spec.split("(")[1].rstrip(")").split(), names.split("|"))
