@@ -154,8 +154,7 @@ class Sheet(Case):
             upright, inverted = (difference(picture, scaled(flat(step), w, h, w, h))
                                  for step in (1, -1))
             # The samples lie up to a pixel apart.
-            self.assertLess(upright, 20, turns)
-            self.assertGreater(inverted, 60, turns)
+            self.assertLess(2.5 * upright, inverted, turns)
 
     def test_shapes(self):
         """Pixels that are no squares, sizes that change, a sliver, hundreds of pictures."""
