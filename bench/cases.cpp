@@ -28,10 +28,6 @@ Bytes &target() {
     return bytes;
 }
 
-// Two blocks in a row of noise.
-const uint8_t *block_a() { return source(); }
-const uint8_t *block_b() { return source() + 64; }
-
 // What the model and the variants are called with: bind(routine) is one call of it.
 template <class Routine, class Variants, class Bind>
 Case make_case(size_t read, size_t written, Routine model, const Variants &variants, Bind bind) {
@@ -151,34 +147,41 @@ void add_blocks(std::vector<NamedCase> &cases, const std::vector<Kernel> &kernel
     }
 }
 
-int16_t *residual() { return reinterpret_cast<int16_t *>(target().data()); }
-int32_t *result() { return reinterpret_cast<int32_t *>(target().data()); }
+// Where blocks and their results are: known before the clock runs.
+struct Blocks {
+    const uint8_t *a = source(), *b = source() + 64;  // in one row of noise
+    uint8_t *out = target().data();
+    int16_t *residual = reinterpret_cast<int16_t *>(out);
+    int32_t *result = reinterpret_cast<int32_t *>(out);
+    int16_t samples[16];
+
+    Blocks() {
+        for (int i = 0; i < 16; i++) samples[i] = static_cast<int16_t>(a[i] - b[i]);
+    }
+};
 
 void add_metrics(std::vector<NamedCase> &cases) {
-    add_blocks(cases, block_kernels(), 2, 0, [](auto *metric, int32_t, int32_t) {
-        return [=] { *result() = metric(block_a(), block_b(), STRIDE, STRIDE); };
+    const Blocks at;
+    add_blocks(cases, block_kernels(), 2, 0, [at](auto *metric, int32_t, int32_t) {
+        return [=] { *at.result = metric(at.a, at.b, STRIDE, STRIDE); };
     });
-    add_blocks(cases, area_kernels(), 2, 0, [](auto *metric, int32_t w, int32_t h) {
-        return [=] { *result() = metric(w, h, block_a(), block_b(), STRIDE, STRIDE); };
+    add_blocks(cases, area_kernels(), 2, 0, [at](auto *metric, int32_t w, int32_t h) {
+        return [=] { *at.result = metric(w, h, at.a, at.b, STRIDE, STRIDE); };
     });
-    add_blocks(cases, early_skip_kernels(), 2, 0, [](auto *metric, int32_t w, int32_t h) {
-        return [=] { *result() = metric(w, h, block_a(), block_b(), STRIDE, STRIDE, INT_MAX); };
+    add_blocks(cases, early_skip_kernels(), 2, 0, [at](auto *metric, int32_t w, int32_t h) {
+        return [=] { *at.result = metric(w, h, at.a, at.b, STRIDE, STRIDE, INT_MAX); };
     });
-    add_blocks(cases, diff_block_kernels(), 2, 2, [](auto *diff, int32_t w, int32_t) {
-        return [=] { diff(block_a(), block_b(), STRIDE, STRIDE, w, residual()); };
+    add_blocks(cases, diff_block_kernels(), 2, 2, [at](auto *diff, int32_t w, int32_t) {
+        return [=] { diff(at.a, at.b, STRIDE, STRIDE, w, at.residual); };
     });
-    add_blocks(cases, diff_area_kernels(), 2, 2, [](auto *diff, int32_t w, int32_t h) {
-        return [=] { diff(w, h, block_a(), block_b(), STRIDE, STRIDE, w, residual()); };
+    add_blocks(cases, diff_area_kernels(), 2, 2, [at](auto *diff, int32_t w, int32_t h) {
+        return [=] { diff(w, h, at.a, at.b, STRIDE, STRIDE, w, at.residual); };
     });
-    add_blocks(cases, hadamard_kernels(), 2, 0, [](auto *hadamard, int32_t, int32_t) {
-        return [=] {
-            alignas(64) static int16_t block[16];
-            for (int i = 0; i < 16; i++) block[i] = static_cast<int16_t>(block_a()[i] - 128);
-            *result() = hadamard(block);
-        };
+    add_blocks(cases, hadamard_kernels(), 2, 0, [at](auto *hadamard, int32_t, int32_t) {
+        return [=] { *at.result = hadamard(at.samples); };
     });
-    add_blocks(cases, fill_kernels(), 0, 1, [](auto *fill, int32_t w, int32_t) {
-        return [=] { fill(target().data(), 0x11223344, w); };
+    add_blocks(cases, fill_kernels(), 0, 1, [at](auto *fill, int32_t w, int32_t) {
+        return [=] { fill(at.out, 0x11223344, w); };
     });
 }
 

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdio>
 #include <iostream>
+#include <limits>
 
 #include "cases.h"
 #include "commands.h"
@@ -12,30 +13,40 @@
 
 namespace {
 
-double seconds_of(const Form &form, int64_t times) {
-    const auto start = std::chrono::steady_clock::now();
-    form.run(times);
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+using Clock = std::chrono::steady_clock;
+
+double seconds_since(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-/** How many calls take long enough for the clock. */
+double seconds_of(const Form &form, int64_t times) {
+    const auto start = Clock::now();
+    form.run(times);
+    return seconds_since(start);
+}
+
+/** How many calls take long enough for the clock, even when nothing disturbs them. */
 int64_t calls_of(const Form &form) {
-    constexpr double LONG_ENOUGH = 0.002;
+    constexpr double LONG_ENOUGH = 0.0005;
     int64_t times = 1;
-    while (seconds_of(form, times) < LONG_ENOUGH) times *= 2;
+    while (std::min({seconds_of(form, times), seconds_of(form, times), seconds_of(form, times)}) <
+           LONG_ENOUGH)
+        times *= 2;
     return times;
 }
 
 /**
- * Nanoseconds of one call of each form: the least of several rounds, as whatever disturbs a round
+ * Nanoseconds of one call of each form: the least of many rounds, as whatever disturbs a round
  * makes it longer. Forms take turns, so that all see the same clock rate.
  */
 std::vector<double> nanoseconds_of(const std::vector<Form> &forms) {
-    constexpr int ROUNDS = 9;
+    constexpr int LEAST_ROUNDS = 9;
+    constexpr double SECONDS = 0.1;
     std::vector<int64_t> times;
     for (const Form &form : forms) times.push_back(calls_of(form));
-    std::vector<double> least(forms.size(), 1e30);
-    for (int round = 0; round < ROUNDS; round++)
+    std::vector<double> least(forms.size(), std::numeric_limits<double>::infinity());
+    const auto start = Clock::now();
+    for (int round = 0; round < LEAST_ROUNDS || seconds_since(start) < SECONDS; round++)
         for (size_t i = 0; i < forms.size(); i++)
             least[i] = std::min(
                 least[i], 1e9 * seconds_of(forms[i], times[i]) / static_cast<double>(times[i]));

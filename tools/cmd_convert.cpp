@@ -46,7 +46,7 @@ Planes read_frame(const CommonOptions &common, const ConvertOptions &options) {
     Progress progress("frames", common.quiet);
     do {
         frame = frames.next();
-        progress.step(media.progress());
+        progress.step((static_cast<double>(frames.index()) + 1) / (options.frame + 1.0));
     } while (frame && frames.index() < options.frame);
     media.throw_faults();
     if (!frame)

@@ -114,7 +114,7 @@ const Track &track_to_plot(const std::vector<Track> &tracks) {
 }
 
 /** The file's name without its folders, cut where it would not fit over a plot. */
-std::string title_of(const std::string &input) {
+std::string short_name(const std::string &input) {
     constexpr size_t LONGEST = 60;
     if (input == "-") return "standard input";
     const std::string name = std::filesystem::path(input).filename();
@@ -131,5 +131,5 @@ void probe(const CommonOptions &common, const std::string &plot) {
     if (common.json) print_json(tracks_json(common.input, tracks));
     if (common.talks(plot)) print_text(tracks);
     media.throw_faults();
-    if (file) plot_units(*file, title_of(common.input), track_to_plot(tracks));
+    if (file) plot_units(*file, short_name(common.input), track_to_plot(tracks));
 }

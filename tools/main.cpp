@@ -46,7 +46,8 @@ int main(int argc, char **argv) {
     Arguments arguments;
     const auto about_input = [&arguments](const char *reason) {
         const std::string &input = arguments.common.input;
-        return complain((input == "-" ? "standard input" : input) + ": " + reason, EXIT_FAILED);
+        const std::string head = input == "-" ? "standard input: " : input + ": ";
+        return complain((input.empty() ? "" : head) + reason, EXIT_FAILED);
     };
     try {
         return run(argc, argv, arguments);
