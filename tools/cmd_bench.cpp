@@ -42,8 +42,8 @@ int64_t calls_of(const Form &form) {
 std::vector<double> nanoseconds_of(const std::vector<Form> &forms) {
     constexpr int LEAST_ROUNDS = 9;
     constexpr double SECONDS = 0.1;
-    std::vector<int64_t> times;
-    for (const Form &form : forms) times.push_back(calls_of(form));
+    std::vector<int64_t> times(forms.size());
+    std::transform(forms.begin(), forms.end(), times.begin(), calls_of);
     std::vector<double> least(forms.size(), std::numeric_limits<double>::infinity());
     const auto start = Clock::now();
     for (int round = 0; round < LEAST_ROUNDS || seconds_since(start) < SECONDS; round++)

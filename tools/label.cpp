@@ -12,11 +12,13 @@ namespace {
 /** Sets the largest font that fits into the box; returns the extents of the text in it. */
 cairo_text_extents_t fit_font(cairo_t *cairo, const char *text, int width, int height) {
     cairo_text_extents_t extents;
+    const double room =
+        0.94 * width;  // glyphs may be wider than their extents by a part of a pixel
     double size = 0.8 * height;
     cairo_set_font_size(cairo, size);
     cairo_text_extents(cairo, text, &extents);
-    if (extents.width > width) {
-        size *= width / extents.width;
+    if (extents.width > room) {
+        size *= room / extents.width;
         cairo_set_font_size(cairo, size);
         cairo_text_extents(cairo, text, &extents);
     }
