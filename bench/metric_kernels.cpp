@@ -22,14 +22,6 @@ int32_t area_model(int32_t width, int32_t height, const uint8_t *a, const uint8_
     return Model(width, height, {a, b, stride_a, stride_b});
 }
 
-int32_t satd4x4_area(int32_t width, int32_t height, const Blocks &at) {
-    return tiles<4>(width, height, at, satd4x4);
-}
-
-int32_t satd8x8_area(int32_t width, int32_t height, const Blocks &at) {
-    return tiles<8>(width, height, at, satd8x8);
-}
-
 int32_t early_skip_model(int32_t width, int32_t height, const uint8_t *a, const uint8_t *b,
                          int32_t stride_a, int32_t stride_b, int32_t threshold) {
     return sad_eskip(width, height, {a, b, stride_a, stride_b}, threshold);
@@ -96,7 +88,7 @@ std::vector<BlockKernel<tavu_metric_block_t *>> block_kernels() {
 std::vector<BlockKernel<tavu_metric_area_t *>> area_kernels() {
     return {
         {"sad", 16, 64, area_model<sad_area>, variants<tavu_sad>()},
-        {"ssd", 64, 64, area_model<ssd_area<ModelRows>>, variants<tavu_ssd>()},
+        {"ssd", 64, 64, area_model<ssd_area>, variants<tavu_ssd>()},
         {"satd", 64, 64, area_model<satd4x4_area>, variants<tavu_satd>()},
         {"satd1", 64, 64, area_model<satd4x4_area>, variants<tavu_satd1>()},
         {"satd2", 64, 64, area_model<satd8x8_area>, variants<tavu_satd2>()},

@@ -120,6 +120,14 @@ TAVU_VEC_INLINE int32_t best_area(int32_t width, int32_t height, const Blocks &a
     return area(width, height, at.a, at.b, stride_a, stride_b);
 }
 
+TAVU_VEC_INLINE int32_t best_satd4x4_area(int32_t width, int32_t height, const Blocks &at) {
+    return best_area<satd4x4_band>(width, height, at);
+}
+
+TAVU_VEC_INLINE int32_t best_satd8x8_area(int32_t width, int32_t height, const Blocks &at) {
+    return best_area<satd8x8_band>(width, height, at);
+}
+
 #else
 
 int32_t best_hadamard4x4(const int16_t *block) {
@@ -130,17 +138,8 @@ int32_t best_hadamard4x4(const int16_t *block) {
 
 constexpr auto best_satd4x4 = satd4x4;
 constexpr auto best_satd8x8 = satd8x8;
-
-int32_t satd4x4_band(int32_t width, int32_t height, const Blocks &at) {
-    return tiles<4>(width, height, at, satd4x4);
-}
-
-int32_t satd8x8_band(int32_t width, int32_t height, const Blocks &at) {
-    return tiles<8>(width, height, at, satd8x8);
-}
-
-template <int32_t (*band)(int32_t, int32_t, const Blocks &)>
-constexpr auto best_area = band;
+constexpr auto best_satd4x4_area = satd4x4_area;
+constexpr auto best_satd8x8_area = satd8x8_area;
 
 #endif
 
@@ -151,8 +150,8 @@ using namespace tavu;
 
 TAVU_METRIC_BLOCK(tavu_satd4x4, best_satd4x4)
 TAVU_METRIC_BLOCK(tavu_satd8x8, best_satd8x8)
-TAVU_METRIC_AREA(tavu_satd, best_area<satd4x4_band>)
-TAVU_METRIC_AREA(tavu_satd1, best_area<satd4x4_band>)
-TAVU_METRIC_AREA(tavu_satd2, best_area<satd8x8_band>)
+TAVU_METRIC_AREA(tavu_satd, best_satd4x4_area)
+TAVU_METRIC_AREA(tavu_satd1, best_satd4x4_area)
+TAVU_METRIC_AREA(tavu_satd2, best_satd8x8_area)
 
 TAVU_KERNEL(int32_t, tavu_hadamard4x4, (const int16_t *block)) { return best_hadamard4x4(block); }

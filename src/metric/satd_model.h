@@ -77,6 +77,14 @@ int32_t tiles(int32_t width, int32_t height, const Blocks &at, int32_t (*satd)(c
     return sum;
 }
 
+inline int32_t satd4x4_area(int32_t width, int32_t height, const Blocks &at) {
+    return tiles<4>(width, height, at, satd4x4);
+}
+
+inline int32_t satd8x8_area(int32_t width, int32_t height, const Blocks &at) {
+    return tiles<8>(width, height, at, satd8x8);
+}
+
 }  // namespace
 }  // namespace tavu
 
