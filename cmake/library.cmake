@@ -74,7 +74,7 @@ function(tavu_objects name)
     POSITION_INDEPENDENT_CODE ON
     CXX_VISIBILITY_PRESET hidden)
   target_compile_options(${name} PRIVATE
-    -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-tree-vectorize)
+    -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-tree-vectorize -falign-functions=32)
   target_compile_definitions(${name} PRIVATE TAVU_SIMD=$<BOOL:${TAVU_SIMD}>)
 endfunction()
 
@@ -127,9 +127,21 @@ target_link_options(tavu PRIVATE
   -static-libgcc -Wl,--version-script=${map} -Wl,-z,relro,-z,now,-z,noexecstack
   -Wl,--no-undefined,--as-needed)
 
-add_library(tavu_static STATIC ${objects})
-set_target_properties(tavu_static PROPERTIES OUTPUT_NAME tavu)
+# The archive needs no C++ run-time library, but CMake would link whatever uses a target of C++ objects
+# as C++. Hence users see a target that has no language of its own.
+add_library(tavu_archive STATIC ${objects})
+set_target_properties(tavu_archive PROPERTIES OUTPUT_NAME tavu)
+add_library(tavu_static INTERFACE)
+set_target_properties(tavu_static PROPERTIES EXPORT_NAME static)
+target_link_libraries(tavu_static INTERFACE
+  $<BUILD_INTERFACE:$<TARGET_FILE:tavu_archive>>
+  $<INSTALL_INTERFACE:$<INSTALL_PREFIX>/${CMAKE_INSTALL_LIBDIR}/libtavu.a>)
+add_dependencies(tavu_static tavu_archive)
 
 foreach(library tavu tavu_static)
-  target_include_directories(${library} PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>)
+  target_include_directories(${library} INTERFACE
+    $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 endforeach()
+add_library(tavu::tavu ALIAS tavu)
+add_library(tavu::static ALIAS tavu_static)

@@ -1,0 +1,155 @@
+"""Installs the library, and uses it the ways that its users do: through find_package, pkg-config,
+add_subdirectory and FetchContent, from C and from C++, shared and static.
+
+usage: install_test.py (--build FOLDER | --prefix FOLDER) --source FOLDER
+                       [--toolchain FILE] [--cc COMMAND] [--cxx COMMAND] [--emulator COMMAND]
+"""
+
+import argparse
+import json
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+FLAGS_OF_THE_LIBRARY = re.compile(r"-fno-|-fvisibility|-fstack|-fcf|_FORTIFY|-march=x86|-W|-DTAVU")
+RUN_TIME_OF_CPP = re.compile(r"libstdc\+\+|libgcc_s|libm\.so")
+
+
+def command_line():
+    parser = argparse.ArgumentParser(usage=__doc__.split("usage: ", 1)[1])
+    for name in ("build", "prefix", "source", "toolchain"):
+        parser.add_argument("--" + name, type=lambda path: pathlib.Path(path).resolve())
+    for name, default in (("cc", "cc"), ("cxx", "c++"), ("emulator", "")):
+        parser.add_argument("--" + name, type=lambda text: re.split(r"[ ;]+", text.strip("; ")),
+                            default=[default] if default else [])
+    return parser.parse_args()
+
+
+ARGUMENTS = command_line()
+CONSUMER = pathlib.Path(__file__).parent.resolve() / "consumer"
+
+
+def run(*command, **environment):
+    done = subprocess.run([str(word) for word in command], capture_output=True, text=True,
+                          env=dict(os.environ, **environment), check=False)
+    if done.returncode:
+        raise AssertionError(f"{command} ended with {done.returncode}\n{done.stdout}{done.stderr}")
+    return done.stdout
+
+
+def files(folder):
+    return {path.relative_to(folder).as_posix() for path in folder.rglob("*") if not path.is_dir()}
+
+
+class Folder(unittest.TestCase):
+    """A test with a folder of its own."""
+
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp())
+        self.addCleanup(run, "rm", "-rf", self.folder)
+
+
+class Installed(Folder):
+    """A test of the prefix that was given, or of a new one that the build installs to."""
+
+    def setUp(self):
+        super().setUp()
+        self.prefix = ARGUMENTS.prefix
+        if not self.prefix:
+            self.prefix = self.folder / "prefix"
+            run("cmake", "--install", ARGUMENTS.build, "--prefix", self.prefix)
+        self.library = next(self.prefix.rglob("libtavu.so.1"))
+
+    def check(self, program, expected):
+        environment = {"LD_LIBRARY_PATH": str(self.library.parent)}
+        self.assertEqual(run(*ARGUMENTS.emulator, program, **environment), expected + "\n")
+        needs = run("readelf", "-dW", program)
+        if expected == "C":
+            self.assertNotRegex(needs, RUN_TIME_OF_CPP)
+        self.assertEqual("static" in program.name, "libtavu" not in needs)
+
+
+class PkgConfig(Installed):
+    def test_shared_and_static_from_both_languages(self):
+        settings = {"PKG_CONFIG_LIBDIR": str(self.library.parent / "pkgconfig")}
+        for language, compiler, standard in (("c", ARGUMENTS.cc, "c99"),
+                                             ("cpp", ARGUMENTS.cxx, "c++17")):
+            source = CONSUMER / f"consumer.{language}"
+            for kind, how, linking in (("shared", [], []), ("static", ["--static"], ["-static"])):
+                flags = run("pkg-config", *how, "--cflags", "--libs", "tavu", **settings).split()
+                program = self.folder / f"{kind}_{language}"
+                run(*compiler, f"-std={standard}", "-pedantic-errors", "-Wall", "-Werror", source,
+                    *flags, *linking, "-o", program)
+                self.check(program, "C" if language == "c" else "C++")
+
+
+class CMake(Installed):
+    def build_consumer(self, kind, *settings):
+        build = self.folder / kind
+        toolchain = [f"-DCMAKE_TOOLCHAIN_FILE={ARGUMENTS.toolchain}"] if ARGUMENTS.toolchain else []
+        run("cmake", "-S", CONSUMER, "-B", build, f"-DTAVU_FROM={kind}", *settings, *toolchain,
+            "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON", "--no-warn-unused-cli")
+        run("cmake", "--build", build, "--parallel", os.cpu_count())
+        for program in ("shared_c", "static_c", "shared_cpp", "static_cpp"):
+            self.check(build / program, "C++" if program.endswith("cpp") else "C")
+        for unit in json.loads((build / "compile_commands.json").read_text()):
+            if pathlib.Path(unit["file"]).parent == CONSUMER:
+                self.assertNotRegex(unit["command"], FLAGS_OF_THE_LIBRARY)
+        return build
+
+    def test_find_package(self):
+        self.build_consumer("package", f"-Dtavu_DIR={self.library.parent}/cmake/tavu")
+
+    @unittest.skipIf(ARGUMENTS.prefix, "the installed files alone count")
+    def test_sources_in_the_consumers_own_build(self):
+        for kind in ("subdirectory", "fetch"):
+            build = self.build_consumer(kind, f"-DTAVU_SOURCE={ARGUMENTS.source}", "-DTAVU_SIMD=OFF")
+            run("cmake", "--install", build, "--prefix", self.folder / kind / "prefix")
+            self.assertEqual(files(self.folder / kind / "prefix"), set())
+            self.assertNotIn("BUILD_TESTING", (build / "CMakeCache.txt").read_text())
+
+
+@unittest.skipIf(ARGUMENTS.prefix, "packages hold components already")
+class Components(Folder):
+    def test_each_file_is_in_the_component_of_its_use(self):
+        run("cmake", "--install", ARGUMENTS.build, "--prefix", self.folder / "all")
+        left = files(self.folder / "all")
+        for component, pattern in (("Runtime", r"lib/libtavu\.so\.\d.*"),
+                                   ("Tools", r"bin/tavu|share/(man/man1|bash-completion)/.*"),
+                                   ("Development", r"include/.*|lib/.*|share/man/man3/.*")):
+            run("cmake", "--install", ARGUMENTS.build, "--prefix", self.folder / component,
+                "--component", component)
+            held = files(self.folder / component)
+            self.assertFalse([name for name in held if not re.fullmatch(pattern, name)])
+            self.assertLessEqual(held, left)
+            left -= held
+        self.assertEqual(left, set())
+
+
+class Version(Installed):
+    def test_one_version_everywhere(self):
+        version = re.search(r"project\(tavu VERSION (\S+)",
+                            (ARGUMENTS.source / "CMakeLists.txt").read_text()).group(1)
+        major = version.split(".", maxsplit=1)[0]
+        debian, changes = ((ARGUMENTS.source / name).read_text()
+                           for name in ("debian/changelog", "CHANGELOG.md"))
+        self.assertTrue(debian.startswith(f"libtavu ({version}) "))
+        self.assertEqual(re.search(r"^## (\S+)", changes, flags=re.M).group(1), version)
+        self.assertIn(f"libtavu.so.{major} libtavu{major} ",
+                      (ARGUMENTS.source / f"debian/libtavu{major}.symbols").read_text())
+        self.assertEqual(self.library.resolve().name, f"libtavu.so.{version}")
+        self.assertIn(f"soname: [libtavu.so.{major}]", run("readelf", "-dW", self.library))
+        settings = {"PKG_CONFIG_LIBDIR": str(self.library.parent / "pkgconfig")}
+        self.assertEqual(run("pkg-config", "--modversion", "tavu", **settings).strip(), version)
+        if (self.prefix / "bin/tavu").exists():
+            environment = {"LD_LIBRARY_PATH": str(self.library.parent)}
+            self.assertEqual(run(self.prefix / "bin/tavu", "--version", **environment).split()[-1],
+                             version)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
