@@ -22,7 +22,7 @@ RUN_TIME_OF_CPP = re.compile(r"libstdc\+\+|libgcc_s|libm\.so")
 def command_line():
     parser = argparse.ArgumentParser(usage=__doc__.split("usage: ", 1)[1])
     for name in ("build", "prefix", "source", "toolchain"):
-        parser.add_argument("--" + name, type=lambda path: pathlib.Path(path).resolve())
+        parser.add_argument("--" + name, type=lambda path: path and pathlib.Path(path).resolve())
     for name, default in (("cc", "cc"), ("cxx", "c++"), ("emulator", "")):
         parser.add_argument("--" + name, type=lambda text: re.split(r"[ ;]+", text.strip("; ")),
                             default=[default] if default else [])
@@ -107,7 +107,8 @@ class CMake(Installed):
     @unittest.skipIf(ARGUMENTS.prefix, "the installed files alone count")
     def test_sources_in_the_consumers_own_build(self):
         for kind in ("subdirectory", "fetch"):
-            build = self.build_consumer(kind, f"-DTAVU_SOURCE={ARGUMENTS.source}", "-DTAVU_SIMD=OFF")
+            build = self.build_consumer(kind, f"-DTAVU_SOURCE={ARGUMENTS.source}", "-DTAVU_SIMD=OFF",
+                                        "-DCMAKE_BUILD_TYPE=Debug")
             run("cmake", "--install", build, "--prefix", self.folder / kind / "prefix")
             self.assertEqual(files(self.folder / kind / "prefix"), set())
             self.assertNotIn("BUILD_TESTING", (build / "CMakeCache.txt").read_text())
