@@ -1,16 +1,19 @@
-# What distributions put into released code against exploits. The block metrics come out with the same
-# instructions as without, resizing with a check per row. Marks for indirect jumps (-fcf-protection=full)
-# are left out, an instruction at the start of every routine that no Linux makes use of in programs;
-# "return" marks the code as fit for shadow stacks and adds none.
+# What distributions put into released code against exploits. Block metrics come out with the same
+# instructions as without, the resizing routines with a check of the stack each. Left out are marks for
+# indirect jumps (-fcf-protection=full): an instruction at the start of every routine that no Linux
+# makes use of in programs. "return" marks the code as fit for shadow stacks and adds none.
 option(TAVU_HARDENING "Optimised builds: stack protector, checked calls of the C library" ON)
 
-if(TAVU_HARDENING)
+function(tavu_harden target)
+  if(NOT TAVU_HARDENING)
+    return()
+  endif()
   set(optimised $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
-  add_compile_options(
+  target_compile_options(${target} PRIVATE
     "$<${optimised}:-fstack-protector-strong;-fstack-clash-protection>"
     "$<${optimised}:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
   if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$")
-    add_compile_options($<${optimised}:-fcf-protection=return>)
+    target_compile_options(${target} PRIVATE $<${optimised}:-fcf-protection=return>)
   endif()
-  add_link_options($<${optimised}:-Wl,-z,relro,-z,now>)
-endif()
+  target_link_options(${target} PRIVATE $<${optimised}:-Wl,-z,relro,-z,now>)
+endfunction()
