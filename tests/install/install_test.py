@@ -24,7 +24,7 @@ def command_line():
     for name in ("build", "prefix", "source", "toolchain"):
         parser.add_argument("--" + name, type=lambda path: path and pathlib.Path(path).resolve())
     for name, default in (("cc", "cc"), ("cxx", "c++"), ("emulator", "")):
-        parser.add_argument("--" + name, type=lambda text: re.split(r"[ ;]+", text.strip("; ")),
+        parser.add_argument("--" + name, type=lambda text: text.replace(";", " ").split(),
                             default=[default] if default else [])
     return parser.parse_args()
 
