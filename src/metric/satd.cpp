@@ -22,11 +22,10 @@ TAVU_VEC_INLINE int32_t best_satd4x4(const Blocks &at) { return satd4x4_register
 
 TAVU_VEC_INLINE int32_t best_satd8x8(const Blocks &at) { return satd8x8_registers(at); }
 
-// Takes Columns x Rows samples at a time, in strips from top to bottom: add(sum, strip) moves on. There
-// is at least one row.
+// Takes Columns x Rows samples at a time, in strips from top to bottom: add(sum, strip) moves on.
 template <class Sum, int Columns, int Rows, class Add>
 TAVU_VEC_INLINE int32_t whole_registers(int32_t width, int32_t height, Blocks at, Add add) {
-    if (width <= 0) return 0;
+    if (width <= 0 || height <= 0) return 0;
     const uint32_t tiles = (static_cast<uint32_t>(height) + Rows - 1) / Rows;
     uint32_t strips = static_cast<uint32_t>(width) / Columns;
     Sum sum = Sum::zero();
@@ -111,13 +110,16 @@ __attribute__((noinline)) int32_t by_bands(int32_t width, int32_t height, const 
     return static_cast<int32_t>(sum);
 }
 
-// Pictures go by bands of rows, for a strip down a whole picture would touch a page with every row.
+// Pictures go by bands of rows, for a strip down a whole picture would touch a page with every row. On
+// 32-bit ARM the choice would cost a small area more than its sum.
 template <tavu_metric_area_t *band>
 TAVU_VEC_INLINE int32_t best_area(int32_t width, int32_t height, const Blocks &at) {
     const auto stride_a = static_cast<int32_t>(at.stride_a);
     const auto stride_b = static_cast<int32_t>(at.stride_b);
-    tavu_metric_area_t *area = static_cast<uint32_t>(height) - 1 < BAND ? band : by_bands<band>;
-    return area(width, height, at.a, at.b, stride_a, stride_b);
+#if !defined(__arm__)
+    if (height > BAND) return by_bands<band>(width, height, at.a, at.b, stride_a, stride_b);
+#endif
+    return band(width, height, at.a, at.b, stride_a, stride_b);
 }
 
 TAVU_VEC_INLINE int32_t best_satd4x4_area(int32_t width, int32_t height, const Blocks &at) {

@@ -120,7 +120,7 @@ class Components(Folder):
         run("cmake", "--install", ARGUMENTS.build, "--prefix", self.folder / "all")
         left = files(self.folder / "all")
         for component, pattern in (("Runtime", r"lib/libtavu\.so\.\d.*"),
-                                   ("Tools", r"bin/tavu|share/(man/man1|bash-completion)/.*"),
+                                   ("Tools", r"bin/tavu|share/(man/man1|bash-completion|zsh)/.*"),
                                    ("Development", r"include/.*|lib/.*|share/man/man3/.*")):
             run("cmake", "--install", ARGUMENTS.build, "--prefix", self.folder / component,
                 "--component", component)
@@ -148,7 +148,7 @@ class Version(Installed):
         self.assertEqual(run("pkg-config", "--modversion", "tavu", **settings).strip(), version)
         if (self.prefix / "bin/tavu").exists():
             environment = {"LD_LIBRARY_PATH": str(self.library.parent)}
-            self.assertEqual(run(self.prefix / "bin/tavu", "--version", **environment).split()[-1],
+            self.assertEqual(run(self.prefix / "bin/tavu", "--version", **environment).split()[1],
                              version)
 
 
