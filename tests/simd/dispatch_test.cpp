@@ -1,0 +1,64 @@
+// The dynamic linker binds every kernel to the highest level that the processor has. The processor is
+// asked here by the compiler's own means, not as the library asks it.
+#include <cpuid.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+
+#include "kernels.h"
+#include "resize_kernels.h"
+
+namespace {
+
+bool has_v3() {
+    unsigned a, b, features, extended, d;
+    if (__get_cpuid(1, &a, &b, &features, &d) == 0) return false;
+    if (__get_cpuid(0x80000001, &a, &b, &extended, &d) == 0) return false;
+    return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") &&
+           __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2") &&
+           (features & bit_F16C) != 0 && (features & bit_MOVBE) != 0 && (extended & bit_LZCNT) != 0;
+}
+
+bool has_v4() {
+    return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+           __builtin_cpu_supports("avx512cd") && __builtin_cpu_supports("avx512dq") &&
+           __builtin_cpu_supports("avx512vl");
+}
+
+// For runs under an emulator, which knows what it emulates.
+int processor_level() {
+    if (const char *expected = std::getenv("TAVU_EXPECTED_LEVEL")) return std::atoi(expected);
+    return !has_v3() ? 2 : has_v4() ? 4 : 3;
+}
+
+template <class Routine>
+std::string bound_level(const std::vector<Variant<Routine>> &variants) {
+    const auto bound = std::find_if(variants.begin() + 1, variants.end(), [&](const auto &variant) {
+        return variant.run == variants[0].run;
+    });
+    return bound == variants.end() ? "none" : bound->level;
+}
+
+std::string level_name(int level) { return "v" + std::to_string(level); }
+
+TEST(Dispatch, BindsKernelsOfTwoLevels) {
+    const std::string expected = level_name(std::min(processor_level(), 3));
+    for (const auto &kernels : {csc_kernels(), csc_rsz_kernels()}) {
+        for (const CscKernel &kernel : kernels) {
+            EXPECT_EQ(bound_level(kernel.variants), expected) << kernel.name;
+        }
+    }
+    EXPECT_EQ(bound_level(variants<tavu_irsz8b_full>()), expected);
+}
+
+TEST(Dispatch, BindsKernelsOfThreeLevels) {
+    const std::string expected = level_name(processor_level());
+    EXPECT_EQ(bound_level(variants<tavu_sad16x16>()), expected);
+    EXPECT_EQ(bound_level(variants<tavu_ssd>()), expected);
+    EXPECT_EQ(bound_level(variants<tavu_satd2>()), expected);
+    EXPECT_EQ(bound_level(variants<tavu_diff>()), expected);
+}
+
+}  // namespace

@@ -1,0 +1,177 @@
+// Routines keep the registers that a caller may hold values in: r4 to r11 and d8 to d15. Compilers see
+// to that for what they know; instructions written by hand must tell them.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <type_traits>
+
+#include "kernels.h"
+#include "memory.h"
+#include "resize_kernels.h"
+
+namespace {
+
+constexpr int WORDS = 12;  // as many arguments as any routine takes
+using Arguments = std::array<uint32_t, WORDS>;
+
+// r4 to r11, then d8 to d15.
+using Marks = std::array<uint32_t, 8 + 16>;
+
+// Calls the routine with four words in registers and the rest on the stack. The marks are in the
+// registers before, and what the registers hold afterwards is written over them.
+extern "C" __attribute__((naked)) void call_with_marks(const void * /*routine*/,
+                                                       const uint32_t * /*arguments*/,
+                                                       uint32_t * /*marks*/) {
+    __asm__(
+        ".syntax unified\n"
+        "push {r4-r11, lr}\n"
+        "vpush {d8-d15}\n"
+        "sub sp, sp, #36\n"
+        "str r2, [sp, #32]\n"
+        "mov r12, r0\n"
+        "mov lr, r1\n"
+        "add r1, r1, #16\n"
+        "ldm r1, {r4-r11}\n"
+        "stm sp, {r4-r11}\n"
+        "ldm r2!, {r4-r11}\n"
+        "vldm r2, {d8-d15}\n"
+        "ldm lr, {r0-r3}\n"
+        "blx r12\n"
+        "ldr r12, [sp, #32]\n"
+        "stm r12!, {r4-r11}\n"
+        "vstm r12, {d8-d15}\n"
+        "add sp, sp, #36\n"
+        "vpop {d8-d15}\n"
+        "pop {r4-r11, pc}\n");
+}
+
+template <class Argument>
+uint32_t word(Argument argument) {
+    if constexpr (std::is_pointer_v<Argument>) {
+        return reinterpret_cast<uintptr_t>(argument);
+    } else {
+        static_assert(sizeof argument <= sizeof(uint32_t));
+        return static_cast<uint32_t>(argument);
+    }
+}
+
+template <class Result, class... Parameters>
+bool keeps_registers(Result (*routine)(Parameters...),
+                     std::common_type_t<Parameters>... arguments) {
+    static_assert(sizeof...(arguments) <= WORDS);
+    const Arguments words = {word(arguments)...};
+    Marks marks;
+    for (size_t i = 0; i < marks.size(); i++) marks[i] = 0x9E3779B9U * static_cast<uint32_t>(i + 1);
+    const Marks before = marks;
+    call_with_marks(reinterpret_cast<const void *>(routine), words.data(), marks.data());
+    return marks == before;
+}
+
+constexpr int W = 75, H = 6;  // whole registers and every kind of remainder
+constexpr int STRIDE = 512;
+
+class Registers : public testing::Test {
+  protected:
+    Bytes source = random_bytes(STRIDE * 80, 1);
+    Bytes target = random_bytes(STRIDE * 80, 2);
+    const uint8_t *a = source.data(), *b = target.data();
+};
+
+extern "C" __attribute__((naked)) void spoil_r7() { __asm__("mov r7, #0\n bx lr\n"); }
+extern "C" __attribute__((naked)) void spoil_d11() { __asm__("vmov.i8 d11, #0\n bx lr\n"); }
+
+TEST_F(Registers, SpoiledOnesAreSeen) {
+    EXPECT_FALSE(keeps_registers(spoil_r7));
+    EXPECT_FALSE(keeps_registers(spoil_d11));
+}
+
+TEST_F(Registers, KeptByConversions) {
+    for (const auto &kernels : {csc_kernels(), csc_rsz_kernels()}) {
+        for (const CscKernel &kernel : kernels) {
+            uint8_t *src[4], *dst[4];
+            int32_t stride[4] = {STRIDE, STRIDE, STRIDE, STRIDE};
+            for (int p = 0; p < 4; p++) {
+                src[p] = source.data() + p * 8 * STRIDE;
+                dst[p] = target.data() + p * 16 * STRIDE;
+            }
+            for (const int32_t code : kernel.codes) {
+                EXPECT_TRUE(keeps_registers(kernel.variants[0].run, src, W, H, stride, 13, dst,
+                                            W - 4, H + 1, stride, code))
+                    << kernel.name;
+            }
+        }
+    }
+}
+
+TEST_F(Registers, KeptByResizes) {
+    for (const ResizeKernel &kernel : resize_kernels()) {
+        const auto &variant = kernel.variants[0];
+        const uint8_t *rows[] = {a, a + STRIDE};
+        for (const int dst_w : {W, W / 2, W / 3, W + 20}) {
+            int32_t x, y;
+            bilinear_rsz_step_size(W, 2 * H, dst_w, H, &x, &y);
+            EXPECT_TRUE(keeps_registers(variant.full, a, STRIDE / kernel.line_unit, dst_w, H,
+                                        STRIDE / kernel.line_unit, target.data(), x, y))
+                << kernel.name << ' ' << dst_w;
+            EXPECT_TRUE(keeps_registers(variant.line, rows, tavu_irsz_tbl_rsz_weight, dst_w, x & 7,
+                                        1 << (x & 7), x >> 3, target.data()))
+                << kernel.name << ' ' << dst_w;
+        }
+    }
+}
+
+TEST_F(Registers, KeptByMetrics) {
+    tavu_metric_block_t *const blocks[] = {
+        tavu_sad2x2,   tavu_sad2x4,   tavu_sad4x2,   tavu_sad4x4,   tavu_sad4x8,   tavu_sad8x4,
+        tavu_sad8x8,   tavu_sad8x16,  tavu_sad16x8,  tavu_sad16x16, tavu_sad16x32, tavu_sad32x16,
+        tavu_sad32x32, tavu_sad64x32, tavu_sad32x64, tavu_sad64x64, tavu_satd4x4,  tavu_satd8x8};
+    for (auto *metric : blocks) EXPECT_TRUE(keeps_registers(metric, a, b, STRIDE, STRIDE));
+    for (auto *metric : {tavu_sad, tavu_ssd, tavu_satd, tavu_satd1, tavu_satd2}) {
+        for (const int width : {4, 8, 16, 32, 64}) {
+            EXPECT_TRUE(keeps_registers(metric, width, 16, a, b, STRIDE, STRIDE)) << width;
+        }
+    }
+    EXPECT_TRUE(keeps_registers(tavu_sad_eskip, 64, 16, a, b, STRIDE, STRIDE, INT32_MAX));
+    const auto *samples = reinterpret_cast<const int16_t *>(a);
+    EXPECT_TRUE(keeps_registers(tavu_hadamard4x4, samples));
+    std::array<int16_t, STRIDE * 64> residual;
+    for (auto *diff : {tavu_diff2x2, tavu_diff4x4, tavu_diff8x8, tavu_diff16x16, tavu_diff32x32,
+                       tavu_diff64x64}) {
+        EXPECT_TRUE(keeps_registers(diff, a, b, STRIDE, STRIDE, STRIDE, residual.data()));
+    }
+    EXPECT_TRUE(keeps_registers(tavu_diff, W, H, a, b, STRIDE, STRIDE, STRIDE, residual.data()));
+}
+
+TEST_F(Registers, KeptByFillsCopiesAndBorders) {
+    uint8_t *dst = target.data();
+    constexpr int SIZE = 1000;  // multiple of 8 only
+    for (auto *fill : {tavu_mset_x128, tavu_mset_x32, tavu_mset_x32ax4}) {
+        EXPECT_TRUE(keeps_registers(fill, dst, 0x01020304U, SIZE));
+    }
+    EXPECT_TRUE(keeps_registers(tavu_mset_x64, dst, 7, SIZE));
+    EXPECT_TRUE(keeps_registers(tavu_mset_x64a, dst, 7, SIZE + 3));
+    EXPECT_TRUE(keeps_registers(tavu_mclr_x64, dst, 128));
+    EXPECT_TRUE(keeps_registers(tavu_mcpy_pic, dst, a, STRIDE, STRIDE, W, H));
+    EXPECT_TRUE(keeps_registers(tavu_mcpy_pic, dst, a, W, W, W, H));
+    for (const int width : {2, 4, 6, 8, 12, 16, 24}) {
+        EXPECT_TRUE(keeps_registers(tavu_mcpy_blk, dst, a, STRIDE, STRIDE, width, 8)) << width;
+    }
+    for (const int width : {1, 8, 16, 32, W}) {
+        EXPECT_TRUE(keeps_registers(tavu_imgb_expand_ver, a, dst, 8, STRIDE, width)) << width;
+        EXPECT_TRUE(keeps_registers(tavu_imgb_expand_hor, a, dst, width, 8)) << width;
+    }
+}
+
+TEST_F(Registers, KeptByScansAndDigests) {
+    for (const int32_t codec : {TAVU_MT_VID_H264, TAVU_MT_VID_MPEG4, TAVU_MT_VID_H263}) {
+        source.assign(source.size(), 0x40);
+        EXPECT_TRUE(keeps_registers(tavu_is_vkeyfrm, codec, a, STRIDE));
+    }
+    tavu_md5_t md5;
+    uint8_t digest[16];
+    EXPECT_TRUE(keeps_registers(tavu_md5_init, &md5));
+    EXPECT_TRUE(keeps_registers(tavu_md5_update, &md5, a, 1000U));
+    EXPECT_TRUE(keeps_registers(tavu_md5_finish, &md5, digest));
+}
+
+}  // namespace
