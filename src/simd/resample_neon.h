@@ -23,7 +23,7 @@ TAVU_VEC_INLINE void store_halves(uint8_t *p, U16x8 low, U16x8 high) {
 template <int Windows>
 struct Taps {
     static constexpr int MASKS = (Windows + 1) / 2;
-    uint8_t mask[MASKS][LANES];
+    uint8_t mask[size_t{MASKS}][LANES];
     uint8_t weight[LANES];
     int32_t offset[1];
 };

@@ -23,7 +23,7 @@ TAVU_VEC_INLINE U16x8 narrow32(I32x4 x, I32x4 y) {
 // their indices have the upper bit set: from 16 on by the sum, below 0 by its saturation.
 template <int Windows>
 struct Taps {
-    uint8_t mask[Windows][LANES];
+    uint8_t mask[size_t{Windows}][LANES];
     uint8_t weight[LANES];
     int32_t offset[LANES / 16];
 };
@@ -33,22 +33,18 @@ TAVU_VEC_INLINE void set_taps(Taps<Windows> &taps, int group, U16x8 left, U16x8 
     const __m128i pairs = as<__m128i>((left & 0xFF) | right << 8);
     for (int w = 0; w < Windows; w++) {
         const __m128i index = _mm_sub_epi8(pairs, _mm_set1_epi8(static_cast<char>(w * WINDOW)));
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(taps.mask[w] + 16 * group),
-                         _mm_adds_epu8(index, _mm_set1_epi8(0x70)));
+        store_register(taps.mask[w] + 16 * group, _mm_adds_epu8(index, _mm_set1_epi8(0x70)));
     }
 }
 
-TAVU_VEC_INLINE void set_weights(uint8_t *p, U16x8 a) {
-    _mm_storeu_si128(reinterpret_cast<__m128i *>(p), as<__m128i>((8 - a) | a << 8));
-}
+TAVU_VEC_INLINE void set_weights(uint8_t *p, U16x8 a) { store_register(p, (8 - a) | a << 8); }
 
 // A window for every group.
 TAVU_VEC_INLINE Register load_windows(const uint8_t *first,
                                       [[maybe_unused]] const uint8_t *second) {
-    const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i *>(first));
+    const __m128i low = load_register<__m128i>(first);
 #if defined(__AVX2__)
-    return _mm256_inserti128_si256(_mm256_castsi128_si256(low),
-                                   _mm_loadu_si128(reinterpret_cast<const __m128i *>(second)), 1);
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(low), load_register<__m128i>(second), 1);
 #else
     return low;
 #endif
@@ -133,9 +129,7 @@ TAVU_VEC_INLINE I16 round_shift8(I16 v) {
     return as<I16>(TAVU_MM(mulhrs_epi16)(as<Register>(v), as<Register>(I16{} + 128)));
 }
 
-TAVU_VEC_INLINE U16 load16(const uint16_t *p) {
-    return as<U16>(load_register(reinterpret_cast<const uint8_t *>(p)));
-}
+TAVU_VEC_INLINE U16 load16(const uint16_t *p) { return as<U16>(load_register(p)); }
 
 TAVU_VEC_INLINE void store16(uint16_t *p, U16 v) {
     store_register(reinterpret_cast<uint8_t *>(p), as<Register>(v));

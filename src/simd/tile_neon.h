@@ -290,11 +290,11 @@ class MagnitudeSum {
         sum_ = empty_ ? vpaddlq_u16(u) : vpadalq_u16(sum_, u);
         empty_ = false;
     }
-    template <int M>
+    template <size_t M>
     TAVU_VEC_INLINE void add_pairs(const I16 (&v)[M]) {
         I16 maxima = I16{};
 #pragma GCC unroll 8
-        for (int i = 0; i < M; i += 2) {
+        for (size_t i = 0; i < M; i += 2) {
             const int16x8x2_t pairs = vtrnq_s16(v[i], v[i + 1]);
             const I16 m = larger(pairs.val[0], pairs.val[1]);
             maxima = i == 0 ? m : maxima + m;

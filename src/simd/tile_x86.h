@@ -37,14 +37,13 @@ TAVU_VEC_INLINE int32_t load4(const uint8_t *p) {
     return v;
 }
 
-TAVU_VEC_INLINE __m128i load8(const uint8_t *p) {
-    return _mm_loadl_epi64(reinterpret_cast<const __m128i *>(p));
-}
+TAVU_VEC_INLINE __m128i load8(const uint8_t *p) { return _mm_loadu_si64(p); }
 
 // Two rows of 8 bytes.
 TAVU_VEC_INLINE __m128i load8_twice(const uint8_t *p, ptrdiff_t stride) {
+    const void *below = p + stride;
     return _mm_castps_si128(
-        _mm_loadh_pi(_mm_castsi128_ps(load8(p)), reinterpret_cast<const __m64 *>(p + stride)));
+        _mm_loadh_pi(_mm_castsi128_ps(load8(p)), static_cast<const __m64 *>(below)));
 }
 
 template <int N, int W>
@@ -135,7 +134,7 @@ TAVU_VEC_INLINE void running_totals(const AbsSum<N> (&sums)[4], int32_t *totals)
     __m128i v = _mm_castps_si128(_mm_shuffle_ps(low, high, 0x88));
     v = _mm_add_epi32(v, _mm_slli_si128(v, 4));
     v = _mm_add_epi32(v, _mm_slli_si128(v, 8));
-    _mm_storeu_si128(reinterpret_cast<__m128i *>(totals), v);
+    store_register(totals, v);
 }
 
 template <class R>
@@ -352,11 +351,11 @@ class MagnitudeSum {
             Isa<N>::add_epi32(sum_, Isa<N>::madd_epi16(v, constant<Words<N>>(TILE_CONSTANTS.ones)));
     }
     // The maxima gather in the even lanes, of which alone the sum is taken.
-    template <int M>
+    template <size_t M>
     TAVU_VEC_INLINE void add_pairs(const Words<N> (&v)[M]) {
         Words<N> maxima{};
 #pragma GCC unroll 8
-        for (int i = 0; i < M; i++) {
+        for (size_t i = 0; i < M; i++) {
             const Words<N> pair = Isa<N>::max_epi16(v[i], Isa<N>::odd_to_even(v[i]));
             maxima = i == 0 ? pair : Isa<N>::add_epi16(maxima, pair);
         }

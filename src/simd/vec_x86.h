@@ -7,6 +7,8 @@
 
 #include <immintrin.h>
 
+#include <cstring>
+
 namespace tavu {
 namespace {
 
@@ -35,21 +37,18 @@ TAVU_VEC_INLINE To as(From v) {
     return reinterpret_cast<To>(v);
 }
 
-#if defined(__AVX2__)
-TAVU_VEC_INLINE Register load_register(const uint8_t *p) {
-    return _mm256_loadu_si256(reinterpret_cast<const Register *>(p));
+// Registers from and to memory of any alignment.
+template <class R = Register>
+TAVU_VEC_INLINE R load_register(const void *p) {
+    R v;
+    memcpy(&v, p, sizeof v);
+    return v;
 }
-TAVU_VEC_INLINE void store_register(uint8_t *p, Register v) {
-    _mm256_storeu_si256(reinterpret_cast<Register *>(p), v);
+
+template <class R>
+TAVU_VEC_INLINE void store_register(void *p, R v) {
+    memcpy(p, &v, sizeof v);
 }
-#else
-TAVU_VEC_INLINE Register load_register(const uint8_t *p) {
-    return _mm_loadu_si128(reinterpret_cast<const Register *>(p));
-}
-TAVU_VEC_INLINE void store_register(uint8_t *p, Register v) {
-    _mm_storeu_si128(reinterpret_cast<Register *>(p), v);
-}
-#endif
 
 TAVU_VEC_INLINE U8 load(const uint8_t *&p) {
     const U8 v = as<U8>(load_register(p));
