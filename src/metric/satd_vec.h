@@ -35,7 +35,7 @@ TAVU_VEC_INLINE int32_t satd4x4_registers(Blocks at) {
 template <int N>
 TAVU_VEC_INLINE void add_satd4x4(MagnitudeSum<N> &sum, Blocks &at) {
     constexpr int R = COLUMN_REGISTERS<N>;
-    Words<N> v[4 * R];
+    Words<N> v[size_t{4 * R}];
 #pragma GCC unroll 4
     for (int y = 0; y < 4; y++) {
         load_butterflies<N>(at.a, at.stride_a, at.b, at.stride_b, v + y * R);
@@ -142,7 +142,7 @@ TAVU_VEC_INLINE int32_t satd8x8_registers(Blocks at) {
     if constexpr (N == 16) {
         add_satd8x8(sum, at);
     } else {
-        Words<N> v[128 / N];
+        Words<N> v[size_t{128 / N}];
 #pragma GCC unroll 4
         for (auto &row : v) row = load_stacked_difference(at.a, at.stride_a, at.b, at.stride_b);
         transform_rows(v);
