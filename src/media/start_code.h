@@ -49,7 +49,7 @@ bool is_start(const uint8_t *p) {
 template <class Kind, int Vectors>
 TAVU_VEC_INLINE bool find_in_block(const uint8_t **p) {
     const uint8_t *first = *p, *second = first + 1, *third = first + 2;
-    U8 rest[Vectors], least;
+    U8 rest[size_t{Vectors}], least;
 #pragma GCC unroll 4
     for (int i = 0; i < Vectors; i++) {
         const U8 zeros = load(first) | load(second);
