@@ -132,9 +132,8 @@ TEST_F(Registers, KeptByMetrics) {
         }
     }
     EXPECT_TRUE(keeps_registers(tavu_sad_eskip, 64, 16, a, b, STRIDE, STRIDE, INT32_MAX));
-    const auto *samples = reinterpret_cast<const int16_t *>(a);
-    EXPECT_TRUE(keeps_registers(tavu_hadamard4x4, samples));
-    std::array<int16_t, STRIDE * 64> residual;
+    std::array<int16_t, STRIDE * 64> residual{};
+    EXPECT_TRUE(keeps_registers(tavu_hadamard4x4, residual.data()));
     for (auto *diff : {tavu_diff2x2, tavu_diff4x4, tavu_diff8x8, tavu_diff16x16, tavu_diff32x32,
                        tavu_diff64x64}) {
         EXPECT_TRUE(keeps_registers(diff, a, b, STRIDE, STRIDE, STRIDE, residual.data()));
