@@ -60,7 +60,8 @@ void fill_bytes(uint8_t *dst, int32_t value, int32_t size) {
 }
 
 void fill_words(uint8_t *dst, int32_t value, int32_t size) {
-    wmemset(reinterpret_cast<wchar_t *>(dst), value, static_cast<size_t>(size) / sizeof(wchar_t));
+    wmemset(static_cast<wchar_t *>(static_cast<void *>(dst)), value,
+            static_cast<size_t>(size) / sizeof(wchar_t));
 }
 
 void clear(uint8_t *dst, int32_t, int32_t size) { memset(dst, 0, static_cast<size_t>(size)); }

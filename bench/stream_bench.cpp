@@ -97,7 +97,7 @@ std::vector<uint32_t> make_symbols(size_t count) {
     for (uint32_t &s : symbols) {
         unsigned bits = 0;
         while (bits < 15 && random() % 2 == 0) bits++;
-        s = (1U << bits) - 1 + random() % (1U << bits);
+        s = (1U << bits) - 1 + static_cast<uint32_t>(random()) % (1U << bits);
     }
     return symbols;
 }
@@ -200,7 +200,7 @@ void add_bits() {
 }  // namespace
 
 void add_stream_rows() {
-    for (const size_t size : {64, 1500, 1 << 20}) add_md5(size);
+    for (const size_t size : {64U, 1500U, 1U << 20}) add_md5(size);
     const Bytes idr{0, 0, 1, 0x65}, idr_hevc{0, 0, 1, 0x26}, vop{0, 0, 1, 0xB6, 0x10};
     add_scan("h264", TAVU_MT_VID_H264, 1, idr);
     add_scan("h264", TAVU_MT_VID_H264, 25, idr);
