@@ -21,13 +21,13 @@ struct Reader : tavu_bsr_t {
 TEST(Bsr, FixedWidthReadsFollowTheBits) {
     std::mt19937 random(1);
     for (int round = 0; round < 300; round++) {
-        const Bytes bytes = random_bytes(20 + random() % 40, random());
+        const Bytes bytes = random_bytes(20 + random() % 40, static_cast<unsigned>(random()));
         const std::string bits = unpack(bytes);
         Reader r(bytes);
         for (size_t at = 0; at + 64 <= bits.size();) {
             const size_t n = random() % 33, m = random() % 33, to_byte = (8 - at % 8) % 8;
             const auto size = static_cast<int32_t>(n), size2 = static_cast<int32_t>(m);
-            const unsigned operation = random() % 6;
+            const unsigned operation = static_cast<unsigned>(random() % 6);
             int32_t dropped = static_cast<int32_t>(to_byte);
             uint32_t got = 0, expected = 0;
             size_t consumed = n;

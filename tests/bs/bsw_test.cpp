@@ -45,7 +45,7 @@ TEST(Bsw, WhatIsWrittenIsReadBack) {
         };
         std::vector<Code> codes;
         for (int i = 0; i < 400; i++) {
-            const unsigned kind = random() % KINDS;
+            const unsigned kind = static_cast<unsigned>(random() % KINDS);
             const auto length = static_cast<int32_t>(random() % 33);
             const auto any = static_cast<uint32_t>(random());
             const auto small = static_cast<int32_t>((any & 0xFFFF) >> random() % 16 >> 1);

@@ -98,7 +98,7 @@ TEST(List, FollowsTheModel) {
         const List list = list_of({});
         Model model;
         for (int i = 0; i < 200 && !HasFatalFailure(); i++) {
-            const auto [got, expected] = step(list.get(), &model, random());
+            const auto [got, expected] = step(list.get(), &model, static_cast<unsigned>(random()));
             ASSERT_EQ(got, expected);
             expect_equal(list.get(), model);
         }

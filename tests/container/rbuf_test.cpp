@@ -121,8 +121,8 @@ TEST(Rbuf, FollowsTheModel) {
         for (int j = 0; j < 100 && !HasFatalFailure(); j++) {
             // Room for the longest line and its end, whatever size is told.
             Bytes dst(static_cast<size_t>(size) + 3, '#'), expected(dst);
-            const auto [got, wanted] =
-                step(ring.get(), &model, dst.data(), expected.data(), random());
+            const auto [got, wanted] = step(ring.get(), &model, dst.data(), expected.data(),
+                                            static_cast<unsigned>(random()));
             ASSERT_EQ(got, wanted);
             ASSERT_EQ(dst, expected);
             expect_equal(ring.get(), model);

@@ -155,7 +155,7 @@ TEST(Irsz, BandsGiveTheWholeImageWhereTheHeaderSaysSo) {
     int sufficed = 0, did_not = 0;
     for (int round = 0; round < 600; round++) {
         const Reference r(FORMATS[round % 5], pick(40), 1 + pick(200), pick(60), pick(300),
-                          2 << random() % 6, random());
+                          2 << random() % 6, static_cast<unsigned>(random()));
         bool complete = false;
         const Bytes target = resize(r, &complete);
         if (r.band_h < 2 * ((r.src_h + r.dst_h - 1) / r.dst_h)) {

@@ -80,7 +80,7 @@ TEST(ResizeKernels, WholeImagesEqualTheirModels) {
             const int dst_line = c.dst_w * kernel.dst_bytes + c.dst_gap * unit;
             GuardedBytes src(make_content(
                 c.content, plane_size(src_line, c.rows(), c.columns() * kernel.src_bytes),
-                random()));
+                static_cast<unsigned>(random())));
             const auto run = [&](tavu_irsz_full_t *full) {
                 GuardedBytes dst(plane_size(dst_line, c.dst_h, c.dst_w * kernel.dst_bytes));
                 full(src.data(), src_line / unit, c.dst_w, c.dst_h, dst_line / unit, dst.data(),
@@ -111,8 +111,8 @@ TEST(ResizeKernels, LinesEqualTheirModels) {
             const int32_t next = round % 4 == 0 ? pick(random, 0, 70) : 1 << shift;
             const int pixels = c.columns() + (step == 0 ? 0 : next - (1 << shift));
             const auto size = static_cast<size_t>(pixels * kernel.src_bytes);
-            GuardedBytes top(make_content(c.content, size, random()));
-            GuardedBytes bottom(make_content(c.content, size, random()));
+            GuardedBytes top(make_content(c.content, size, static_cast<unsigned>(random())));
+            GuardedBytes bottom(make_content(c.content, size, static_cast<unsigned>(random())));
             const uint8_t *rows[] = {top.data(), bottom.data()};
             const uint8_t *weights =
                 (round % 10 == 0 ? other_weights.data() : tavu_irsz_tbl_rsz_weight) +
@@ -141,8 +141,9 @@ TEST(ResizeKernels, CombinedRoutinesEqualTheirModels) {
             int32_t src_stride[4];
             for (int p = 0; p < kernel.src_planes; p++) {
                 src_stride[p] = c.src_w + c.src_gap + p;
-                planes.push_back(std::make_unique<GuardedBytes>(make_content(
-                    c.content, plane_size(src_stride[p], c.rows(), c.columns()), random())));
+                planes.push_back(std::make_unique<GuardedBytes>(
+                    make_content(c.content, plane_size(src_stride[p], c.rows(), c.columns()),
+                                 static_cast<unsigned>(random()))));
                 src[p] = planes.back()->data();
             }
             const int row = c.dst_w * kernel.dst_bytes[0];

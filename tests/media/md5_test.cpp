@@ -46,7 +46,7 @@ TEST(Md5, KnownDigests) {
 TEST(Md5, EveryLengthUpTo300InPiecesOfAnySizeAndAlignment) {
     std::string pattern;
     for (int i = 0; i < 300; i++) pattern += static_cast<char>((i * 7 + 3) % 256);
-    for (size_t piece : {1, 3, 63, 64, 65, 300}) {
+    for (size_t piece : {1U, 3U, 63U, 64U, 65U, 300U}) {
         tavu_md5_t all;
         tavu_md5_init(&all);
         for (size_t n = 0; n <= 300; n++) {

@@ -110,7 +110,7 @@ TEST(Vkeyfrm, FindsCodesAtEveryPositionAndOnlyWhole) {
                        {TAVU_MT_VID_H263, {0, 0, 0x80, 2, 0x08, 0, 0}}};
     for (const auto &[codec, code] : codes) {
         for (const Bytes &between : {Bytes{0}, {0, 0, 2}, {0, 0, 0x84}, {0, 1, 0x80}, {0xFF}}) {
-            for (const size_t size : {3, 7, 8, 63, 64, 70, 130, 267}) {
+            for (const size_t size : {3U, 7U, 8U, 63U, 64U, 70U, 130U, 267U}) {
                 for (size_t at = 0; at < size; at++) {
                     Bytes unit(size);
                     for (size_t i = 0; i < size; i++) unit[i] = between[i % between.size()];

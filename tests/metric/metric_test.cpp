@@ -148,7 +148,7 @@ TEST_P(Metric, DifferencesAreWrittenAndNothingElse) {
             for (const int stride : {std::max(width, 1), std::max(width, 1) + 3}) {
                 const int samples = height < 1 ? 0 : stride * (height - 1) + std::max(width, 0);
                 GuardedBytes memory(static_cast<size_t>(samples) * 2);
-                run(a, b, stride, reinterpret_cast<int16_t *>(memory.data()));
+                run(a, b, stride, static_cast<int16_t *>(static_cast<void *>(memory.data())));
                 for (int i = 0; i < samples; i++) {
                     const int x = i % stride, y = i / stride;
                     int16_t got;
@@ -196,7 +196,9 @@ TEST_P(Metric, SsdOfOtherWidthsIsThatOf64) {
 
 // Sums of magnitudes of each horizontal frequency, by the sign matrix of the transform.
 std::vector<int> magnitudes(int size, Block &a, Block &b, int x0, int y0) {
-    const auto sign = [](int u, int x) { return __builtin_parity(u & x) ? -1 : 1; };
+    const auto sign = [](int u, int x) {
+        return __builtin_parity(static_cast<unsigned>(u & x)) ? -1 : 1;
+    };
     std::vector<int> sums(static_cast<size_t>(size), 0);
     for (int v = 0; v < size; v++) {
         for (int u = 0; u < size; u++) {
@@ -277,7 +279,8 @@ TEST_P(Metric, Satd8x8SumsEachFrequencyIn16Bits) {
     for (int signs = 0; signs < 256; signs++) {
         for (int u = 0; u < 8; u++) {
             int c = 0;
-            for (int x = 0; x < 8; x++) c += __builtin_parity(u & x) == (signs >> x & 1) ? 1 : -1;
+            for (int x = 0; x < 8; x++)
+                c += __builtin_parity(static_cast<unsigned>(u & x)) == (signs >> x & 1) ? 1 : -1;
             magnitude[signs][u] = std::abs(c);
         }
     }
