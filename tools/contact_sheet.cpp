@@ -23,7 +23,7 @@ ContactSheet::ContactSheet(int columns, int picture_width, int picture_height)
 
 void ContactSheet::add_row() {
     constexpr size_t MOST = 1 << 30;
-    const auto rows = static_cast<size_t>(picture_h_) + label_h_ + gap_;
+    const auto rows = static_cast<size_t>(picture_h_ + label_h_ + gap_);
     const size_t size = pixels_.size() + rows * stride();
     if (size > MOST)
         throw std::runtime_error("a sheet of " + std::to_string(columns_) + " columns of " +
@@ -35,7 +35,7 @@ void ContactSheet::add_row() {
 void ContactSheet::add(const tavu_imgb_t &picture, const std::string &text) {
     const int column = count_++ % columns_;
     if (column == 0) add_row();
-    const auto below = static_cast<size_t>(picture_h_) + label_h_ + gap_;
+    const auto below = static_cast<size_t>(picture_h_ + label_h_ + gap_);
     uint8_t *out = pixels_.data() + pixels_.size() - below * stride() + 3 * span(column);
     const uint8_t *row = picture.addr[0];
     for (int y = 0; y < picture_h_; y++, row += picture.stride[0], out += stride())
@@ -47,7 +47,7 @@ void ContactSheet::draw_text(uint8_t *corner, const std::string &text) const {
     const Label label = draw_label(text, picture_w_, label_h_);
     for (int y = 0; y < label.height; y++, corner += stride()) {
         for (int x = 0; x < label.width; x++) {
-            const int alpha = label.coverage[static_cast<size_t>(y) * label.width + x];
+            const int alpha = label.coverage[static_cast<size_t>(y * label.width + x)];
             std::fill_n(corner + 3 * x, 3, GROUND + (INK - GROUND) * alpha / 255);
         }
     }

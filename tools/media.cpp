@@ -76,7 +76,7 @@ Media::Media(const std::string &path, const RawVideo *raw)
 AVStream &Media::best_video() const {
     const int index = av_find_best_stream(context_.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
     if (index < 0) throw std::runtime_error("no video track");
-    return *streams_[index];
+    return *streams_[static_cast<size_t>(index)];
 }
 
 bool Media::read(AVPacket &packet) {

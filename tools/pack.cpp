@@ -14,7 +14,7 @@ struct Target {
 
 /** `units` is for the 5-6-5 units of rgba5658, which its routine writes apart from their alpha. */
 Target target_of(const PixelLayout &to, uint8_t *out, uint8_t *units, int width, int height) {
-    const size_t pixels = static_cast<size_t>(width) * height;
+    const size_t pixels = static_cast<size_t>(width) * static_cast<size_t>(height);
     switch (to.cs) {
         case TAVU_CS_YUV444:
         case TAVU_CS_YUV444A8:
@@ -65,8 +65,9 @@ std::vector<uint8_t> pack(const Planes &planes, const PixelLayout &to, int width
     if (!conversion.routine && planes.rgb) return pack(to_yuv(planes), to, width, height);
     if (!conversion.routine)
         throw UsageError(std::string("--one-pass: no routine resizes and converts to ") + to.name);
-    const size_t pixels = static_cast<size_t>(width) * height;
-    std::vector<uint8_t> out(pixels * to.bytes), units(to.cs == TAVU_CS_RGBA5658 ? 2 * pixels : 0);
+    const size_t pixels = static_cast<size_t>(width) * static_cast<size_t>(height);
+    std::vector<uint8_t> out(pixels * static_cast<size_t>(to.bytes)),
+        units(to.cs == TAVU_CS_RGBA5658 ? 2 * pixels : 0);
     const Target target = target_of(to, out.data(), units.data(), width, height);
     conversion.routine(from.addr, from.w, from.h, from.stride, conversion.from, target.planes,
                        width, height, target.strides, to.cs);

@@ -25,7 +25,7 @@ void fill(const Plane &plane, uint8_t value) {
  */
 void enlarge(const Plane &from, const Plane &to) {
     const int width = from.width + 1, height = from.height + 1;
-    std::vector<uint8_t> samples(static_cast<size_t>(width) * height);
+    std::vector<uint8_t> samples(static_cast<size_t>(width) * static_cast<size_t>(height));
     uint8_t *out = samples.data();
     for (int y = 0; y < height; y++, out += width) {
         const uint8_t *row =

@@ -110,13 +110,13 @@ std::vector<Track> read_tracks(Media &media, bool quiet) {
     for (const AVStream *stream : media.streams()) tracks.push_back(describe(media, *stream));
     std::vector<std::unique_ptr<UnitReader>> readers;
     for (Track &track : tracks) {
-        const AVStream &stream = *media.streams()[track.index];
+        const AVStream &stream = *media.streams()[static_cast<size_t>(track.index)];
         const bool video = stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO;
         readers.push_back(video ? std::make_unique<UnitReader>(media, stream, track) : nullptr);
     }
     Progress progress("packets", quiet);
     for (PacketPtr packet(av_packet_alloc()); media.read(*packet); av_packet_unref(packet.get())) {
-        if (UnitReader *reader = readers[packet->stream_index].get()) reader->add(*packet);
+        if (UnitReader *reader = readers[static_cast<size_t>(packet->stream_index)].get()) reader->add(*packet);
         progress.step(media.progress());
     }
     return tracks;
