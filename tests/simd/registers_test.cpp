@@ -48,7 +48,7 @@ extern "C" __attribute__((naked)) void call_with_marks(const void * /*routine*/,
 template <class Argument>
 uint32_t word(Argument argument) {
     if constexpr (std::is_pointer_v<Argument>) {
-        return reinterpret_cast<uintptr_t>(argument);
+        return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(argument));
     } else {
         static_assert(sizeof argument <= sizeof(uint32_t));
         return static_cast<uint32_t>(argument);
