@@ -2,6 +2,7 @@
 #ifndef TAVU_MEDIA_START_CODE_H
 #define TAVU_MEDIA_START_CODE_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "simd/scan.h"

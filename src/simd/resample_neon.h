@@ -4,6 +4,7 @@
 
 #include <arm_neon.h>
 
+#include <cstddef>
 #include <type_traits>
 
 namespace tavu {
