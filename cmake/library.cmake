@@ -126,7 +126,9 @@ set_target_properties(tavu PROPERTIES
   LINK_DEPENDS ${map})
 target_link_options(tavu PRIVATE
   -static-libgcc -Wl,--version-script=${map} -Wl,-z,relro,-z,now,-z,noexecstack
-  -Wl,--no-undefined,--as-needed)
+  -Wl,--as-needed
+  # Clang's sanitizers are linked with programs alone.
+  $<$<C_COMPILER_ID:GNU>:-Wl,--no-undefined>)
 
 # The archive needs no C++ run-time library, but CMake would link whatever uses a target of C++ objects
 # as C++. Hence users see a target that has no language of its own.
