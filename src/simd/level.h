@@ -5,8 +5,13 @@
 // For resolvers of indirect functions, which run before relocation is complete and before any
 // sanitizer is ready: they call nothing across libraries, do not read the thread's stack guard, and
 // are not instrumented.
+#if defined(__clang__)
+#define TAVU_UNINSTRUMENTED \
+    __attribute__((disable_sanitizer_instrumentation, no_sanitize("undefined"), no_stack_protector))
+#else
 #define TAVU_UNINSTRUMENTED \
     __attribute__((no_sanitize("address", "undefined", "thread"), no_stack_protector))
+#endif
 
 // 2, 3 or 4.
 extern "C" __attribute__((visibility("hidden"))) int tavu_cpu_level();
