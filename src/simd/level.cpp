@@ -21,7 +21,8 @@ TAVU_UNINSTRUMENTED bool has_all(unsigned value, unsigned wanted) {
 
 TAVU_UNINSTRUMENTED int find_level() {
     unsigned a, b, c, d;
-    if (__get_cpuid_max(0, nullptr) < 7) return 2;
+    __cpuid(0, a, b, c, d);  // not by the header's function, which would be instrumented
+    if (a < 7) return 2;
     __cpuid(1, a, b, c, d);
     if (!has_all(c, bit_FMA | bit_MOVBE | bit_OSXSAVE | bit_AVX | bit_F16C)) return 2;
     const unsigned state = saved_state();
