@@ -73,7 +73,7 @@ void add_cycles(const std::string &row, const std::string &why, int64_t cycles) 
 
 // A block's 64 steps wait for each other: 16 times 5 + 4 + 4 + 5 operations.
 void add_md5_bounds() {
-    for (const size_t size : {64, 1500, 1 << 20}) {
+    for (const size_t size : {size_t{64}, size_t{1500}, size_t{1} << 20}) {
         const size_t padded = (size + 1 + 8 + 63) / 64 * 64;
         add_cycles("md5/" + std::to_string(size), "288 cycles a block",
                    static_cast<int64_t>(padded / 64 * 288));

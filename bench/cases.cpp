@@ -151,8 +151,8 @@ void add_blocks(std::vector<NamedCase> &cases, const std::vector<Kernel> &kernel
 struct Blocks {
     const uint8_t *a = source(), *b = source() + 64;  // in one row of noise
     uint8_t *out = target().data();
-    int16_t *residual = reinterpret_cast<int16_t *>(out);
-    int32_t *result = reinterpret_cast<int32_t *>(out);
+    int16_t *residual = static_cast<int16_t *>(static_cast<void *>(out));
+    int32_t *result = static_cast<int32_t *>(static_cast<void *>(out));
     int16_t samples[16];
 
     Blocks() {

@@ -19,11 +19,11 @@ namespace {
 /** Tells what is missing of a file of raw planes, before it is read. */
 void check_size(const std::string &input, const ConvertOptions &options) {
     std::error_code error;
-    const uint64_t found = std::filesystem::file_size(input, error);
+    const auto found = static_cast<int64_t>(std::filesystem::file_size(input, error));
     const int picture =
         av_image_get_buffer_size(av_get_pix_fmt(options.raw->raw_format), options.raw_size->width,
                                  options.raw_size->height, 1);
-    const uint64_t expected = static_cast<uint64_t>(std::max(picture, 0)) * (options.frame + 1);
+    const int64_t expected = int64_t{std::max(picture, 0)} * (options.frame + 1);
     if (!error && found < expected)
         throw std::runtime_error("expected " + std::to_string(expected) + " bytes up to frame " +
                                  std::to_string(options.frame) + ", found " +
@@ -80,7 +80,7 @@ void write(OutputFile &file, const std::string &kind, const PixelLayout &layout,
            const std::vector<uint8_t> &pixels, Size size) {
     if (kind == ".png")
         return write_png(file, layout.cs, pixels.data(), size.width, size.height,
-                         static_cast<size_t>(layout.bytes) * size.width);
+                         static_cast<size_t>(layout.bytes) * static_cast<size_t>(size.width));
     const std::string head =
         "P6\n" + std::to_string(size.width) + " " + std::to_string(size.height) + "\n255\n";
     if (kind == ".ppm") file.write(head.data(), head.size());

@@ -65,9 +65,10 @@ void write_heat_map(OutputFile &file, const std::vector<uint8_t> &pixels, int wi
     std::vector<uint8_t> canvas(stride * static_cast<size_t>(canvas_h), GROUND);
     for (int y = 0; y < height; y++) {
         uint8_t *row = &canvas[stride * static_cast<size_t>(y)];
-        std::copy_n(&pixels[3 * static_cast<size_t>(y) * width], 3 * width, row);
+        std::copy_n(pixels.data() + ptrdiff_t{3} * y * width, 3 * width, row);
+        const int32_t *values = blocks.data() + ptrdiff_t{y / BLOCK} * columns;
         for (int x = 0; x < width; x++) {
-            const int32_t value = blocks[static_cast<size_t>(y / BLOCK) * columns + x / BLOCK];
+            const int32_t value = values[x / BLOCK];
             if (value > 0) mark(row + 3 * x, static_cast<double>(value) / top);
         }
     }

@@ -121,9 +121,9 @@ AVRational Media::pixel_aspect(const AVStream &stream, const AVFrame &frame) con
 }
 
 int Media::quarter_turns(const AVStream &stream) {
-    const uint8_t *matrix = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
+    const void *matrix = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
     if (!matrix) return 0;
-    const double anticlockwise = av_display_rotation_get(reinterpret_cast<const int32_t *>(matrix));
+    const double anticlockwise = av_display_rotation_get(static_cast<const int32_t *>(matrix));
     return std::isnan(anticlockwise) ? 0 : static_cast<int>(std::lround(-anticlockwise / 90)) & 3;
 }
 

@@ -73,12 +73,12 @@ __attribute__((noipa)) void weigh_and_mix_row(const RowPair &rows, const Taps<1>
         TAVU_VEC_INLINE void move(int32_t elements) { out += elements * Pixels::BYTES; }
     };
     constexpr int PLANES = Pixels::PLANES;
-    const uint8_t *top[PLANES], *bottom[PLANES];
+    const uint8_t *top[size_t{PLANES}], *bottom[size_t{PLANES}];
 #pragma GCC unroll 4
     for (int p = 0; p < PLANES; p++) top[p] = rows.top[p], bottom[p] = rows.bottom[p];
     for_each_block(Place{taps, out}, width, [&](Place &at) {
         const auto &lo = load_taps(at.taps[0]), &hi = load_taps(at.taps[1]);
-        UWide sums[PLANES];
+        UWide sums[size_t{PLANES}];
 #pragma GCC unroll 4
         for (int p = 0; p < PLANES; p++) {
             sums[p] = mix_block({weigh<1>(top[p], lo), weigh<1>(top[p], hi)},
@@ -114,7 +114,7 @@ template <class Pixels>
 TAVU_VEC_INLINE void halve_run(const RowPair &rows, const Run &run, uint16_t b, ptrdiff_t ahead,
                                uint8_t *out) {
     constexpr int PLANES = Pixels::PLANES;
-    const uint8_t *top[PLANES], *bottom[PLANES];
+    const uint8_t *top[size_t{PLANES}], *bottom[size_t{PLANES}];
 #pragma GCC unroll 4
     for (int p = 0; p < PLANES; p++) {
         top[p] = rows.top[p] + 2 * run.first - 1;
@@ -126,7 +126,7 @@ TAVU_VEC_INLINE void halve_run(const RowPair &rows, const Run &run, uint16_t b, 
     }
     const HalfWeights weights = half_weights(run.weights + 4 * b);
     for (int32_t n = run.blocks; n > 0; n--) {
-        UWide sums[PLANES];
+        UWide sums[size_t{PLANES}];
 #pragma GCC unroll 4
         for (int p = 0; p < PLANES; p++) {
             prefetch(top[p] + ahead);

@@ -48,7 +48,8 @@ TAVU_VEC_INLINE int32_t best_tiles(int32_t width, int32_t height, const Blocks &
     const int32_t sum = whole_registers<Sum, Columns, Size>(whole, height, at, add);
     if (width == whole || width < 0) return sum;
     const Blocks rest = at.tile(whole, 0);
-    return sum + single(width - whole, height, rest.a, rest.b, rest.stride_a, rest.stride_b);
+    return sum + single(width - whole, height, rest.a, rest.b, static_cast<int32_t>(at.stride_a),
+                        static_cast<int32_t>(at.stride_b));
 }
 
 __attribute__((noinline)) int32_t single_satd4x4s(int32_t width, int32_t height, const uint8_t *a,
