@@ -66,7 +66,7 @@ class Band {
         const int32_t upper = (upper_row() & mask_) * rsz_->line_size;
         const int32_t lower = rsz_->reuse ? rsz_->carry_next : upper + rsz_->next_row;
         top_ = rsz_->reuse ? rsz_->carry_buf : at(upper);
-        bottom_ = at(lower);
+        bottom_ = rsz_->step_y == 0 ? top_ : at(lower);  // a source of one row has no lower one
         if (lower < rsz_->band_size) return true;
         rsz_->carry_next = lower - rsz_->band_size;
         rsz_->pending = 1;

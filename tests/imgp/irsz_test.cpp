@@ -93,6 +93,8 @@ struct Reference {
         return out;
     }
 
+    bool bands_suffice() const { return band_h >= 2 * ((src_h + dst_h - 1) / dst_h); }
+
     tavu_irsz_param param(void *dst) const {
         const int mode = band_h > 0 ? TAVU_IRSZ_MODE_LINE : TAVU_IRSZ_MODE_FULL;
         return {f.fmt, mode, src_w, src_h, src_w, band_h, dst_w, dst_h, dst_w, dst};
@@ -105,7 +107,8 @@ std::ostream &operator<<(std::ostream &s, const Reference &r) {
 }
 
 // Runs the library; source and target end at unreadable pages. In band mode each band is a copy of
-// its own that is gone before the next comes.
+// its own that is gone before the next comes; the last one ends with the image, but where bands are
+// so short that rows beyond it may be read.
 Bytes resize(const Reference &r, bool *complete) {
     GuardedBytes dst(static_cast<size_t>(r.dst_w * r.dst_h * r.f.dst_bytes));
     const tavu_irsz_param param = r.param(dst.data());
@@ -116,7 +119,7 @@ Bytes resize(const Reference &r, bool *complete) {
     for (int first = 0; first < r.src_h; first += rows) {
         Bytes band(r.src.begin() + first * line,
                    r.src.begin() + std::min(first + rows, r.src_h) * line);
-        band.resize(static_cast<size_t>(rows * line));
+        if (!r.bands_suffice()) band.resize(static_cast<size_t>(rows * line));
         GuardedBytes guarded(band);
         EXPECT_EQ(tavu_irsz(rsz.get(), guarded.data(), first, rows), 0);
     }
@@ -154,11 +157,11 @@ TEST(Irsz, BandsGiveTheWholeImageWhereTheHeaderSaysSo) {
     const auto pick = [&random](unsigned n) { return 1 + static_cast<int>(random() % n); };
     int sufficed = 0, did_not = 0;
     for (int round = 0; round < 600; round++) {
-        const Reference r(FORMATS[round % 5], pick(40), 1 + pick(200), pick(60), pick(300),
+        const Reference r(FORMATS[round % 5], pick(40), pick(200), pick(60), pick(300),
                           2 << random() % 6, static_cast<unsigned>(random()));
         bool complete = false;
         const Bytes target = resize(r, &complete);
-        if (r.band_h < 2 * ((r.src_h + r.dst_h - 1) / r.dst_h)) {
+        if (!r.bands_suffice()) {
             did_not += target != r.run();
             continue;
         }
@@ -223,25 +226,6 @@ TEST(Irsz, CreationRefusesWhatItCannotDo) {
     EXPECT_EQ(status(full, {{&P::src_w, 16384}, {&P::dst_w, 2000}}), 0);
     EXPECT_EQ(status(full, {{&P::src_s, -8192}}), 0);  // an image stored bottom up
     EXPECT_EQ(status(full, {{&P::fmt, 29}, {&P::dst_s, 0x20000000}}), TAVU_ERR);
-}
-
-TEST(Irsz, FailingAllocations) {
-    uint8_t dst[4];
-    const tavu_irsz_param p = {20, 11, 4, 4, 4, 4, 2, 2, 2, dst};
-    int32_t err = 1;
-    {
-        FailingAllocations first(0);
-        EXPECT_EQ(tavu_irsz_create(&p, &err), nullptr);
-        EXPECT_EQ(first.count(), 1);
-    }
-    EXPECT_EQ(err, TAVU_IRSZ_ERR_ALLOC);
-    // Creation does not check the carried row's memory.
-    FailingAllocations second(1);
-    const Resizer rsz(tavu_irsz_create(&p, &err));
-    EXPECT_EQ(err, 0);
-    ASSERT_NE(rsz, nullptr);
-    EXPECT_EQ(rsz->carry_buf, nullptr);
-    tavu_irsz_delete(nullptr);
 }
 
 TEST(Irsz, StepCalculator) {
