@@ -60,7 +60,8 @@ class GuardedBytes {
     uint8_t *map_, *usable_, *end_;
 };
 
-// While alive, allocation number `fail_at` (from 0) by malloc or calloc returns null. Counts them.
+// While alive, allocation number `fail_at` (from 0) by malloc or calloc returns null. Counts them, and
+// those that were not freed, and keeps the size of the last.
 class FailingAllocations {
   public:
     explicit FailingAllocations(int fail_at);
@@ -68,6 +69,8 @@ class FailingAllocations {
     FailingAllocations &operator=(const FailingAllocations &) = delete;
     ~FailingAllocations();
     int count() const;
+    int kept() const;
+    uint64_t bytes() const;
 };
 
 #endif

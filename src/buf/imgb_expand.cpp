@@ -48,6 +48,9 @@ void expand_plane(uint8_t *addr, int32_t stride, int32_t w, int32_t h, uint32_t 
     repeat_row(last, last + stride, stride, rows);
 }
 
+// Half of a size, rounded up; the largest has no successor.
+int32_t half_up(int32_t n) { return n / 2 + n % 2; }
+
 // Planes that are expanded; 0 for other layouts.
 int count_planes(int32_t cs) {
     switch (cs) {
@@ -71,8 +74,8 @@ int32_t tavu_imgb_expand(tavu_imgb_t *imgb, const uint32_t *pad) {
     if (planes == 0) return TAVU_ERR_UNSUPPORTED;
     for (int p = 0; p < planes; p++) {
         // Chroma is taken as halved both ways in every layout; callers rely on it.
-        const int32_t w = p == 0 ? imgb->aw : (imgb->aw + 1) >> 1;
-        const int32_t h = p == 0 ? imgb->ah : (imgb->ah + 1) >> 1;
+        const int32_t w = p == 0 ? imgb->aw : half_up(imgb->aw);
+        const int32_t h = p == 0 ? imgb->ah : half_up(imgb->ah);
         expand_plane(imgb->addr[p], imgb->stride[p], w, h, pad[p]);
     }
     return TAVU_OK;

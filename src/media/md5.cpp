@@ -132,7 +132,7 @@ void finish(tavu_md5_t *md5, uint8_t *digest) {
 }
 
 void update_rows(tavu_md5_t *md5, const tavu_imgb_t *imgb, int plane, int32_t first, int32_t end,
-                 int32_t bytes) {
+                 int64_t bytes) {
     if (bytes <= 0) return;
     const uint8_t *row = imgb->addr[plane] + static_cast<ptrdiff_t>(first) * imgb->stride[plane];
     for (int32_t r = first; r < end; r++, row += imgb->stride[plane]) {
@@ -157,12 +157,13 @@ int32_t tavu_md5_imgb(const tavu_imgb_t *imgb, uint8_t digest[16]) {
     tavu_md5_t md5;
     tavu::init(&md5);
     // `x` shortens rows without moving their start; chroma counts as halved in every layout.
-    // Callers rely on both.
-    tavu::update_rows(&md5, imgb, 0, imgb->y, imgb->h, imgb->w - imgb->x);
+    // Callers rely on both. In 64 bits, for the largest sizes have no successor in 32.
+    const int64_t width = int64_t{imgb->w} - imgb->x;
+    tavu::update_rows(&md5, imgb, 0, imgb->y, imgb->h, width);
     if (imgb->cs != TAVU_CS_YUV400) {
         for (int plane = 1; plane <= 2; plane++) {
-            tavu::update_rows(&md5, imgb, plane, imgb->y >> 1, (imgb->h + 1) / 2,
-                              (imgb->w + 1 - imgb->x) / 2);
+            const auto end = static_cast<int32_t>((int64_t{imgb->h} + 1) / 2);
+            tavu::update_rows(&md5, imgb, plane, imgb->y >> 1, end, (width + 1) / 2);
         }
     }
     tavu::finish(&md5, digest);

@@ -57,14 +57,4 @@ TEST(Rlist, TheOnlySlotCannotBeGivenBack) {
     }
 }
 
-TEST(Rlist, SurvivesFailingAllocations) {
-    for (int i = 0; i < 4; i++) {
-        const FailingAllocations failing(i);
-        EXPECT_EQ(tavu_rlist_create(5, 3), nullptr);
-    }
-    // With 32-bit addresses, slot and links together exceed them.
-    EXPECT_TRUE(sizeof(size_t) > 4 || tavu_rlist_create(UINT32_MAX - 7, 2) == nullptr);
-    tavu_rlist_delete(nullptr);
-}
-
 }  // namespace

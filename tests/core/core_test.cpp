@@ -24,16 +24,6 @@ TEST(Alloc, BlocksAreAlignedAndWhollyUsable) {
     tavu_mfree_fast_align32(nullptr);
 }
 
-TEST(Alloc, RefusesWhatTheHeaderWouldWrapAndWhatMallocRefuses) {
-    for (uint32_t size : {UINT32_MAX, UINT32_MAX - 35}) {
-        FailingAllocations none(-1);
-        EXPECT_EQ(tavu_malloc_align32(size), nullptr);
-        EXPECT_EQ(none.count(), 0) << size;
-    }
-    FailingAllocations first(0);
-    EXPECT_EQ(tavu_malloc_align32(1), nullptr);
-}
-
 TEST(Version, IsRewrittenByEachCall) {
     const char *text = tavu_version();
     const_cast<char *>(text)[0] = '?';

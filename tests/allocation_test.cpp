@@ -1,0 +1,352 @@
+// What creating and growing functions ask the allocator for, at and around every limit, and what they
+// do when it has nothing: on 32 and on 64 bits.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "buf/geometry_model.h"
+#include "memory.h"
+
+namespace {
+
+constexpr int32_t BIG = INT32_MAX;
+
+// Sizes where sums and products wrap, with their neighbours.
+std::vector<int32_t> limits() {
+    std::vector<int32_t> list;
+    for (const int64_t at : {0x0LL, 0x100LL, 0x7FFFLL, 0x8000LL, 0xFFFFLL, 0x10000LL, 0x15555555LL,
+                             0x1FFFFFFFLL, 0x20000000LL, 0x2AAAAAAALL, 0x3FFFFFFFLL, 0x55555555LL,
+                             0x7FFF7FFFLL, 0x7FFFFFFFLL, 0x80000000LL, 0xFFFFFFFFLL}) {
+        for (int64_t d = -2; d <= 2; d++) list.push_back(static_cast<int32_t>(at + d));
+    }
+    return list;
+}
+
+// An allocator of payloads that has nothing.
+int64_t requested;
+void *refuse(int32_t size, uint32_t *) {
+    requested = size;
+    return nullptr;
+}
+void unused(void *, uint32_t) {}
+
+int32_t create_status(const PictureRequest &r) {
+    int32_t status = 1;
+    requested = -1;
+    EXPECT_EQ(tavu_imgb_create(r.w, r.h, r.cs, 3, r.align, r.pad, refuse, unused, &status),
+              nullptr);
+    return status;
+}
+
+void expect_exact(const PictureRequest &r) {
+    const PictureSize size = picture_size(r);
+    const bool fits = size.status == TAVU_OK;
+    ASSERT_EQ(create_status(r), fits ? TAVU_ERR_BUFFER_ALLOC : size.status) << r.w << 'x' << r.h;
+    ASSERT_EQ(requested, fits ? size.bytes : -1) << r.w << 'x' << r.h << ' ' << r.cs;
+}
+
+TEST(Sizes, PicturesAskForExactlyTheirPlanesOrAreRefused) {
+    const uint32_t entries[] = {0x10001,    0x20001,    0x80008000, 0x7FFF0001,
+                                0xFFFFFFFF, 0x00010000, 0x80000001, 0x18000};
+    for (const int32_t cs : {10, 11, 12, 13, 18, 43, 100, 300, 400, 500, 599, 600}) {
+        for (const int32_t w : limits()) {
+            for (const int32_t h : limits()) {
+                expect_exact({w, h, cs, nullptr, nullptr});
+                if (HasFatalFailure()) return;
+            }
+        }
+        for (const int32_t n : limits()) {
+            for (const uint32_t align : entries) {
+                for (const uint32_t pad : entries) {
+                    // The later planes differ from the first.
+                    const uint32_t aligns[] = {align, 0x10001, align, 0x80001};
+                    const uint32_t pads[] = {pad, pad, 0, 0xFFFF0000};
+                    for (const int32_t m : {0, 1, 3, 0x8001, BIG}) {
+                        expect_exact({n, m, cs, aligns, pads});
+                        expect_exact({m, n, cs, nullptr, pads});
+                    }
+                    if (HasFatalFailure()) return;
+                }
+            }
+        }
+    }
+}
+
+TEST(Sizes, RebirthTakesWhatFitsAndNothingElse) {
+    tavu_imgb_t *image =
+        tavu_imgb_create(64, 64, 500, 0, nullptr, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(image->base[0]) % 32, 0U);
+    for (const int32_t cs : {10, 11, 18, 43, 200, 400}) {
+        for (const int32_t w : limits()) {
+            for (const int32_t h : limits()) {
+                const PictureSize size = picture_size({w, h, cs, nullptr, nullptr});
+                const bool fits = size.bytes <= 64 * 64 * 4;
+                ASSERT_EQ(tavu_imgb_rebirth(image, w, h, cs, 3, nullptr, nullptr),
+                          fits ? size.status : TAVU_ERR_OUT_OF_MEMORY)
+                    << w << 'x' << h;
+            }
+        }
+    }
+    image->release(image);
+}
+
+// Sides that have no successor: halves are rounded up and rows measured without one.
+TEST(Sizes, TheLongestEmptyPicturesHaveBordersAndDigests) {
+    const uint32_t pads[4] = {};
+    const int32_t sizes[][2] = {{BIG, 0}, {0, BIG}};
+    for (const auto &[w, h] : sizes) {
+        tavu_imgb_t *image =
+            tavu_imgb_create(w, h, 11, 0, nullptr, nullptr, nullptr, nullptr, nullptr);
+        ASSERT_NE(image, nullptr);
+        uint8_t digest[16];
+        EXPECT_EQ(tavu_imgb_expand(image, pads), TAVU_OK);
+        EXPECT_EQ(tavu_md5_imgb(image, digest), TAVU_OK);
+        EXPECT_EQ(digest[0], 0xD4);  // of nothing
+        image->release(image);
+    }
+}
+
+TEST(Sizes, AudioBlocksAskForExactlyTheirSamplesOrAreRefused) {
+    for (const int32_t samples : limits()) {
+        for (const int32_t channels : {0, 1, 2, 3, 8, 9, 0x8000, 0x10000, BIG, -1}) {
+            for (const int32_t bits : {0, 1, 8, 9, 17, 64, BIG, -1}) {
+                for (const int32_t format : {0, 1}) {
+                    const int64_t sample = (int64_t{bits} + 7) / 8;
+                    int64_t bytes;
+                    bool fits = samples >= 0 && channels >= 0 && bits >= 0;
+                    fits = fits && (format == 1 || channels <= 8);
+                    fits = fits && samples * sample <= BIG &&
+                           !__builtin_mul_overflow(samples * sample, format == 1 ? channels : 1,
+                                                   &bytes) &&
+                           bytes <= BIG;
+                    int32_t status = 1;
+                    requested = -1;
+                    tavu_audb_t *audio = tavu_audb_create(samples, channels, bits, 0, format, 0,
+                                                          refuse, unused, &status);
+                    const bool asks = fits && (format == 1 || channels > 0);
+                    ASSERT_EQ(requested, asks ? bytes : -1) << samples << ' ' << channels;
+                    ASSERT_EQ(status, asks   ? TAVU_ERR_BUFFER_ALLOC
+                                      : fits ? TAVU_OK
+                                             : TAVU_ERR_INVALID_ARGUMENT);
+                    if (audio != nullptr) audio->release(audio);
+                }
+            }
+        }
+    }
+}
+
+// Calls make() with the last of `before` + 1 allocations failing: what it asked for, 0 for nothing.
+template <class Make>
+uint64_t bytes_of_last(int before, Make make) {
+    FailingAllocations failing(before);
+    make();
+    return failing.count() == before + 1 ? failing.bytes() : 0;
+}
+
+// No sum of a size and a header wraps into a short allocation.
+TEST(Sizes, HeadersAreAddedWithoutWrapping) {
+    constexpr uint64_t LINKS = 2 * sizeof(void *), HEADER = 32 + sizeof(void *);
+    const uint8_t byte = 0;
+    for (const int32_t n : limits()) {
+        const auto size = static_cast<uint32_t>(n);
+        const uint64_t aligned = size + HEADER <= UINT32_MAX ? size + HEADER : 0;
+        EXPECT_EQ(bytes_of_last(0, [&] { tavu_malloc_align32(size); }), aligned) << size;
+        EXPECT_EQ(bytes_of_last(0, [&] { tavu_malloc_fast_align32(size); }), aligned) << size;
+
+        const uint64_t linked = size + LINKS <= SIZE_MAX ? size + LINKS : 0;
+        EXPECT_EQ(bytes_of_last(1, [&] { tavu_rlist_create(size, 3); }), linked) << size;
+        tavu_list_t *list = tavu_list_create(size, nullptr);
+        EXPECT_EQ(bytes_of_last(0, [&] { tavu_list_add(list, &byte); }), linked) << size;
+        EXPECT_EQ(tavu_list_get_cnt(list), 0);
+        tavu_list_delete(list);
+
+        const uint64_t positive = n > 0 ? size : 0;
+        tavu_vdata_t vd{};
+        EXPECT_EQ(bytes_of_last(0, [&] { tavu_vdata_set(&vd, &byte, n, 0); }),
+                  n > 0 ? positive + 2 : 0);
+        EXPECT_EQ(bytes_of_last(1, [&] { tavu_rbuf_create(n); }), positive) << n;
+        EXPECT_EQ(bytes_of_last(1, [&] { tavu_bitb_create(n, 0, 0, nullptr, nullptr, nullptr); }),
+                  positive)
+            << n;
+    }
+}
+
+struct IrszFormat {
+    int32_t fmt;
+    int64_t src_unit, dst_unit, src_bytes;
+};
+
+// The record holds exact products; the carried row's memory holds a line.
+void expect_exact(const tavu_irsz_param &p, const IrszFormat &f) {
+    int32_t err = 1;
+    tavu_irsz_t *rsz = nullptr;
+    const uint64_t row = bytes_of_last(1, [&] { rsz = tavu_irsz_create(&p, &err); });
+    ASSERT_EQ(rsz != nullptr, err == TAVU_OK);
+    if (rsz == nullptr) return;
+    const int64_t line = p.src_s * f.src_unit;
+    EXPECT_EQ(rsz->line_size, line);
+    EXPECT_EQ(rsz->next_row, line * (1 << rsz->shift_y));
+    EXPECT_EQ(rsz->dst_line, p.dst_s * f.dst_unit);
+    EXPECT_LE((p.dst_w - 1) * int64_t{rsz->step_x}, BIG);
+    EXPECT_LE((p.dst_h - 1) * int64_t{rsz->step_y}, BIG);
+    if (p.mode == TAVU_IRSZ_MODE_LINE) {
+        EXPECT_EQ(rsz->band_size, line * p.band_h);
+        EXPECT_EQ(static_cast<int64_t>(row), std::max(p.src_s, p.src_w) * f.src_bytes);
+    }
+    tavu_irsz_delete(rsz);
+}
+
+TEST(Sizes, ResizersHoldExactLengthsOrAreRefused) {
+    const IrszFormat formats[] = {{TAVU_IRSZ_8B, 1, 1, 1},
+                                  {TAVU_IRSZ_8B8B8B, 3, 3, 3},
+                                  {TAVU_IRSZ_8B8B8B_5B6B5B, 3, 2, 3},
+                                  {TAVU_IRSZ_5B6B5B, 1, 1, 2},
+                                  {TAVU_IRSZ_8B8B8B8B, 4, 4, 4}};
+    for (const IrszFormat &f : formats) {
+        for (const int32_t mode : {TAVU_IRSZ_MODE_FULL, TAVU_IRSZ_MODE_LINE}) {
+            for (const int32_t n : limits()) {
+                for (const int32_t m : {1, 2, 255, 8192, 0x10000, BIG}) {
+                    const tavu_irsz_param cases[] = {{f.fmt, mode, n, m, 9, 4, m, n, 9, nullptr},
+                                                     {f.fmt, mode, m, n, m, 4, n, m, n, nullptr},
+                                                     {f.fmt, mode, 4, 9, n, m, 9, 4, m, nullptr},
+                                                     {f.fmt, mode, 9, 4, m, n, 4, 9, n, nullptr}};
+                    for (const auto &p : cases) expect_exact(p, f);
+                    if (HasFailure()) return;
+                }
+            }
+        }
+    }
+}
+
+// One way to create something and give it back; false if there was no memory for it.
+struct Creator {
+    const char *name;
+    int allocations;
+    int32_t first_status, later_status;  // TAVU_OK for those that give no status
+    std::function<bool(int32_t *)> run;
+};
+
+template <class Object>
+bool drop(Object *object) {
+    return object != nullptr && object->release(object) == 0;
+}
+
+template <class Object>
+bool drop(Object *object, void (*free_object)(Object *)) {
+    const bool made = object != nullptr;
+    free_object(object);
+    return made;
+}
+
+std::vector<Creator> creators() {
+    constexpr int32_t RECORD = TAVU_ERR_OUT_OF_MEMORY;
+    static const uint8_t bytes[4] = {1, 2, 3, 4};
+    static tavu_vdata_t source = {7, 4, const_cast<uint8_t *>(bytes)};
+    static const auto vdata = [](int32_t status, int32_t *out, tavu_vdata_t *vd) {
+        EXPECT_EQ(status == TAVU_OK, vd->data != nullptr);
+        tavu_vdata_free(vd);
+        return (*out = status) == TAVU_OK;
+    };
+    return {
+        {"malloc_align32", 1, 0, 0,
+         [](int32_t *) { return drop(tavu_malloc_align32(9), tavu_mfree_align32); }},
+        {"malloc_fast_align32", 1, 0, 0,
+         [](int32_t *) { return drop(tavu_malloc_fast_align32(9), tavu_mfree_fast_align32); }},
+        {"imgb", 2, RECORD, TAVU_ERR_BUFFER_ALLOC,
+         [](int32_t *s) {
+             return drop(tavu_imgb_create(8, 8, 11, 3, nullptr, nullptr, nullptr, nullptr, s));
+         }},
+        {"audb", 4, RECORD, TAVU_ERR_BUFFER_ALLOC,
+         [](int32_t *s) {
+             return drop(tavu_audb_create(10, 3, 16, 0, 0, 0, nullptr, nullptr, s));
+         }},
+        {"bitb", 2, RECORD, TAVU_ERR_BITB_ALLOC,
+         [](int32_t *s) { return drop(tavu_bitb_create(10, 0, 0, nullptr, nullptr, s)); }},
+        {"mfal", 1, RECORD, RECORD, [](int32_t *s) { return drop(tavu_mfal_create(0, s)); }},
+        {"vdata_set", 1, RECORD, RECORD,
+         [](int32_t *s) {
+             tavu_vdata_t vd{};
+             return vdata(tavu_vdata_set(&vd, bytes, 4, 7), s, &vd);
+         }},
+        {"vdata_cpy", 1, RECORD, RECORD,
+         [](int32_t *s) {
+             tavu_vdata_t vd{};
+             return vdata(tavu_vdata_cpy(&vd, &source), s, &vd);
+         }},
+        {"list", 3, 0, 0,
+         [](int32_t *) { return drop(tavu_list_create(4, nullptr), tavu_list_delete); }},
+        {"rlist", 4, 0, 0,
+         [](int32_t *) { return drop(tavu_rlist_create(5, 3), tavu_rlist_delete); }},
+        {"rbuf", 2, 0, 0, [](int32_t *) { return drop(tavu_rbuf_create(9), tavu_rbuf_delete); }},
+        {"irsz", 1, TAVU_IRSZ_ERR_ALLOC, TAVU_OK,
+         [](int32_t *s) {
+             const tavu_irsz_param p = {20, 10, 4, 4, 4, 4, 2, 2, 2, nullptr};
+             return drop(tavu_irsz_create(&p, s), tavu_irsz_delete);
+         }},
+    };
+}
+
+TEST(FailedAllocation, GivesTheStatedStatusAndKeepsNothing) {
+    for (const Creator &creator : creators()) {
+        SCOPED_TRACE(creator.name);
+        for (int i = 0; i <= creator.allocations; i++) {
+            int32_t status = TAVU_OK;
+            FailingAllocations failing(i);
+            EXPECT_EQ(creator.run(&status), i == creator.allocations);
+            EXPECT_GE(failing.count(), std::min(i + 1, creator.allocations));
+            EXPECT_LE(failing.count(), creator.allocations);
+            EXPECT_EQ(failing.kept(), 0);
+            EXPECT_EQ(status, i == creator.allocations ? TAVU_OK
+                              : i == 0                 ? creator.first_status
+                                                       : creator.later_status);
+        }
+    }
+}
+
+TEST(FailedAllocation, LeavesAGrowingListAsItWas) {
+    const uint32_t one = 1, two = 2;
+    tavu_list_t *list = tavu_list_create(4, nullptr);
+    tavu_list_add(list, &one);
+    tavu_list_move_first(list);
+    const std::function<void *()> grow[] = {[&] { return tavu_list_add(list, &two); },
+                                            [&] { return tavu_list_add_first(list, &two); },
+                                            [&] { return tavu_list_insert_at(list, &two, -1); },
+                                            [&] {
+                                                const int32_t n = tavu_list_get_cnt(list);
+                                                return tavu_list_insert_at(list, &two, n);
+                                            }};
+    for (const auto &add : grow) {
+        const int32_t count = tavu_list_get_cnt(list);
+        void *first = tavu_list_get_first(list), *last = tavu_list_get_last(list);
+        {
+            FailingAllocations failing(0);
+            EXPECT_EQ(add(), nullptr);
+            EXPECT_EQ(failing.kept(), 0);
+        }
+        EXPECT_EQ(tavu_list_get_cnt(list), count);
+        EXPECT_EQ(tavu_list_get_first(list), first);
+        EXPECT_EQ(tavu_list_get_last(list), last);
+        EXPECT_EQ(memcmp(tavu_list_get_cur(list), &one, 4), 0);
+        void *added = add();
+        ASSERT_NE(added, nullptr);
+        EXPECT_EQ(memcmp(added, &two, 4), 0);
+        EXPECT_EQ(tavu_list_get_cnt(list), count + 1);
+    }
+    tavu_list_delete(list);
+}
+
+// Only the carried row of band mode is not asked after; whole images need none.
+TEST(FailedAllocation, ResizerWithoutACarriedRowIsStillDeleted) {
+    const tavu_irsz_param p = {20, 11, 4, 4, 4, 4, 2, 2, 2, nullptr};
+    FailingAllocations failing(1);
+    int32_t err = 1;
+    tavu_irsz_t *rsz = tavu_irsz_create(&p, &err);
+    ASSERT_NE(rsz, nullptr);
+    EXPECT_EQ(err, TAVU_OK);
+    EXPECT_EQ(rsz->carry_buf, nullptr);
+    tavu_irsz_delete(rsz);
+    EXPECT_EQ(failing.kept(), 0);
+}
+
+}  // namespace
