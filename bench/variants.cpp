@@ -70,6 +70,8 @@ KERNEL(tavu_mset_x128)
 KERNEL(tavu_mset_x32)
 KERNEL(tavu_mset_x32ax4)
 
+KERNEL(tavu_is_vkeyfrm)
+
 KERNEL4(tavu_sad2x2)
 KERNEL4(tavu_sad2x4)
 KERNEL4(tavu_sad4x2)

@@ -1,0 +1,90 @@
+// Resize kernels of every level against their models, and bands against the whole image.
+#include "input.h"
+#include "resize_kernels.h"
+
+namespace {
+
+struct Sizes {
+    int32_t src_w, src_h, dst_w, dst_h, src_gap, dst_gap;
+
+    // Up to 64 pixels, of one axis up to 1024 or a multiple of the other size.
+    explicit Sizes(Input *in)
+        : src_w(in->range(1, 64)),
+          src_h(in->range(1, 24)),
+          dst_w(in->range(1, 64)),
+          dst_h(in->range(1, 24)),
+          src_gap(in->range(0, 3)),
+          dst_gap(in->range(0, 3)) {
+        const uint8_t kind = in->byte();
+        if (kind % 8 == 1) src_w *= 16;
+        if (kind % 8 == 2) src_w = std::min(dst_w * (kind / 8), 2000) + 1;
+        if (kind % 8 == 3) src_h = std::min(dst_h * (kind / 8), 60) + 1;
+        if (kind % 8 == 4) dst_w *= 8;
+    }
+};
+
+size_t plane_size(int32_t line, int32_t rows, int32_t row_bytes) {
+    return static_cast<size_t>(line) * static_cast<size_t>(rows - 1) +
+           static_cast<size_t>(row_bytes);
+}
+
+Block whole(const ResizeKernel &kernel, tavu_irsz_full_t *full, const Sizes &s, const Block &src) {
+    const int32_t src_line = s.src_w * kernel.src_bytes + s.src_gap * kernel.line_unit;
+    const int32_t dst_line = s.dst_w * kernel.dst_bytes + s.dst_gap * kernel.line_unit;
+    Block dst(plane_size(dst_line, s.dst_h, s.dst_w * kernel.dst_bytes));
+    int32_t step_x, step_y;
+    bilinear_rsz_step_size(s.src_w, s.src_h, s.dst_w, s.dst_h, &step_x, &step_y);
+    full(src.data(), src_line / kernel.line_unit, s.dst_w, s.dst_h, dst_line / kernel.line_unit,
+         dst.data(), step_x, step_y);
+    return dst;
+}
+
+// In bands, of which each is a copy that fills its memory. Strides are whole pixels here.
+Block banded(const ResizeKernel &kernel, int32_t fmt, const Sizes &s, const Block &src,
+             int32_t band) {
+    Block dst(plane_size(s.dst_w * kernel.dst_bytes, s.dst_h, s.dst_w * kernel.dst_bytes));
+    const tavu_irsz_param param = {
+        fmt,     TAVU_IRSZ_MODE_LINE, s.src_w, s.src_h, s.src_w, band, s.dst_w, s.dst_h,
+        s.dst_w, dst.data()};
+    int32_t err = 1;
+    tavu_irsz_t *rsz = tavu_irsz_create(&param, &err);
+    require(rsz != nullptr && err == TAVU_OK);
+    const int32_t line = s.src_w * kernel.src_bytes;
+    const int32_t enough = 2 * ((s.src_h + s.dst_h - 1) / s.dst_h);
+    for (int32_t row = 0; row < s.src_h; row += band) {
+        const int32_t rows = std::min(band, s.src_h - row);
+        // A band that is too short may look at rows beyond the image.
+        Block piece(static_cast<size_t>(band < enough ? band : rows) * static_cast<size_t>(line));
+        memcpy(piece.data(), src.data() + static_cast<ptrdiff_t>(row) * line,
+               static_cast<size_t>(rows) * static_cast<size_t>(line));
+        tavu_irsz(rsz, piece.data(), row, band);
+    }
+    tavu_irsz_delete(rsz);
+    return dst;
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    static const auto kernels = resize_kernels();
+    constexpr int32_t FORMATS[] = {TAVU_IRSZ_8B, TAVU_IRSZ_8B8B8B, TAVU_IRSZ_8B8B8B8B,
+                                   TAVU_IRSZ_8B8B8B_5B6B5B, TAVU_IRSZ_5B6B5B};
+    Input in(data, size);
+    const size_t index = in.byte() % kernels.size();
+    const ResizeKernel &kernel = kernels[index];
+    const int32_t band = in.byte() % 4 == 0 ? 1 << in.byte() % 6 : 0;
+    Sizes s(&in);
+    if (band != 0) s.src_gap = s.dst_gap = 0;
+    Block src(plane_size(s.src_w * kernel.src_bytes + s.src_gap * kernel.line_unit, s.src_h,
+                         s.src_w * kernel.src_bytes));
+    src.fill(&in);
+    const Block wanted = whole(kernel, kernel.model.full, s, src);
+    for (const ResizeVariant &side : kernel.variants) {
+        require(whole(kernel, side.full, s, src) == wanted);
+    }
+    if (band == 0) return 0;
+    const Block pieces = banded(kernel, FORMATS[index], s, src, band);
+    const bool complete = band >= 2 && band >= 2 * ((s.src_h + s.dst_h - 1) / s.dst_h);
+    if (complete && index < 3) require(pieces == wanted);
+    return 0;
+}

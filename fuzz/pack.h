@@ -1,0 +1,29 @@
+// Packs of inputs, see pack.py.
+#ifndef TAVU_FUZZ_PACK_H
+#define TAVU_FUZZ_PACK_H
+
+#include <fstream>
+#include <iterator>
+#include <vector>
+
+#include "input.h"
+
+inline std::vector<uint8_t> read_file(const char *name) {
+    std::ifstream file(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Runs the target over all inputs; their number.
+inline int replay(const std::vector<uint8_t> &pack) {
+    int count = 0;
+    for (size_t at = 0, size; at + 2 <= pack.size(); at += size, count++) {
+        size = pack[at] + size_t{256} * pack[at + 1];
+        at += 2;
+        require(size <= pack.size() - at);
+        const Block input(pack.data() + at, size);
+        LLVMFuzzerTestOneInput(input.data(), size);
+    }
+    return count;
+}
+
+#endif

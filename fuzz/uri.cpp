@@ -1,0 +1,85 @@
+// URI parts and escaping, with room of exactly the size that the header states.
+#include <string>
+
+#include "input.h"
+#include "tavu.h"
+#include "text.h"
+
+namespace {
+
+struct Parts {
+    int32_t status = -1;
+    std::string part[4] = {};  // scheme, host, port, path
+    size_t rest = NONE;
+};
+
+Parts split(Text text) {
+    Parts parts;
+    size_t at = std::min(text.find_first_not_of(" \t\r\n"), text.size());
+    Cut piece = cut_by_string(text.substr(at), "://");
+    for (int i = 0; i < 3; i++) {
+        if (piece.status != 0 || (i == 2 && piece.len == 0)) return parts;
+        parts.part[i] = text.substr(at, piece.len);
+        at = piece.next == NONE ? text.size() : at + piece.next;
+        piece = cut_by_byte(text.substr(at), i == 0 ? ':' : '/');
+    }
+    parts.status = 0;
+    const Cut line = cut_line(text.substr(at));
+    if (line.next != NONE) parts.rest = at + line.next;
+    if (line.len == 0) return parts;
+    const size_t from = line.next != NONE ? parts.rest : at;
+    parts.part[3] = text.substr(from, line.len);
+    if (text[from] != '/') parts.part[3].insert(0, "/");
+    return parts;
+}
+
+void check_parts(const char *uri, Text text) {
+    const Parts wanted = split(text);
+    const Block parts[4] = {Block(text.size() + 2), Block(text.size() + 2), Block(text.size() + 2),
+                            Block(text.size() + 2)};
+    const char *rest = uri;
+    require(tavu_str_parse_uri(uri, parts[0].text(), parts[1].text(), parts[2].text(),
+                               parts[3].text(), &rest) == wanted.status);
+    for (int i = 0; i < 4; i++) require(parts[i].text() == wanted.part[i]);
+    require(rest == (wanted.rest == NONE ? nullptr : uri + wanted.rest));
+}
+
+void check_escaping(const char *src, Text text) {
+    std::string wanted;
+    for (const char c : text) wanted += c == ' ' ? "%20" : std::string(1, c);
+    const Block escaped(3 * text.size() + 1);
+    const auto len = static_cast<size_t>(tavu_str_conv_a2uri(src, escaped.text()));
+    require(Text(escaped.text(), len + 1) == Text(wanted.c_str(), wanted.size() + 1));
+}
+
+// `src` has a byte behind the zero where its last one is "%".
+void check_unescaping(const Block &src, Text text) {
+    const auto digit = [&](size_t i) {
+        const uint8_t c = src.data()[i];
+        return c >= '0' && c <= '9' ? c - '0' : 0;
+    };
+    std::string wanted;
+    for (size_t i = 0; i < text.size(); i++) {
+        const bool code = text[i] == '%';
+        wanted += code ? static_cast<char>(16 * digit(i + 1) + digit(i + 2)) : text[i];
+        i += code ? 2 : 0;
+    }
+    const Block plain(text.size() + 1);
+    const auto len = static_cast<size_t>(tavu_str_conv_uri2a(src.text(), plain.text()));
+    require(Text(plain.text(), len + 1) == Text(wanted.c_str(), wanted.size() + 1));
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    const size_t length = std::find(data, data + size, 0) - data;
+    const bool percent = length > 0 && data[length - 1] == '%';
+    Block src(length + (percent ? 2 : 1), '7');
+    std::copy(data, data + length, src.data());
+    src.data()[length] = 0;
+    const Text text(src.text());
+    check_parts(src.text(), text);
+    check_escaping(src.text(), text);
+    check_unescaping(src, text);
+    return 0;
+}

@@ -1,0 +1,61 @@
+// Words, tokens and lines against the standard library's searches.
+#include "input.h"
+#include "tavu.h"
+#include "text.h"
+
+namespace {
+
+constexpr Text WHITE = " \t\r\n";
+
+// What the scanner gave as a cut; `next` points into the string.
+Cut found(const char *str, int32_t status, int32_t len, const char *next) {
+    return {status, static_cast<size_t>(len),
+            next == nullptr ? NONE : static_cast<size_t>(next - str)};
+}
+
+size_t end_of_word(Text text) {
+    const size_t word = text.find_first_not_of(WHITE);
+    if (text.size() == 1) return 0;
+    if (word == NONE || word + 1 == text.size()) return word;
+    const size_t end = text.substr(0, text.size() - 1).find_first_of(WHITE, word + 1);
+    return end == NONE ? NONE : end - 1;
+}
+
+size_t end_of_line(Text text) {
+    const Text seen = text.substr(0, text.empty() ? 0 : text.size() - 1);
+    const size_t end = seen.find_first_of("\r\n");
+    if (end == NONE || text.substr(end, 2) != "\r\n") return end;
+    return end + 1 < seen.size() ? end + 1 : NONE;
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    Input in(data, size);
+    const auto delim = static_cast<char>(in.byte());
+    const auto [head, head_size] = in.bytes(in.byte() % 4);
+    const auto [body, body_size] = in.bytes(1000);
+    Block delims(head_size + 1, 0), copy(body_size + 1, 0);
+    memcpy(delims.data(), head, head_size);
+    memcpy(copy.data(), body, body_size);
+    const char *str = copy.text();
+    const Text text(str), word_delim(delims.text());
+    const auto at = [str](const char *p) {
+        return p == nullptr ? NONE : static_cast<size_t>(p - str);
+    };
+
+    require(at(tavu_str_move_to_validw(str)) == text.find_first_not_of(WHITE));
+    require(at(tavu_str_move_to_nextw(str)) ==
+            text.substr(0, text.empty() ? 0 : text.size() - 1).find_first_not_of(WHITE));
+    require(at(tavu_str_move_to_eow(str)) == end_of_word(text));
+    require(at(tavu_str_move_to_nextl(str)) == end_of_line(text));
+    int32_t len = 0;
+    const char *next = nullptr;
+    int32_t status = tavu_str_parse_by_ctok(str, delim, &len, &next);
+    require(found(str, status, len, next) == cut_by_byte(text, delim));
+    status = tavu_str_parse_by_stok(str, delims.text(), &len, &next);
+    require(found(str, status, len, next) == cut_by_string(text, word_delim));
+    status = tavu_str_parse_one_line(str, &len, &next);
+    require(found(str, status, len, next) == cut_line(text));
+    return 0;
+}
