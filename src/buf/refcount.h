@@ -17,14 +17,16 @@ int32_t addref(Object *object) {
 
 template <class Object>
 int32_t getref(Object *object) {
-    return object == nullptr ? TAVU_ERR_INVALID_ARGUMENT : object->refcnt;
+    if (object == nullptr) return TAVU_ERR_INVALID_ARGUMENT;
+    return __atomic_load_n(&object->refcnt, __ATOMIC_RELAXED);
 }
 
-// Drops a reference; the last one hands the object to Free.
+// Drops a reference; the last one hands the object to Free. Ordered, so that what other owners did to
+// the payload before they let go comes before its memory is given back.
 template <class Object, void (*Free)(Object *)>
 int32_t release(Object *object) {
     if (object == nullptr) return TAVU_ERR_INVALID_ARGUMENT;
-    const int32_t count = atomic_dec(&object->refcnt);
+    const int32_t count = __atomic_sub_fetch(&object->refcnt, 1, __ATOMIC_ACQ_REL);
     if (count == 0) Free(object);
     return count;
 }

@@ -1,4 +1,4 @@
-// Atomic counters. Relaxed: whoever acts on a count of 0 is the object's only owner.
+// Atomic counters. Relaxed: they order no other access.
 #ifndef TAVU_CORE_ATOMIC_H
 #define TAVU_CORE_ATOMIC_H
 

@@ -1,0 +1,61 @@
+// Counters and reference counts from several threads. Every thread writes to the payload while it holds
+// a reference: whoever drops the last one frees it, after all of that.
+#include "tavu.h"
+#include "threads.h"
+
+namespace {
+
+constexpr int THREADS = 4, ROUNDS = 2000;
+std::atomic<int> freed{0};
+
+void *allocate(int32_t size, uint32_t *) { return malloc(static_cast<size_t>(size)); }
+
+void release(void *payload, uint32_t) {
+    freed++;
+    free(payload);
+}
+
+// Each thread takes references, uses its part of the payload and drops all of them.
+template <class Object>
+void share(Object *object, uint8_t *payload) {
+    require(object != nullptr, "an object");
+    for (int i = 1; i < THREADS; i++) object->addref(object);
+    run_threads(THREADS, [=](int thread) {
+        for (int i = 0; i < 50; i++) {
+            require(object->addref(object) > 1, "a reference more");
+            require(object->getref(object) > 1, "as many as are held");
+            payload[thread] = static_cast<uint8_t>(payload[thread] + 1);
+            require(object->release(object) >= 1, "not the last one");
+        }
+        payload[thread] = 0;
+        object->release(object);
+    });
+}
+
+void count() {
+    int32_t word = 0;
+    run_threads(THREADS, [&](int thread) {
+        for (int i = 0; i < 100000; i++) {
+            thread % 2 == 0 ? tavu_atomic_inc(&word) : tavu_atomic_dec(&word);
+        }
+    });
+    require(word == 0, "as many up as down");
+}
+
+}  // namespace
+
+int main() {
+    count();
+    for (int i = 0; i < ROUNDS / 3; i++) {
+        tavu_imgb_t *image =
+            tavu_imgb_create(8, 8, 10, 0, nullptr, nullptr, allocate, release, nullptr);
+        share(image, image->base[0]);
+        tavu_audb_t *audio = tavu_audb_create(8, 1, 8, 0, 1, 0, allocate, release, nullptr);
+        share(audio, audio->addr[0]);
+        tavu_bitb_t *bits = tavu_bitb_create(8, 0, 0, allocate, release, nullptr);
+        share(bits, bits->addr);
+    }
+    require(freed == ROUNDS / 3 * 3, "each payload is freed once");
+    std::printf("%d objects\n", freed.load());
+    return 0;
+}
