@@ -4,6 +4,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <vector>
 
 #include "input.h"
@@ -13,8 +14,10 @@ inline std::vector<uint8_t> read_file(const char *name) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Runs the target over all inputs; their number.
+// Runs the target over all inputs and over variants of each with a few other bytes; their number.
 inline int replay(const std::vector<uint8_t> &pack) {
+    constexpr int VARIANTS = 20;
+    std::mt19937 random(1);
     int count = 0;
     for (size_t at = 0, size; at + 2 <= pack.size(); at += size, count++) {
         size = pack[at] + size_t{256} * pack[at + 1];
@@ -22,6 +25,12 @@ inline int replay(const std::vector<uint8_t> &pack) {
         require(size <= pack.size() - at);
         const Block input(pack.data() + at, size);
         LLVMFuzzerTestOneInput(input.data(), size);
+        for (int i = 0; i < VARIANTS * static_cast<int>(size > 0); i++) {
+            for (uint32_t n = random() % 3 + 1; n > 0; n--) {
+                input.data()[random() % size] = static_cast<uint8_t>(random());
+            }
+            LLVMFuzzerTestOneInput(input.data(), size);
+        }
     }
     return count;
 }

@@ -1,9 +1,70 @@
 // Sequences of ring buffer operations against the rules over head, tail and size.
-#include "container/rbuf_model.h"
+#include <vector>
+
 #include "input.h"
 #include "tavu.h"
 
 namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+// The rules over head, tail and size. Outcomes below 0 are refused.
+struct Model {
+    int s;
+    Bytes storage = Bytes(static_cast<size_t>(s));
+    int h = 0, t = 0;
+
+    bool full() const { return h == (t + s - 1) % s; }
+    uint8_t &byte(int i) { return storage[static_cast<size_t>(i % s)]; }
+    int put(const Bytes &src, int n) {
+        const int room = s - h;
+        const bool fits = h < t ? n < t - h : n - room < t || (t == 0 && n == room);
+        if (full() || n < 0 || (!fits && (h < t || t == 0))) return 0;
+        for (int i = 0; i < (fits ? n : room); i++) byte(h + i) = src[static_cast<size_t>(i)];
+        if (fits) h = h < t || t == 0 || n < room ? h + n : n - room;
+        return fits ? n : 0;
+    }
+    int skip_head(int n) {
+        const int k = std::min(n, h < t ? t - 1 - h : s - h + t - 1);
+        if (full() || k < 0) return 0;
+        if (t != 0 || n < s - h) h = h < t || h + k < s ? h + k : h + k - s;
+        return k;
+    }
+    int get(uint8_t *dst, int n) { return t > s ? 0 : skip_tail(n, dst); }
+    int skip_tail(int n, uint8_t *dst = nullptr) {
+        const int k = std::min(n, h < t ? s - t + h : h - t);
+        if (k < 0) return 0;
+        for (int i = 0; dst != nullptr && i < k; i++) dst[i] = byte(t + i);
+        t = h >= t || t + k < s ? t + k : t + k - s;
+        return k;
+    }
+    int line(uint8_t *dst, int from, int limit) {
+        for (int i = 0; i < limit; i++) {
+            dst[i] = byte(from + i);
+            if (dst[i] == '\0') return 0;
+            const int complete = i > 0 && dst[i - 1] == '\r';
+            if (dst[i] != '\n') continue;
+            memcpy(dst + i - complete, "\r\n", 2);
+            return i + 2 - complete;
+        }
+        return 0;
+    }
+    int get_one_line(uint8_t *dst, int size) {
+        const int piece = s - t;
+        if (size < 0 || piece < 0) return 0;
+        int n = line(dst, t, h < t ? piece : std::min(size - 1, h - t)), to = t + n;
+        if (n == 0 && h < t && size > piece) {
+            const bool split = storage.back() == '\r' && storage[0] == '\n';
+            if (split) dst[piece] = '\n';
+            to = split ? 1 : line(dst + piece, 0, std::min(size - piece, h));
+            n = to == 0 ? 0 : piece + to + (split ? 1 : 0);
+        }
+        if (n == 0) return 0;
+        dst[n] = 0;
+        t = to;
+        return n;
+    }
+};
 
 // Text with line ends; zeros too.
 void fill(uint8_t *text, size_t size, uint8_t kind) {
@@ -13,7 +74,7 @@ void fill(uint8_t *text, size_t size, uint8_t kind) {
 }
 
 // One operation on both; false if the results or what they wrote to the caller differ.
-bool step(tavu_rbuf_t *ring, RbufModel *m, Input *in) {
+bool step(tavu_rbuf_t *ring, Model *m, Input *in) {
     const int op = in->byte(), n = in->range(-1, m->s + 3);
     Bytes src(static_cast<size_t>(std::max(n, 0)));
     // Room for `n` bytes, for a line as the header states it.
@@ -39,7 +100,7 @@ bool step(tavu_rbuf_t *ring, RbufModel *m, Input *in) {
     return tavu_rbuf_put(ring, exact.data(), n) == m->put(src, n);
 }
 
-void check(tavu_rbuf_t *ring, const RbufModel &m) {
+void check(tavu_rbuf_t *ring, const Model &m) {
     const bool wraps = m.h < m.t;
     const int fill = wraps ? m.s - m.t : m.h - m.t;
     const int free = wraps ? m.t - 1 - m.h : m.s - m.h - (m.t == 0 ? 1 : 0);
@@ -64,7 +125,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     Input in(data, size);
     const int small = in.range(1, 60), storage = small < 50 ? small % 12 + 1 : (small - 49) * 20;
     tavu_rbuf_t *ring = tavu_rbuf_create(storage);
-    RbufModel model{storage};
+    Model model{storage};
     while (!in.empty()) {
         require(step(ring, &model, &in));
         check(ring, model);

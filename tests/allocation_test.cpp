@@ -49,7 +49,8 @@ void expect_exact(const PictureRequest &r) {
 TEST(Sizes, PicturesAskForExactlyTheirPlanesOrAreRefused) {
     const uint32_t entries[] = {0x10001,    0x20001,    0x80008000, 0x7FFF0001,
                                 0xFFFFFFFF, 0x00010000, 0x80000001, 0x18000};
-    for (const int32_t cs : {10, 11, 12, 13, 18, 43, 100, 300, 400, 500, 599, 600}) {
+    for (const int32_t cs : {-1, 0,  9,  10,  11,  12,  13,  14,  17,  18,  19, 42,
+                             43, 44, 99, 100, 299, 300, 400, 500, 599, 600, BIG}) {
         for (const int32_t w : limits()) {
             for (const int32_t h : limits()) {
                 expect_exact({w, h, cs, nullptr, nullptr});
@@ -229,7 +230,14 @@ struct Creator {
 
 template <class Object>
 bool drop(Object *object) {
-    return object != nullptr && object->release(object) == 0;
+    if (object == nullptr) return false;
+    EXPECT_EQ(object->addref(object), 2);
+    EXPECT_EQ(object->getref(object), 2);
+    EXPECT_EQ(object->release(object), 1);
+    for (const auto method : {object->addref, object->getref, object->release}) {
+        EXPECT_EQ(method(nullptr), TAVU_ERR_INVALID_ARGUMENT);
+    }
+    return object->release(object) == 0;
 }
 
 template <class Object>

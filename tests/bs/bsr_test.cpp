@@ -18,49 +18,6 @@ struct Reader : tavu_bsr_t {
     Bytes copy;
 };
 
-TEST(Bsr, FixedWidthReadsFollowTheBits) {
-    std::mt19937 random(1);
-    for (int round = 0; round < 300; round++) {
-        const Bytes bytes = random_bytes(20 + random() % 40, static_cast<unsigned>(random()));
-        const std::string bits = unpack(bytes);
-        Reader r(bytes);
-        for (size_t at = 0; at + 64 <= bits.size();) {
-            const size_t n = random() % 33, m = random() % 33, to_byte = (8 - at % 8) % 8;
-            const auto size = static_cast<int32_t>(n), size2 = static_cast<int32_t>(m);
-            const unsigned operation = static_cast<unsigned>(random() % 6);
-            int32_t dropped = static_cast<int32_t>(to_byte);
-            uint32_t got = 0, expected = 0;
-            size_t consumed = n;
-            if (operation == 0) {
-                consumed = 1;
-                got = static_cast<uint32_t>(tavu_bsr_read1(&r));
-                expected = value_of(bits, at, 1);
-            } else if (operation == 1) {
-                tavu_bsr_skip(&r, size);
-            } else if (operation == 2) {
-                consumed = 0;
-                got = tavu_bsr_peek(&r, size);
-                expected = value_of(bits, at, n);
-            } else if (operation == 3) {
-                got = tavu_bsr_skip_peek(&r, size, size2);
-                expected = value_of(bits, at + n, m);
-            } else if (operation == 4) {
-                consumed = to_byte;
-                got = static_cast<uint32_t>(tavu_bsr_read_align8(&r, &dropped));
-                expected = value_of(bits, at, to_byte);
-            } else {
-                got = static_cast<uint32_t>(tavu_bsr_read(&r, size));
-                expected = value_of(bits, at, n);
-            }
-            at += consumed;
-            ASSERT_EQ(got, expected) << operation;
-            ASSERT_EQ(dropped, to_byte);
-            ASSERT_EQ(r.position(), at) << operation;
-            ASSERT_EQ(static_cast<uint64_t>(r.code) << r.leftbits & 0xFFFFFFFF, 0U);
-        }
-    }
-}
-
 TEST(Bsr, ExpGolombCodesOfAllLengthsAtAllPositions) {
     for (int lead = 0; lead < 32; lead++) {
         std::string bits(static_cast<size_t>(lead), '1');

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <random>
 #include <string>
 
 #include "bits.h"
@@ -31,79 +30,6 @@ std::string binary(uint32_t value, int length) {
     std::string bits;
     for (int i = length - 1; i >= 0; i--) bits += static_cast<char>('0' + (value >> i & 1));
     return bits;
-}
-
-TEST(Bsw, WhatIsWrittenIsReadBack) {
-    enum { FIXED, SINGLE, UE, SE, TE, TE1, KINDS };
-    std::mt19937 random(1);
-    for (int round = 0; round < 40; round++) {
-        Writer w(4000);
-        std::string bits;
-        struct Code {
-            unsigned kind;
-            int32_t value, length;
-        };
-        std::vector<Code> codes;
-        for (int i = 0; i < 400; i++) {
-            const unsigned kind = static_cast<unsigned>(random() % KINDS);
-            const auto length = static_cast<int32_t>(random() % 33);
-            const auto any = static_cast<uint32_t>(random());
-            const auto small = static_cast<int32_t>((any & 0xFFFF) >> random() % 16 >> 1);
-            const int32_t value = kind == SE && i % 2 == 1 ? -small : small;
-            int32_t status = 0;
-            switch (kind) {
-                case FIXED:
-                    status = tavu_bsw_write(&w, any, length);
-                    bits += binary(any, length);
-                    break;
-                case SINGLE:
-                    status = tavu_bsw_write1(&w, static_cast<int32_t>(any));
-                    bits += binary(any, 1);
-                    break;
-                case UE: status = tavu_bsw_write_ue(&w, static_cast<uint32_t>(value)); break;
-                case SE: status = tavu_bsw_write_se(&w, value); break;
-                case TE: status = tavu_bsw_write_te(&w, value, 2 + value); break;
-                default:
-                    status = tavu_bsw_write_te(&w, value & 1, 1);
-                    bits += value & 1 ? '0' : '1';
-            }
-            if (kind == UE || kind == TE) {
-                bits += exp_golomb(static_cast<uint32_t>(value));
-                EXPECT_EQ(static_cast<size_t>(tavu_bsw_size_ue(static_cast<uint32_t>(value))),
-                          exp_golomb(static_cast<uint32_t>(value)).size());
-            }
-            if (kind == SE) {
-                const std::string code =
-                    exp_golomb(static_cast<uint32_t>(value > 0 ? 2 * value - 1 : -2 * value));
-                bits += code;
-                EXPECT_EQ(static_cast<size_t>(tavu_bsw_size_se(value)), code.size());
-            }
-            ASSERT_EQ(status, 0);
-            w.expect(bits);
-            if (HasFailure()) return;
-            codes.push_back({kind,
-                             kind == FIXED || kind == SINGLE ? static_cast<int32_t>(any) : value,
-                             length});
-        }
-        ASSERT_EQ(tavu_bsw_sink(&w), 0);
-        EXPECT_EQ(w.leftbits, 32);
-        EXPECT_EQ(w.code, 0U);
-        ASSERT_EQ(w.cur - w.beg, static_cast<ptrdiff_t>(bits.size() + 7) / 8);
-
-        tavu_bsr_t r;
-        tavu_bsr_init(&r, w.beg, static_cast<int32_t>(w.cur - w.beg), nullptr);
-        for (const Code &c : codes) {
-            const auto mask = static_cast<int32_t>((uint64_t{1} << c.length) - 1);
-            switch (c.kind) {
-                case FIXED: ASSERT_EQ(tavu_bsr_read(&r, c.length), c.value & mask); break;
-                case SINGLE: ASSERT_EQ(tavu_bsr_read1(&r), c.value & 1); break;
-                case UE: ASSERT_EQ(tavu_bsr_read_ue(&r), c.value); break;
-                case SE: ASSERT_EQ(tavu_bsr_read_se(&r), c.value); break;
-                case TE: ASSERT_EQ(tavu_bsr_read_te(&r, 2 + c.value), c.value); break;
-                default: ASSERT_EQ(tavu_bsr_read_te(&r, 1), c.value & 1);
-            }
-        }
-    }
 }
 
 TEST(Bsw, LongestCodesAndTheirSizes) {

@@ -148,40 +148,6 @@ TEST_F(Imgb, OptionTakesItsGeometryFromTheCaller) {
               TAVU_ERR_INVALID_ARGUMENT);
 }
 
-TEST_F(Imgb, RefusesWhatItCannotHold) {
-    const auto status = [](int32_t w, int32_t h, int32_t cs, uint32_t align = pair(1, 1),
-                           uint32_t pad = 0, tavu_imgb_free_fn free_fn = release) {
-        const uint32_t aligns[] = {align, align, align}, pads[] = {pad, pad, pad};
-        int32_t code = 1;
-        EXPECT_EQ(tavu_imgb_create(w, h, cs, 0, aligns, pads, allocate, free_fn, &code), nullptr);
-        return code;
-    };
-    for (int32_t cs : {-1, 0, 9, 14, 17, 19, 42, 44, 99, 600, 650, INT32_MAX}) {
-        EXPECT_EQ(status(5, 3, cs), TAVU_ERR_UNSUPPORTED_CS) << cs;
-    }
-    constexpr int32_t BIG = INT32_MAX, INVALID = TAVU_ERR_INVALID_ARGUMENT;
-    EXPECT_EQ(status(-1, 3, 10), INVALID);
-    EXPECT_EQ(status(5, -1, 10), INVALID);
-    EXPECT_EQ(status(BIG, 2, 10), INVALID);
-    EXPECT_EQ(status(0x20000000, 1, 500), INVALID);
-    EXPECT_EQ(status(65536, 65536, 10), INVALID);
-    EXPECT_EQ(status(BIG, BIG, 500), INVALID);
-    EXPECT_EQ(status(40000, 40000, 11), INVALID);
-    EXPECT_EQ(status(1, 1, 300, pair(1, 1), pair(65535, 65535)), INVALID);
-    EXPECT_EQ(status(1, BIG, 10, pair(1, 1), pair(65535, 65535)), INVALID);
-    for (uint32_t align : {pair(3, 1), pair(0, 1), pair(1, 6), pair(1, 0)}) {
-        EXPECT_EQ(status(5, 3, 10, align), INVALID) << align;
-    }
-    EXPECT_EQ(status(5, 3, 10, pair(1, 1), 0, nullptr), INVALID);
-    EXPECT_EQ(memory.allocated, 0);
-
-    // The largest picture reaches the allocator with its size in one piece.
-    memory.fail = true;
-    EXPECT_EQ(status(BIG, 1, 10), TAVU_ERR_BUFFER_ALLOC);
-    EXPECT_EQ(memory.size, BIG);
-    EXPECT_EQ(memory.freed, 0);
-}
-
 TEST_F(Imgb, CountsReferences) {
     memory.second = 77;
     tavu_imgb_t *image = create(4, 4, 10).release();

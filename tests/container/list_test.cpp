@@ -3,13 +3,16 @@
 #include <algorithm>
 #include <memory>
 
-#include "list_model.h"
 #include "memory.h"
 #include "tavu.h"
 
 namespace {
 
+using Values = std::vector<uint32_t>;
 using List = std::unique_ptr<tavu_list_t, decltype(&tavu_list_delete)>;
+
+// Elements are numbers above 0.
+uint32_t value(void *data) { return data != nullptr ? *static_cast<uint32_t *>(data) : 0; }
 
 tavu_list_t *watched;
 Values released;
@@ -24,31 +27,6 @@ List list_of(const Values &values) {
     watched = tavu_list_create(4, on_release);
     for (const uint32_t &v : values) tavu_list_add(watched, &v);
     return {watched, tavu_list_delete};
-}
-
-void expect_equal(tavu_list_t *list, const ListModel &m) {
-    ASSERT_EQ(tavu_list_get_cnt(list), m.cnt());
-    ASSERT_EQ(value(tavu_list_get_cur(list)), m.at(m.cur));
-    ASSERT_EQ(value(tavu_list_get_first(list)), m.at(0));
-    ASSERT_EQ(value(tavu_list_get_last(list)), m.at(m.cnt() - 1));
-    ASSERT_EQ(released, m.released);
-    for (int i = -2; i < m.cnt() + 2; i++) {
-        ASSERT_EQ(value(tavu_list_get_at(list, i)), m.at(std::max(i, 0)));
-        ASSERT_EQ(value(tavu_list_get_atid(list, tavu_list_get_id(list, i))), m.at(i));
-    }
-}
-
-TEST(List, FollowsTheModel) {
-    std::mt19937 random(1);
-    for (int round = 0; round < 100; round++) {
-        const List list = list_of({});
-        ListModel model;
-        for (int i = 0; i < 200 && !HasFatalFailure(); i++) {
-            const auto [got, expected] = step(list.get(), &model, static_cast<unsigned>(random()));
-            ASSERT_EQ(got, expected);
-            expect_equal(list.get(), model);
-        }
-    }
 }
 
 TEST(List, InsertsAtTheEndsOnlyAndTakesNegativePositionsForTheFirst) {
