@@ -63,7 +63,7 @@ void check_layout(const tavu_imgb_t *image, const Request &r) {
 void use(tavu_imgb_t *image, const Request &r) {
     if (r.pad != nullptr && r.align == nullptr) tavu_imgb_expand(image, r.pad);
     uint8_t digest[16];
-    image->x = r.w / 2;
+    image->x = (r.options & 32) != 0 ? r.w / 2 : 0;
     image->y = r.h / 2;
     tavu_md5_imgb(image, digest);
 }

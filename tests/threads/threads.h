@@ -20,6 +20,7 @@ template <class Work>
 void run_threads(int count, Work work) {
     std::atomic<int> ready{0};
     std::vector<std::thread> threads;
+    threads.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; i++) {
         threads.emplace_back([&, i] {
             ready++;
