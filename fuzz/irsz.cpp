@@ -7,15 +7,17 @@ namespace {
 struct Sizes {
     int32_t src_w, src_h, dst_w, dst_h, src_gap, dst_gap;
 
-    // Up to 64 pixels, of one axis up to 1024 or a multiple of the other size.
+    // A few rows of up to 64 pixels, of one axis more or a multiple of the other size.
     explicit Sizes(Input *in)
         : src_w(in->range(1, 64)),
-          src_h(in->range(1, 24)),
+          src_h(in->range(1, 6)),
           dst_w(in->range(1, 64)),
-          dst_h(in->range(1, 24)),
+          dst_h(in->range(1, 5)),
           src_gap(in->range(0, 3)),
           dst_gap(in->range(0, 3)) {
         const uint8_t kind = in->byte();
+        if (kind % 8 == 5) src_h *= 8;
+        if (kind % 8 == 6) dst_h *= 6;
         if (kind % 8 == 1) src_w *= 16;
         if (kind % 8 == 2) src_w = std::min(dst_w * (kind / 8), 2000) + 1;
         if (kind % 8 == 3) src_h = std::min(dst_h * (kind / 8), 60) + 1;
@@ -70,7 +72,8 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     constexpr int32_t FORMATS[] = {TAVU_IRSZ_8B, TAVU_IRSZ_8B8B8B, TAVU_IRSZ_8B8B8B8B,
                                    TAVU_IRSZ_8B8B8B_5B6B5B, TAVU_IRSZ_5B6B5B};
     Input in(data, size);
-    const size_t index = in.byte() % kernels.size();
+    const uint8_t choice = in.byte();
+    const size_t index = choice % kernels.size();
     const ResizeKernel &kernel = kernels[index];
     const int32_t band = in.byte() % 4 == 0 ? 1 << in.byte() % 6 : 0;
     Sizes s(&in);
@@ -79,9 +82,8 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
                          s.src_w * kernel.src_bytes));
     src.fill(&in);
     const Block wanted = whole(kernel, kernel.model.full, s, src);
-    for (const ResizeVariant &side : kernel.variants) {
-        require(whole(kernel, side.full, s, src) == wanted);
-    }
+    const ResizeVariant &side = kernel.variants[choice / kernels.size() % kernel.variants.size()];
+    require(whole(kernel, side.full, s, src) == wanted);
     if (band == 0) return 0;
     const Block pieces = banded(kernel, FORMATS[index], s, src, band);
     const bool complete = band >= 2 && band >= 2 * ((s.src_h + s.dst_h - 1) / s.dst_h);
