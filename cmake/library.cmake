@@ -62,9 +62,10 @@ if(TAVU_SIMD)
     COMPILE_OPTIONS $<$<CONFIG:Release>:-Os>)
 endif()
 
-# Loops that gain nothing from being written out.
+# Loops that gain nothing from being written out, or are written out by hand.
 set_source_files_properties(
-  src/buf/imgb_expand.cpp src/buf/imgb_geometry.cpp PROPERTIES
+  src/buf/imgb_expand.cpp src/buf/imgb_geometry.cpp src/buf/vdata.cpp
+  src/metric/diff.cpp src/metric/sad.cpp src/metric/satd.cpp src/metric/ssd.cpp PROPERTIES
   COMPILE_OPTIONS $<$<CONFIG:Release>:-O2>)
 
 function(tavu_objects name)

@@ -3,6 +3,7 @@
 #define TAVU_FUZZ_INPUT_H
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -34,7 +35,7 @@ class Input {
     int32_t range(int32_t from, int32_t to) { return from + byte() % (to - from + 1); }
     template <class List>
     const auto &pick(const List &list) {
-        return *(std::begin(list) + byte() % std::size(list));
+        return *std::next(std::begin(list), byte() % static_cast<ptrdiff_t>(std::size(list)));
     }
     // The next `count` bytes, fewer if the input ends.
     std::pair<const uint8_t *, size_t> bytes(size_t count) {

@@ -16,7 +16,7 @@ inline std::vector<uint8_t> read_file(const char *name) {
 
 // Runs the target over all inputs and over variants of each with a few other bytes; their number.
 inline int replay(const std::vector<uint8_t> &pack) {
-    constexpr int VARIANTS = 20;
+    constexpr int VARIANTS = 100;
     std::mt19937 random(1);
     int count = 0;
     for (size_t at = 0, size; at + 2 <= pack.size(); at += size, count++) {
@@ -26,7 +26,7 @@ inline int replay(const std::vector<uint8_t> &pack) {
         const Block input(pack.data() + at, size);
         LLVMFuzzerTestOneInput(input.data(), size);
         for (int i = 0; i < VARIANTS * static_cast<int>(size > 0); i++) {
-            for (uint32_t n = random() % 3 + 1; n > 0; n--) {
+            for (auto n = random() % 3 + 1; n > 0; n--) {
                 input.data()[random() % size] = static_cast<uint8_t>(random());
             }
             LLVMFuzzerTestOneInput(input.data(), size);

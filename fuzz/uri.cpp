@@ -72,7 +72,7 @@ void check_unescaping(const Block &src, Text text) {
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    const size_t length = std::find(data, data + size, 0) - data;
+    const auto length = static_cast<size_t>(std::find(data, data + size, 0) - data);
     const bool percent = length > 0 && data[length - 1] == '%';
     Block src(length + (percent ? 2 : 1), '7');
     std::copy(data, data + length, src.data());

@@ -22,11 +22,22 @@ void copy_rows(Rows at, int32_t width, int32_t height) {
 
 // With the width as a constant each row is one or two loads and stores.
 template <int Width>
+void copy_row(Rows &at) {
+    copy_chunk<Width>(at.dst, at.src);
+    at.dst += at.dst_stride;
+    at.src += at.src_stride;
+}
+
+template <int Width>
 void copy_rows(Rows at, int32_t height) {
+    for (; height > 0; height--) copy_row<Width>(at);
+}
+
+// For the widths of most blocks.
+template <int Width>
+void copy_many_rows(Rows at, int32_t height) {
 #pragma GCC unroll 8
-    for (; height > 0; height--, at.dst += at.dst_stride, at.src += at.src_stride) {
-        copy_chunk<Width>(at.dst, at.src);
-    }
+    for (; height > 0; height--) copy_row<Width>(at);
 }
 
 // Whole blocks of 64 bytes and one byte of the remainder. In pieces, for C libraries take a slower way
@@ -61,8 +72,8 @@ void tavu_mcpy_blk(void *dst, const void *src, int32_t dst_stride, int32_t src_s
                    int32_t width, int32_t height) {
     const Rows at{static_cast<uint8_t *>(dst), static_cast<const uint8_t *>(src), dst_stride,
                   src_stride};
-    if (width == 8) return copy_rows<8>(at, height);
-    if (width == 16) return copy_rows<16>(at, height);
+    if (width == 8) return copy_many_rows<8>(at, height);
+    if (width == 16) return copy_many_rows<16>(at, height);
     switch (width) {
         case 2: copy_rows<2>(at, height); break;
         case 4: copy_rows<4>(at, height); break;
