@@ -122,5 +122,5 @@ class Completion(Case):
             rows = self.zsh(command)
             self.assertEqual(offered(rows), options(command) | options(""), command)
             for option, names in re.findall(r"(--to|--cs) (\w+(?:\|\w+)+)", help_text(command)):
-                spec = next(row for row in rows if row.startswith(option))
-                self.assertEqual(spec.split("(")[1].rstrip(")").split(), names.split("|"))
+                entry = next(row for row in rows if row.startswith(option))
+                self.assertEqual(entry.split("(")[1].rstrip(")").split(), names.split("|"))
