@@ -49,12 +49,12 @@ void count_metrics() {
     count_area("ssd 16x16", tavu_ssd, 16);
 }
 
-uint8_t source[640 * 360 * 4], target[480 * 270 * 4];
+uint8_t source[1920 * 1080], target[960 * 540];
 
 struct Size {
     int32_t w, h;
 };
-constexpr Size P180{320, 180}, P270{480, 270}, P360{640, 360};
+constexpr Size P180{320, 180}, P270{480, 270}, P360{640, 360}, P540{960, 540}, P1080{1920, 1080};
 
 void count_resize(const std::string &name, tavu_irsz_full_t *resize, int32_t bytes, Size from,
                   Size to) {
@@ -78,6 +78,7 @@ void count_combined(const std::string &name, tavu_fn_csc_t resize, int32_t bytes
 
 void count_resizes() {
     count_resize("1 byte to half", tavu_irsz8b_full, 1, P360, P180);
+    count_resize("1 byte, 1080p to 540p", tavu_irsz8b_full, 1, P1080, P540);
     count_resize("1 byte 1.5x up", tavu_irsz8b_full, 1, P180, P270);
     count_resize("1 byte to quarter", tavu_irsz8b_full, 1, P360, {160, 90});
     count_resize("1 byte 1.5x down", tavu_irsz8b_full, 1, P270, P180);

@@ -2,47 +2,61 @@
 #ifndef TAVU_IMGP_RESIZE_HALVING_H
 #define TAVU_IMGP_RESIZE_HALVING_H
 
-#include <algorithm>
-
 #include "imgp/resize_sink.h"
-#include "tavu.h"
 
 namespace tavu {
 namespace {
 
-// The step falls behind 2 by about 1 / width. So column i from the second on begins at 2 i - 1, until
-// the loss sums up to another pixel, and its weight falls by an eighth at a time.
+// The step falls behind 2 by about 1 / width, so that column i begins at 2 i - behind(i).
 constexpr int32_t HALVING = 2 << POSITION_BITS;
-constexpr int32_t MIN_HALVED = 4 * LANES;  // narrower runs gain nothing
-constexpr int32_t MAX_HALVED = 4096;       // positions have 13 bits before the point
+constexpr int32_t MIN_HALVED = 4 * LANES;  // narrower rows gain nothing
+
+inline int32_t loss_of(const Columns &columns) { return HALVING - columns.step.step; }
 
 inline bool halves(const Columns &columns) {
-    const Step step = columns.step;
-    return columns.bytes == 1 && columns.next == 1 && step.shift == 0 && step.step < HALVING &&
-           columns.width >= MIN_HALVED && columns.width <= MAX_HALVED &&
-           step.step >= HALVING - (1 << POSITION_BITS) / MIN_HALVED;
+    const int32_t loss = loss_of(columns);
+    return columns.bytes == 1 && columns.next == 1 && columns.step.shift == 0 && loss > 0 &&
+           loss <= (1 << POSITION_BITS) / MIN_HALVED && columns.width >= MIN_HALVED &&
+           columns.width <= HalvedRow::MAX_WIDTH &&
+           columns.width * loss <= HalvedRow::MAX_BEHIND << POSITION_BITS;
 }
 
-// The first column whose position has lost more than `eighths`.
-inline int32_t column_behind(int32_t loss, int32_t eighths) {
-    return eighths * (1 << (POSITION_BITS - 3)) / loss + 1;
-}
-
-inline HalvedRow make_halved_row(const Columns &columns) {
-    const int32_t loss = HALVING - columns.step.step;
-    HalvedRow row;
-    row.runs = 0;
-    row.rest = LANES;
-    row.width = columns.width;
-    for (int32_t eighth = 1; eighth <= 8; eighth++) {
-        const int32_t room = std::min(column_behind(loss, 8), columns.width) - row.rest;
-        const int32_t wanted = column_behind(loss, eighth) - row.rest;
-        const int32_t blocks = std::min((wanted + LANES - 1) / LANES, room / LANES);
-        if (blocks <= 0) continue;
-        row.run[row.runs++] = {row.rest, blocks, tavu_tbl_bilinear_rszw + 32 * (8 - eighth)};
-        row.rest += std::min(wanted, blocks * LANES);
+inline void add_piece(const Columns &columns, HalvedRow &row, const Piece &piece) {
+    row.piece[row.pieces++] = piece;
+    uint8_t *weights = row.horizontal + 2 * LANES * row.blocks;
+    row.blocks += piece.blocks;
+    for (int32_t i = 0; i < piece.blocks * LANES; i += 8, weights += 16) {
+        set_weights(weights, columns.eighths(piece.first + i, OFFSETS[0]));
     }
-    return row;
+}
+
+// From right to left, for the first block of a piece may reach into the piece before it. That of the
+// first piece would reach beyond column 1, which its own stands for.
+inline void make_halved_row(const Columns &columns, HalvedRow &row) {
+    const int32_t loss = loss_of(columns);
+    row.pieces = row.blocks = 0;
+    int32_t end = columns.width, behind = 2 * (end - 1) - columns.left(end - 1);
+    for (; behind > 1; behind--) {
+        const int32_t first = ((behind - 1) << POSITION_BITS) / loss + 1;
+        const int32_t blocks = (end - first + LANES - 1) / LANES;
+        add_piece(columns, row, {end - blocks * LANES, behind, blocks});
+        end = first;
+    }
+    add_piece(columns, row, {end - LANES, 1, 1});
+    add_piece(columns, row, {1, 1, (end - 1) / LANES});
+}
+
+// Makes the blocks' weights for a vertical fraction. Pairs of bytes multiply as one: no product
+// exceeds 255, for b is neither 0 nor 8.
+inline void weigh_blocks(HalvedRow &row, uint16_t b, int unit) {
+    const auto top = static_cast<uint16_t>((8 - b) * unit),
+               bottom = static_cast<uint16_t>(b * unit);
+    const uint8_t *p = row.horizontal;
+    for (int32_t i = 0; i < row.blocks; i++, p += 2 * LANES) {
+        const U16 x = load_lanes<U16>(p), y = load_lanes<U16>(p + LANES);
+        row.weights[i] = {{x * top, y * top}, {x * bottom, y * bottom}};
+    }
+    row.b = b;
 }
 
 }  // namespace

@@ -21,19 +21,24 @@ struct WeighedRow {
     }
 };
 
-// Columns of one weight whose samples stand side by side: that
-// of the run's first column at byte 2 * first - 1. Blocks may reach into the next run, which follows.
-struct Run {
-    int32_t first, blocks;
-    const uint8_t *weights;  // of its a, four for each b
+// Blocks of columns whose samples stand side by side: those of column `first` at byte
+// 2 * first - behind.
+struct Piece {
+    int32_t first, behind, blocks;
 };
 
-// A row of half the width. The first block and those from column `rest` on are made of taps.
+// A row of half the width. All columns but the first lie in pieces, of which later ones overwrite.
 struct HalvedRow {
-    int runs;
-    Run run[8];
-    int32_t rest, width;
-    Taps<1> first_taps[2], rest_taps[2 * WeighedRow::chunk_size(1) / LANES];
+    static constexpr int32_t MAX_WIDTH = 4096, MAX_BEHIND = 3;
+    static constexpr int32_t MAX_PIECES = MAX_BEHIND + 1;
+    static constexpr int32_t MAX_BLOCKS = MAX_WIDTH / LANES + MAX_PIECES;
+    int pieces;
+    int32_t blocks;
+    uint16_t b;  // that the weights are for
+    Piece piece[MAX_PIECES];
+    Taps<1> first_taps[2];  // of the first block
+    uint8_t horizontal[2 * LANES * MAX_BLOCKS];
+    HalfWeights weights[MAX_BLOCKS];
 };
 
 struct Sink {
@@ -45,8 +50,7 @@ struct Sink {
     void (*mix)(const WeighedRow &upper, const WeighedRow &lower, uint16_t b, int32_t width,
                 uint8_t *out);
     // `ahead` bytes on is what comes next.
-    void (*halve)(const RowPair &rows, const HalvedRow &row, uint16_t b, ptrdiff_t ahead,
-                  uint8_t *out);
+    void (*halve)(const RowPair &rows, const HalvedRow &row, ptrdiff_t ahead, uint8_t *out);
 };
 
 // Target pixels of a kind are made by a class that has
@@ -111,39 +115,41 @@ void mix_row(const WeighedRow &upper, const WeighedRow &lower, uint16_t b, int32
 }
 
 template <class Pixels>
-TAVU_VEC_INLINE void halve_run(const RowPair &rows, const Run &run, uint16_t b, ptrdiff_t ahead,
-                               uint8_t *out) {
+TAVU_VEC_INLINE void halve_piece(const RowPair &rows, const Piece &piece,
+                                 const HalfWeights *weights, ptrdiff_t ahead, uint8_t *out) {
     constexpr int PLANES = Pixels::PLANES;
+    const int32_t x = 2 * piece.first - piece.behind;
     const uint8_t *top[size_t{PLANES}], *bottom[size_t{PLANES}];
 #pragma GCC unroll 4
-    for (int p = 0; p < PLANES; p++) {
-        top[p] = rows.top[p] + 2 * run.first - 1;
-        bottom[p] = rows.bottom[p] + 2 * run.first - 1;
-    }
-    out += run.first * Pixels::BYTES;
+    for (int p = 0; p < PLANES; p++) top[p] = rows.top[p] + x, bottom[p] = rows.bottom[p] + x;
+    out += piece.first * Pixels::BYTES;
     if constexpr (Pixels::IS_BYTES) {
-        return halve_to_bytes(top[0], bottom[0], run.weights + 4 * b, run.blocks, ahead, out);
+        return halve_to_bytes(top[0], bottom[0], weights, piece.blocks, ahead, out);
     }
-    const HalfWeights weights = half_weights(run.weights + 4 * b);
-    for (int32_t n = run.blocks; n > 0; n--) {
+    for (int32_t n = piece.blocks; n > 0; n--, weights++) {
         UWide sums[size_t{PLANES}];
 #pragma GCC unroll 4
         for (int p = 0; p < PLANES; p++) {
             prefetch(top[p] + ahead);
             prefetch(bottom[p] + ahead);
-            sums[p] = halve(top[p], bottom[p], weights);
+            sums[p] = halve(top[p], bottom[p], *weights);
         }
         Pixels::store(out, sums);
     }
 }
 
 template <class Pixels>
-void halve_row(const RowPair &rows, const HalvedRow &row, uint16_t b, ptrdiff_t ahead,
-               uint8_t *out) {
-    weigh_and_mix_row<Pixels>(rows, row.first_taps, b, LANES, out);
-    for (int i = 0; i < row.runs; i++) halve_run<Pixels>(rows, row.run[i], b, ahead, out);
-    weigh_and_mix_row<Pixels>(rows, row.rest_taps, b, row.width - row.rest,
-                              out + row.rest * Pixels::BYTES);
+void halve_row(const RowPair &rows, const HalvedRow &row, ptrdiff_t ahead, uint8_t *out) {
+    if constexpr (Pixels::IS_BYTES) {
+        *out = static_cast<uint8_t>(((8 - row.b) * *rows.top[0] + row.b * *rows.bottom[0]) >> 3);
+    } else {
+        weigh_and_mix_row<Pixels>(rows, row.first_taps, row.b, LANES, out);
+    }
+    const HalfWeights *weights = row.weights;
+    for (int i = 0; i < row.pieces; i++) {
+        halve_piece<Pixels>(rows, row.piece[i], weights, ahead, out);
+        weights += row.piece[i].blocks;
+    }
 }
 
 template <class Pixels>

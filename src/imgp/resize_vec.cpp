@@ -9,16 +9,21 @@ namespace tavu {
 inline namespace TAVU_LEVEL_NAMESPACE {
 namespace {
 
+// A row whose lower one has no weight is the mean of itself and itself, which spares weights of 64.
+RowSource spread(const RowSource &from) {
+    return from.b > 0 ? from : RowSource{from.top, from.top, 4};
+}
+
 bool resize_half(const Sink &sink, const Columns &columns, const Rows &rows) {
     if (!halves(columns) || rows.grow()) return false;
-    HalvedRow row = make_halved_row(columns);
-    const int32_t rest = columns.width - row.rest;
-    if (rest > WeighedRow::chunk_size(1)) return false;
+    HalvedRow row;
+    make_halved_row(columns, row);
     columns.make_taps(0, 1, row.first_taps);
-    columns.make_taps(row.rest, (rest + LANES - 1) / LANES, row.rest_taps);
-    rows.for_each([&](const RowSource &from, uint8_t *out) {
-        sink.halve(RowPair(rows, sink.planes, from, 0), row, from.b, 2 * rows.planes[0].stride,
-                   out);
+    row.b = 0;
+    rows.for_each([&](const RowSource &place, uint8_t *out) {
+        const RowSource from = spread(place);
+        if (from.b != row.b) weigh_blocks(row, from.b, sink.planes == 1 ? BYTES_UNIT : 1);
+        sink.halve(RowPair(rows, sink.planes, from, 0), row, 2 * rows.planes[0].stride, out);
     });
     return true;
 }

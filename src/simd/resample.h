@@ -18,13 +18,14 @@
 //     round_shift8(v)       (v + 128) >> 8 of signed lanes, without wrapping
 //     load16(p), store16(p, v)
 //                           a register of 16-bit lanes from or to any address
-//     half_weights(p)       a HalfWeights of four bytes: upper left, upper right, lower left, lower right
+//     HalfWeights           the weights of LANES squares of two bytes of two rows, for those of each
+//                           row as set_weights() lays them out, times the row's
 //     halve(top, bottom, weights)
-//                           the weighted sums of LANES squares of two bytes of two rows; both
-//                           pointers move on
-//     halve_to_bytes(top, bottom, p, blocks, ahead, out)
-//                           the same by narrow6(), with the weights at p, of one block or more;
-//                           `ahead` bytes on is what comes next
+//                           the weighted sums of such squares; both pointers move on
+//     BYTES_UNIT            the scale of the weights of halve_to_bytes()
+//     halve_to_bytes(top, bottom, weights, blocks, ahead, out)
+//                           the sums as bytes, of one block or more with weights for each; `ahead`
+//                           bytes on is what comes next
 //     prefetch(p)           p will be read soon; it need not be readable
 #ifndef TAVU_SIMD_RESAMPLE_H
 #define TAVU_SIMD_RESAMPLE_H

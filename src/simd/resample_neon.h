@@ -39,13 +39,11 @@ TAVU_VEC_INLINE void set_taps(Taps<Windows> &taps, int, U16x8 left, U16x8 right)
 
 TAVU_VEC_INLINE void set_weights(uint8_t *p, U16x8 a) { store_halves(p, 8 - a, a); }
 
+// Of two units of 8 columns each; left weights stand in the lower halves, right ones in the upper.
 struct HalfWeights {
-    uint8x8_t tl, tr, bl, br;
+    U16 top[2], bottom[2];
 };
-
-TAVU_VEC_INLINE HalfWeights half_weights(const uint8_t *p) {
-    return {vld1_dup_u8(p), vld1_dup_u8(p + 1), vld1_dup_u8(p + 2), vld1_dup_u8(p + 3)};
-}
+constexpr int BYTES_UNIT = 4;
 
 #if defined(__arm__)
 
@@ -83,12 +81,12 @@ TAVU_VEC_INLINE UWide halve(const uint8_t *&top, const uint8_t *&bottom, const H
     UWide sums;
     __asm__(
         "vld2.8 {d0, d1, d2, d3}, [%2]!\n\tvld2.8 {d4, d5, d6, d7}, [%3]!\n\t"
-        "vmull.u8 %q0, d0, %P4\n\tvmull.u8 %q1, d1, %P4\n\t"
-        "vmlal.u8 %q0, d2, %P5\n\tvmlal.u8 %q1, d3, %P5\n\t"
-        "vmlal.u8 %q0, d4, %P6\n\tvmlal.u8 %q1, d5, %P6\n\t"
-        "vmlal.u8 %q0, d6, %P7\n\tvmlal.u8 %q1, d7, %P7"
+        "vmull.u8 %q0, d0, %e4\n\tvmull.u8 %q1, d1, %e5\n\t"
+        "vmlal.u8 %q0, d2, %f4\n\tvmlal.u8 %q1, d3, %f5\n\t"
+        "vmlal.u8 %q0, d4, %e6\n\tvmlal.u8 %q1, d5, %e7\n\t"
+        "vmlal.u8 %q0, d6, %f6\n\tvmlal.u8 %q1, d7, %f7"
         : "=&w"(sums.lo), "=&w"(sums.hi), "+r"(top), "+r"(bottom)
-        : "w"(w.tl), "w"(w.tr), "w"(w.bl), "w"(w.br),
+        : "w"(w.top[0]), "w"(w.top[1]), "w"(w.bottom[0]), "w"(w.bottom[1]),
           "m"(*reinterpret_cast<const uint8_t(*)[2 * LANES]>(top)),
           "m"(*reinterpret_cast<const uint8_t(*)[2 * LANES]>(bottom))
         : "q0", "q1", "q2", "q3");
@@ -115,15 +113,20 @@ TAVU_VEC_INLINE U8 look_up(const uint8_t *p, U8 mask, std::integral_constant<int
 
 TAVU_VEC_INLINE UWide halve(const uint8_t *&top, const uint8_t *&bottom, const HalfWeights &w) {
     const uint8x16x2_t t = vld2q_u8(top), b = vld2q_u8(bottom);
-    const auto sum = [&w](uint8x8_t tl, uint8x8_t tr, uint8x8_t bl, uint8x8_t br) {
-        return vmlal_u8(vmlal_u8(vmlal_u8(vmull_u8(tl, w.tl), tr, w.tr), bl, w.bl), br, w.br);
+    const auto add = [](U16 sum, uint8x8_t left, uint8x8_t right, U16 weights) {
+        const U8 bytes = vreinterpretq_u8_u16(weights);
+        return vmlal_u8(vmlal_u8(sum, left, vget_low_u8(bytes)), right, vget_high_u8(bytes));
+    };
+    const auto sum = [&w, add](int unit, auto half, uint8x16x2_t t, uint8x16x2_t b) {
+        const U16 upper = add(vdupq_n_u16(0), half(t.val[0]), half(t.val[1]), w.top[unit]);
+        return add(upper, half(b.val[0]), half(b.val[1]), w.bottom[unit]);
     };
     top += 2 * LANES;
     bottom += 2 * LANES;
-    return {sum(vget_low_u8(t.val[0]), vget_low_u8(t.val[1]), vget_low_u8(b.val[0]),
-                vget_low_u8(b.val[1])),
-            sum(vget_high_u8(t.val[0]), vget_high_u8(t.val[1]), vget_high_u8(b.val[0]),
-                vget_high_u8(b.val[1]))};
+    return {sum(
+                0, [](U8 v) { return vget_low_u8(v); }, t, b),
+            sum(
+                1, [](U8 v) { return vget_high_u8(v); }, t, b)};
 }
 
 TAVU_VEC_INLINE U8 narrow6(UWide w) { return vshrn_high_n_u16(vshrn_n_u16(w.lo, 6), w.hi, 6); }
@@ -161,34 +164,42 @@ TAVU_VEC_INLINE U16 mix(U16 x, U16 y, uint16_t weight_x, uint16_t weight_y) {
 
 #if defined(__arm__)
 
-// The whole loop, for compilers keep its weights in memory.
+// The whole loop, two blocks a turn; an odd number of them enters it in its middle. The sums' upper
+// bytes are what is sought.
 TAVU_VEC_INLINE void halve_to_bytes(const uint8_t *top, const uint8_t *bottom,
-                                    const uint8_t *weights, int32_t blocks, ptrdiff_t,
+                                    const HalfWeights *weights, int32_t blocks, ptrdiff_t,
                                     uint8_t *out) {
     __asm__ volatile(
-        "vld4.8 {d16[], d17[], d18[], d19[]}, [%4]\n"
+        "tst %2, #1\n\t"
+        "bne 1f\n"
         "0:\n\t"
+        ".rept 2\n\t"
         "vld2.8 {d0, d1, d2, d3}, [%0]!\n\tvld2.8 {d4, d5, d6, d7}, [%1]!\n\t"
-        "vmull.u8 q10, d0, d16\n\tvmull.u8 q11, d1, d16\n\t"
-        "vmlal.u8 q10, d2, d17\n\tvmlal.u8 q11, d3, d17\n\t"
-        "subs %2, #1\n\t"
-        "vmlal.u8 q10, d4, d18\n\tvmlal.u8 q11, d5, d18\n\t"
-        "vmlal.u8 q10, d6, d19\n\tvmlal.u8 q11, d7, d19\n\t"
-        "vshrn.i16 d0, q10, #6\n\tvshrn.i16 d1, q11, #6\n\t"
-        "vst1.8 {d0, d1}, [%3]!\n\t"
+        "vld1.8 {d16, d17, d18, d19}, [%4]!\n\tvld1.8 {d20, d21, d22, d23}, [%4]!\n\t"
+        "vmull.u8 q12, d0, d16\n\tvmull.u8 q13, d1, d18\n\t"
+        "vmlal.u8 q12, d2, d17\n\tvmlal.u8 q13, d3, d19\n\t"
+        "vmlal.u8 q12, d4, d20\n\tvmlal.u8 q13, d5, d22\n\t"
+        "vmlal.u8 q12, d6, d21\n\tvmlal.u8 q13, d7, d23\n\t"
+        "vuzp.8 q12, q13\n\t"
+        "vst1.8 {d26, d27}, [%3]!\n"
+        "1:\n\t"
+        ".endr\n\t"
+        "subs %2, #2\n\t"
         "bgt 0b"
-        : "+r"(top), "+r"(bottom), "+r"(blocks), "+r"(out)
-        : "r"(weights)
-        : "q0", "q1", "q2", "q3", "q8", "q9", "q10", "q11", "cc", "memory");
+        : "+r"(top), "+r"(bottom), "+r"(blocks), "+r"(out), "+r"(weights)
+        :
+        : "q0", "q1", "q2", "q3", "q8", "q9", "q10", "q11", "q12", "q13", "cc", "memory");
 }
 
 #else
 
 TAVU_VEC_INLINE void halve_to_bytes(const uint8_t *top, const uint8_t *bottom,
-                                    const uint8_t *weights, int32_t blocks, ptrdiff_t,
+                                    const HalfWeights *weights, int32_t blocks, ptrdiff_t,
                                     uint8_t *out) {
-    const HalfWeights w = half_weights(weights);
-    for (; blocks > 0; blocks--) store(out, narrow6(halve(top, bottom, w)));
+    for (; blocks > 0; blocks--, weights++) {
+        const UWide sums = halve(top, bottom, *weights);
+        store(out, vuzp2q_u8(vreinterpretq_u8_u16(sums.lo), vreinterpretq_u8_u16(sums.hi)));
+    }
 }
 
 #endif

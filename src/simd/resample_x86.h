@@ -75,23 +75,22 @@ TAVU_VEC_INLINE U16 mix(U16 x, U16 y, uint16_t weight_x, uint16_t weight_y) {
     return x * weight_x + y * weight_y;
 }
 
+// Of two units of OUTPUTS columns each.
 struct HalfWeights {
-    Register top, bottom;
+    U16 top[2], bottom[2];
 };
+constexpr int BYTES_UNIT = 1;
 
-TAVU_VEC_INLINE HalfWeights half_weights(const uint8_t *p) {
-    uint16_t pairs[2];
-    memcpy(pairs, p, sizeof pairs);
-    return {as<Register>(U16{} + pairs[0]), as<Register>(U16{} + pairs[1])};
-}
-
-TAVU_VEC_INLINE U16 halve_unit(const uint8_t *top, const uint8_t *bottom, const HalfWeights &w) {
-    return as<U16>(TAVU_MM(maddubs_epi16)(load_register(top), w.top)) +
-           as<U16>(TAVU_MM(maddubs_epi16)(load_register(bottom), w.bottom));
+TAVU_VEC_INLINE U16 halve_unit(const uint8_t *top, const uint8_t *bottom, const HalfWeights &w,
+                               int unit) {
+    top += unit * LANES;
+    bottom += unit * LANES;
+    return as<U16>(TAVU_MM(maddubs_epi16)(load_register(top), as<Register>(w.top[unit]))) +
+           as<U16>(TAVU_MM(maddubs_epi16)(load_register(bottom), as<Register>(w.bottom[unit])));
 }
 
 TAVU_VEC_INLINE UWide halve(const uint8_t *&top, const uint8_t *&bottom, const HalfWeights &w) {
-    const U16 x = halve_unit(top, bottom, w), y = halve_unit(top + LANES, bottom + LANES, w);
+    const U16 x = halve_unit(top, bottom, w, 0), y = halve_unit(top, bottom, w, 1);
     top += 2 * LANES;
     bottom += 2 * LANES;
 #if defined(__AVX2__)
@@ -109,14 +108,13 @@ TAVU_VEC_INLINE void prefetch(const uint8_t *p) {
 }
 
 TAVU_VEC_INLINE void halve_to_bytes(const uint8_t *top, const uint8_t *bottom,
-                                    const uint8_t *weights, int32_t blocks, ptrdiff_t ahead,
+                                    const HalfWeights *weights, int32_t blocks, ptrdiff_t ahead,
                                     uint8_t *out) {
-    const HalfWeights w = half_weights(weights);
-    for (; blocks > 0; blocks--, top += 2 * LANES, bottom += 2 * LANES) {
+    for (; blocks > 0; blocks--, weights++, top += 2 * LANES, bottom += 2 * LANES) {
         prefetch(top + ahead);
         prefetch(bottom + ahead);
         const U8 v =
-            narrow6({halve_unit(top, bottom, w), halve_unit(top + LANES, bottom + LANES, w)});
+            narrow6({halve_unit(top, bottom, *weights, 0), halve_unit(top, bottom, *weights, 1)});
 #if defined(__AVX2__)
         store(out, as<U8>(_mm256_permute4x64_epi64(as<Register>(v), 0xD8)));
 #else
