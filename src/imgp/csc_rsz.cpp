@@ -36,7 +36,6 @@ TAVU_VEC_INLINE RgbBlock sums_to_rgb(FromRgb, const UWide *sums) {
 template <class Space, int Bytes, bool AlphaPlane>
 struct StoreConverted {
     static constexpr int PLANES = AlphaPlane ? 4 : 3, BYTES = Bytes;
-    static constexpr bool IS_BYTES = false;
     TAVU_VEC_INLINE static void store(uint8_t *&out, const UWide *sums) {
         const RgbBlock p = sums_to_rgb(Space{}, sums);
         if constexpr (Bytes == 3) {

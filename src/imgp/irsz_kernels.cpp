@@ -13,7 +13,6 @@ namespace {
 
 struct StoreBytes {
     static constexpr int PLANES = 1, BYTES = 1;
-    static constexpr bool IS_BYTES = true;
     TAVU_VEC_INLINE static void store(uint8_t *&out, const UWide *sums) {
         tavu::store(out, narrow6(sums[0]));
     }

@@ -21,12 +21,14 @@ inline bool halves(const Columns &columns) {
            columns.width * loss <= HalvedRow::MAX_BEHIND << POSITION_BITS;
 }
 
-inline void add_piece(const Columns &columns, HalvedRow &row, const Piece &piece) {
-    row.piece[row.pieces++] = piece;
+// Columns from `first` on, which begin `behind` bytes before their doubles.
+__attribute__((noinline)) void add_piece(const Columns &columns, HalvedRow &row, int32_t first,
+                                         int32_t behind, int32_t blocks) {
+    row.piece[row.pieces++] = {first, 2 * first - behind, blocks};
     uint8_t *weights = row.horizontal + 2 * LANES * row.blocks;
-    row.blocks += piece.blocks;
-    for (int32_t i = 0; i < piece.blocks * LANES; i += 8, weights += 16) {
-        set_weights(weights, columns.eighths(piece.first + i, OFFSETS[0]));
+    row.blocks += blocks;
+    for (int32_t i = 0; i < blocks * LANES; i += 8, weights += 16) {
+        set_weights(weights, columns.eighths(first + i, OFFSETS[0]));
     }
 }
 
@@ -39,12 +41,16 @@ inline void make_halved_row(const Columns &columns, HalvedRow &row) {
     for (; behind > 1; behind--) {
         const int32_t first = ((behind - 1) << POSITION_BITS) / loss + 1;
         const int32_t blocks = (end - first + LANES - 1) / LANES;
-        add_piece(columns, row, {end - blocks * LANES, behind, blocks});
+        add_piece(columns, row, end - blocks * LANES, behind, blocks);
         end = first;
     }
-    add_piece(columns, row, {end - LANES, 1, 1});
-    add_piece(columns, row, {1, 1, (end - 1) / LANES});
+    add_piece(columns, row, end - LANES, 1, 1);
+    add_piece(columns, row, 1, 1, (end - 1) / LANES);
 }
+
+TAVU_VEC_INLINE U16 load_pairs(const uint8_t *&p) { return reinterpret_cast<U16>(load(p)); }
+
+TAVU_VEC_INLINE void store_pairs(uint8_t *&p, U16 v) { store(p, reinterpret_cast<U8>(v)); }
 
 // Makes the blocks' weights for a vertical fraction. Pairs of bytes multiply as one: no product
 // exceeds 255, for b is neither 0 nor 8.
@@ -52,11 +58,26 @@ inline void weigh_blocks(HalvedRow &row, uint16_t b, int unit) {
     const auto top = static_cast<uint16_t>((8 - b) * unit),
                bottom = static_cast<uint16_t>(b * unit);
     const uint8_t *p = row.horizontal;
-    for (int32_t i = 0; i < row.blocks; i++, p += 2 * LANES) {
-        const U16 x = load_lanes<U16>(p), y = load_lanes<U16>(p + LANES);
-        row.weights[i] = {{x * top, y * top}, {x * bottom, y * bottom}};
+    auto *weights = reinterpret_cast<uint8_t *>(row.weights);
+    for (int32_t n = row.blocks; n > 0; n--) {
+        const U16 x = load_pairs(p), y = load_pairs(p);
+        store_pairs(weights, x * top), store_pairs(weights, y * top);
+        store_pairs(weights, x * bottom), store_pairs(weights, y * bottom);
     }
     row.b = b;
+}
+
+// `ahead` bytes on is what comes next.
+TAVU_VEC_INLINE void halve_bytes(const Plane &plane, const RowSource &from, const HalvedRow &row,
+                                 ptrdiff_t ahead, uint8_t *out) {
+    const uint8_t *top = plane.row(from.top), *bottom = plane.row(from.bottom);
+    *out = static_cast<uint8_t>(((8 - from.b) * *top + from.b * *bottom) >> 3);
+    const HalfWeights *weights = row.weights;
+    const Piece *piece = row.piece;
+    for (int n = row.pieces; n > 0; n--, piece++) {
+        halve_to_bytes(top + piece->source, bottom + piece->source, weights, piece->blocks, ahead,
+                       out + piece->first);
+    }
 }
 
 }  // namespace

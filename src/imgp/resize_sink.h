@@ -21,10 +21,9 @@ struct WeighedRow {
     }
 };
 
-// Blocks of columns whose samples stand side by side: those of column `first` at byte
-// 2 * first - behind.
+// Blocks of columns whose samples stand side by side: those of column `first` at byte `source`.
 struct Piece {
-    int32_t first, behind, blocks;
+    int32_t first, source, blocks;
 };
 
 // A row of half the width. All columns but the first lie in pieces, of which later ones overwrite.
@@ -49,13 +48,12 @@ struct Sink {
                           uint8_t *out);
     void (*mix)(const WeighedRow &upper, const WeighedRow &lower, uint16_t b, int32_t width,
                 uint8_t *out);
-    // `ahead` bytes on is what comes next.
+    // Of several planes; `ahead` bytes on is what comes next. A single plane gives bytes.
     void (*halve)(const RowPair &rows, const HalvedRow &row, ptrdiff_t ahead, uint8_t *out);
 };
 
 // Target pixels of a kind are made by a class that has
 //     PLANES, BYTES         as in Sink
-//     IS_BYTES              whether target pixels are the sums of one plane
 //     store(p, sums)        writes LANES elements, given the sums of each plane, and moves p on
 
 TAVU_VEC_INLINE UWide mix_block(UWide top, UWide bottom, uint16_t b) {
@@ -116,16 +114,15 @@ void mix_row(const WeighedRow &upper, const WeighedRow &lower, uint16_t b, int32
 
 template <class Pixels>
 TAVU_VEC_INLINE void halve_piece(const RowPair &rows, const Piece &piece,
-                                 const HalfWeights *weights, ptrdiff_t ahead, uint8_t *out) {
+                                 const HalfWeights *&weights, ptrdiff_t ahead, uint8_t *out) {
     constexpr int PLANES = Pixels::PLANES;
-    const int32_t x = 2 * piece.first - piece.behind;
     const uint8_t *top[size_t{PLANES}], *bottom[size_t{PLANES}];
 #pragma GCC unroll 4
-    for (int p = 0; p < PLANES; p++) top[p] = rows.top[p] + x, bottom[p] = rows.bottom[p] + x;
-    out += piece.first * Pixels::BYTES;
-    if constexpr (Pixels::IS_BYTES) {
-        return halve_to_bytes(top[0], bottom[0], weights, piece.blocks, ahead, out);
+    for (int p = 0; p < PLANES; p++) {
+        top[p] = rows.top[p] + piece.source;
+        bottom[p] = rows.bottom[p] + piece.source;
     }
+    out += piece.first * Pixels::BYTES;
     for (int32_t n = piece.blocks; n > 0; n--, weights++) {
         UWide sums[size_t{PLANES}];
 #pragma GCC unroll 4
@@ -140,21 +137,22 @@ TAVU_VEC_INLINE void halve_piece(const RowPair &rows, const Piece &piece,
 
 template <class Pixels>
 void halve_row(const RowPair &rows, const HalvedRow &row, ptrdiff_t ahead, uint8_t *out) {
-    if constexpr (Pixels::IS_BYTES) {
-        *out = static_cast<uint8_t>(((8 - row.b) * *rows.top[0] + row.b * *rows.bottom[0]) >> 3);
-    } else {
-        weigh_and_mix_row<Pixels>(rows, row.first_taps, row.b, LANES, out);
-    }
+    weigh_and_mix_row<Pixels>(rows, row.first_taps, row.b, LANES, out);
     const HalfWeights *weights = row.weights;
     for (int i = 0; i < row.pieces; i++) {
         halve_piece<Pixels>(rows, row.piece[i], weights, ahead, out);
-        weights += row.piece[i].blocks;
     }
 }
 
 template <class Pixels>
+constexpr auto halve_of() {
+    if constexpr (Pixels::PLANES > 1) return halve_row<Pixels>;
+    if constexpr (Pixels::PLANES == 1) return nullptr;
+}
+
+template <class Pixels>
 constexpr Sink SINK = {Pixels::PLANES, Pixels::BYTES, weigh_and_mix_row<Pixels>, mix_row<Pixels>,
-                       halve_row<Pixels>};
+                       halve_of<Pixels>()};
 
 }  // namespace TAVU_LEVEL_NAMESPACE
 }  // namespace tavu

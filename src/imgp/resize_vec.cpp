@@ -23,7 +23,9 @@ bool resize_half(const Sink &sink, const Columns &columns, const Rows &rows) {
     rows.for_each([&](const RowSource &place, uint8_t *out) {
         const RowSource from = spread(place);
         if (from.b != row.b) weigh_blocks(row, from.b, sink.planes == 1 ? BYTES_UNIT : 1);
-        sink.halve(RowPair(rows, sink.planes, from, 0), row, 2 * rows.planes[0].stride, out);
+        const ptrdiff_t ahead = 2 * rows.planes[0].stride;
+        if (sink.planes == 1) return halve_bytes(rows.planes[0], from, row, ahead, out);
+        sink.halve(RowPair(rows, sink.planes, from, 0), row, ahead, out);
     });
     return true;
 }

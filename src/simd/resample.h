@@ -24,8 +24,8 @@
 //                           the weighted sums of such squares; both pointers move on
 //     BYTES_UNIT            the scale of the weights of halve_to_bytes()
 //     halve_to_bytes(top, bottom, weights, blocks, ahead, out)
-//                           the sums as bytes, of one block or more with weights for each; `ahead`
-//                           bytes on is what comes next
+//                           the sums as bytes, of one block or more; weights moves on by one for
+//                           each; `ahead` bytes on is what comes next
 //     prefetch(p)           p will be read soon; it need not be readable
 #ifndef TAVU_SIMD_RESAMPLE_H
 #define TAVU_SIMD_RESAMPLE_H

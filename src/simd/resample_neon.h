@@ -167,7 +167,7 @@ TAVU_VEC_INLINE U16 mix(U16 x, U16 y, uint16_t weight_x, uint16_t weight_y) {
 // The whole loop, two blocks a turn; an odd number of them enters it in its middle. The sums' upper
 // bytes are what is sought.
 TAVU_VEC_INLINE void halve_to_bytes(const uint8_t *top, const uint8_t *bottom,
-                                    const HalfWeights *weights, int32_t blocks, ptrdiff_t,
+                                    const HalfWeights *&weights, int32_t blocks, ptrdiff_t,
                                     uint8_t *out) {
     __asm__ volatile(
         "tst %2, #1\n\t"
@@ -194,7 +194,7 @@ TAVU_VEC_INLINE void halve_to_bytes(const uint8_t *top, const uint8_t *bottom,
 #else
 
 TAVU_VEC_INLINE void halve_to_bytes(const uint8_t *top, const uint8_t *bottom,
-                                    const HalfWeights *weights, int32_t blocks, ptrdiff_t,
+                                    const HalfWeights *&weights, int32_t blocks, ptrdiff_t,
                                     uint8_t *out) {
     for (; blocks > 0; blocks--, weights++) {
         const UWide sums = halve(top, bottom, *weights);

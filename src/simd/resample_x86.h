@@ -108,7 +108,7 @@ TAVU_VEC_INLINE void prefetch(const uint8_t *p) {
 }
 
 TAVU_VEC_INLINE void halve_to_bytes(const uint8_t *top, const uint8_t *bottom,
-                                    const HalfWeights *weights, int32_t blocks, ptrdiff_t ahead,
+                                    const HalfWeights *&weights, int32_t blocks, ptrdiff_t ahead,
                                     uint8_t *out) {
     for (; blocks > 0; blocks--, weights++, top += 2 * LANES, bottom += 2 * LANES) {
         prefetch(top + ahead);

@@ -41,7 +41,9 @@ struct Case {
         if (random() % 8 == 0) src_w = std::min(dst_w * ratio, ratio > 3 ? 16000 : 8000);
         if (random() % 8 == 0) src_h = dst_h * pick(random, 1, 20);
         if (random() % 8 == 0) {
-            dst_w = pick(random, 50, 300), dst_h = pick(random, 60, 120);
+            const bool wide = random() % 4 == 0;
+            dst_w = wide ? pick(random, 300, 1100) : pick(random, 50, 300);
+            dst_h = wide ? pick(random, 20, 40) : pick(random, 60, 120);
             src_w = 2 * dst_w + pick(random, -1, 1), src_h = 2 * dst_h + pick(random, -1, 1);
         }
         bilinear_rsz_step_size(src_w, src_h, dst_w, dst_h, &step_x, &step_y);
