@@ -36,7 +36,7 @@ __attribute__((noinline)) void add_piece(const Columns &columns, HalvedRow &row,
 // first piece would reach beyond column 1, which its own stands for.
 inline void make_halved_row(const Columns &columns, HalvedRow &row) {
     const int32_t loss = loss_of(columns);
-    row.pieces = row.blocks = 0;
+    row.pieces = row.blocks = row.b = 0;
     int32_t end = columns.width, behind = 2 * (end - 1) - columns.left(end - 1);
     for (; behind > 1; behind--) {
         const int32_t first = ((behind - 1) << POSITION_BITS) / loss + 1;
@@ -54,7 +54,7 @@ TAVU_VEC_INLINE void store_pairs(uint8_t *&p, U16 v) { store(p, reinterpret_cast
 
 // Makes the blocks' weights for a vertical fraction. Pairs of bytes multiply as one: no product
 // exceeds 255, for b is neither 0 nor 8.
-inline void weigh_blocks(HalvedRow &row, uint16_t b, int unit) {
+__attribute__((noinline)) void weigh_blocks(HalvedRow &row, uint16_t b, int unit) {
     const auto top = static_cast<uint16_t>((8 - b) * unit),
                bottom = static_cast<uint16_t>(b * unit);
     const uint8_t *p = row.horizontal;

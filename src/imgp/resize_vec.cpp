@@ -14,17 +14,30 @@ RowSource spread(const RowSource &from) {
     return from.b > 0 ? from : RowSource{from.top, from.top, 4};
 }
 
+// Calls halve(from, out) for each target row, with weights for it.
+template <class Halve>
+TAVU_VEC_INLINE void for_each_half(const Rows &rows, HalvedRow &row, int unit, Halve halve) {
+    rows.for_each([&](const RowSource &place, uint8_t *out) {
+        const RowSource from = spread(place);
+        if (from.b != row.b) weigh_blocks(row, from.b, unit);
+        halve(from, out);
+    });
+}
+
 bool resize_half(const Sink &sink, const Columns &columns, const Rows &rows) {
     if (!halves(columns) || rows.grow()) return false;
     HalvedRow row;
     make_halved_row(columns, row);
+    const Plane plane = rows.planes[0];
+    const ptrdiff_t ahead = 2 * plane.stride;
+    if (sink.planes == 1) {
+        for_each_half(rows, row, BYTES_UNIT, [&](const RowSource &from, uint8_t *out) {
+            halve_bytes(plane, from, row, ahead, out);
+        });
+        return true;
+    }
     columns.make_taps(0, 1, row.first_taps);
-    row.b = 0;
-    rows.for_each([&](const RowSource &place, uint8_t *out) {
-        const RowSource from = spread(place);
-        if (from.b != row.b) weigh_blocks(row, from.b, sink.planes == 1 ? BYTES_UNIT : 1);
-        const ptrdiff_t ahead = 2 * rows.planes[0].stride;
-        if (sink.planes == 1) return halve_bytes(rows.planes[0], from, row, ahead, out);
+    for_each_half(rows, row, 1, [&](const RowSource &from, uint8_t *out) {
         sink.halve(RowPair(rows, sink.planes, from, 0), row, ahead, out);
     });
     return true;
