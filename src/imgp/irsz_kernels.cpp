@@ -52,8 +52,10 @@ template <int N>
 struct BestResize {
     static constexpr int LINE_UNIT = 1;
 
-    static void line(const uint8_t *const rows[2], const uint8_t *weights, int32_t dst_w,
-                     int32_t shift_x, int32_t next_x, int32_t step_x, uint8_t *out) {
+    // One copy for the kernel and the driver.
+    __attribute__((noinline)) static void line(const uint8_t *const rows[2], const uint8_t *weights,
+                                               int32_t dst_w, int32_t shift_x, int32_t next_x,
+                                               int32_t step_x, uint8_t *out) {
         if (!resize_line({N, {step_x, shift_x}, next_x, dst_w}, rows, weights, out)) {
             resize_line_scalar(N, rows, weights, dst_w, shift_x, next_x, step_x, out);
         }
