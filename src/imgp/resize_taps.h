@@ -95,8 +95,8 @@ struct Columns {
     TAVU_VEC_INLINE U16x8 lefts(int32_t pixel, const Offsets &offsets, int32_t start) const {
         const Positions at = positions(pixel, offsets);
         const U16x8 units = narrow32(at.lo >> POSITION_BITS, at.hi >> POSITION_BITS);
-        return units * static_cast<uint16_t>(bytes << step.shift) +
-               load_lanes<U16x8>(offsets.channel) - static_cast<uint16_t>(start);
+        const auto unit = static_cast<uint16_t>(bytes << step.shift);
+        return units * unit + load_lanes<U16x8>(offsets.channel) - static_cast<uint16_t>(start);
     }
 
     template <int Windows>
