@@ -103,8 +103,9 @@ if(x86_64 AND TAVU_DISPATCH)
   tavu_level_objects(tavu_widest 2 4 ${TAVU_WIDEST_SOURCES})
   tavu_level_objects(tavu_widest_v3 3 4 ${TAVU_WIDEST_SOURCES})
   tavu_level_objects(tavu_widest_v4 4 4 ${TAVU_WIDEST_SOURCES})
-  # The compiler's own header for AVX-512 begins many operations with an undefined register.
-  target_compile_options(tavu_widest_v4 PRIVATE -Wno-uninitialized -Wno-maybe-uninitialized)
+  # GCC's own header for AVX-512 begins many operations with an undefined register.
+  target_compile_options(tavu_widest_v4 PRIVATE
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-uninitialized;-Wno-maybe-uninitialized>)
   set(TAVU_OBJECTS tavu_base tavu_wide tavu_wide_v3 tavu_widest tavu_widest_v3 tavu_widest_v4)
 else()
   tavu_objects(tavu_base ${TAVU_SOURCES} ${TAVU_WIDE_SOURCES} ${TAVU_WIDEST_SOURCES})

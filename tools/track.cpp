@@ -116,7 +116,8 @@ std::vector<Track> read_tracks(Media &media, bool quiet) {
     }
     Progress progress("packets", quiet);
     for (PacketPtr packet(av_packet_alloc()); media.read(*packet); av_packet_unref(packet.get())) {
-        if (UnitReader *reader = readers[static_cast<size_t>(packet->stream_index)].get()) reader->add(*packet);
+        if (UnitReader *reader = readers[static_cast<size_t>(packet->stream_index)].get())
+            reader->add(*packet);
         progress.step(media.progress());
     }
     return tracks;
