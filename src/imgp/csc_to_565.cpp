@@ -22,9 +22,8 @@ void convert_row(const Lines565 &at, int32_t width) {
     });
 }
 
-// One copy for each kind of source.
 template <class Space>
-__attribute__((noipa)) void convert_rows(const Csc &c, Alpha alpha) {
+TAVU_ONE_COPY void convert_rows(const Csc &c, Alpha alpha) {
     if (c.src_w < LANES) return to_565_scalar(c, std::is_same_v<Space, FromYuv>, alpha);
     const auto size = static_cast<size_t>(c.src_w);
     for_each_565_row(c, false, alpha, [&](const Lines565 &at) {

@@ -65,10 +65,9 @@ TAVU_VEC_INLINE UWide load_sums(const uint16_t *sums) {
     return {load16(sums), load16(sums + OUTPUTS)};
 }
 
-// One copy, for it is called from several places.
 template <class Pixels>
-__attribute__((noipa)) void weigh_and_mix_row(const RowPair &rows, const Taps<1> *taps, uint16_t b,
-                                              int32_t width, uint8_t *out) {
+TAVU_ONE_COPY void weigh_and_mix_row(const RowPair &rows, const Taps<1> *taps, uint16_t b,
+                                     int32_t width, uint8_t *out) {
     struct Place {
         const Taps<1> *taps;
         uint8_t *out;

@@ -28,6 +28,13 @@
 
 #define TAVU_VEC_INLINE __attribute__((always_inline)) inline
 
+// One copy of what several callers share: GCC would make one for each constant argument.
+#if defined(__clang__)
+#define TAVU_ONE_COPY __attribute__((noinline))
+#else
+#define TAVU_ONE_COPY __attribute__((noipa))
+#endif
+
 #if !defined(TAVU_LEVEL)
 #define TAVU_LEVEL_NAMESPACE only_level
 #elif TAVU_LEVEL == 2
