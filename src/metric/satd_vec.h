@@ -23,12 +23,30 @@ TAVU_VEC_INLINE int32_t finish4x4(Words<16> p, Words<16> q) {
     return sum.total();
 }
 
+#if defined(__AVX2__)
+
+TAVU_VEC_INLINE int32_t satd4x4_registers(Blocks at) {
+    Words<16> v[2];
+    v[0] = load_row_butterflies(at.a, at.stride_a, at.b, at.stride_b);
+    v[1] = load_row_butterflies(at.a, at.stride_a, at.b, at.stride_b);
+    butterfly(v[0], v[1]);
+    zip_halves(v[0], v[1]);
+    butterfly_abs(v[0], v[1]);
+    MagnitudeSum<16> sum = MagnitudeSum<16>::zero();
+    sum.add_pairs(v);
+    return sum.total();
+}
+
+#else
+
 TAVU_VEC_INLINE int32_t satd4x4_registers(Blocks at) {
     const Bytes<16> a = load_rows<16, 4>(at.a, at.stride_a);
     Words<16> p, q;
     butterfly_difference(a, load_rows<16, 4>(at.b, at.stride_b), &p, &q);
     return finish4x4(p, q);
 }
+
+#endif
 
 // Blocks of 4x4 in 16 columns and 4 rows, of 64 bytes 8 rows; moves on behind them. A magnitude is at
 // most 16 * 255.

@@ -15,8 +15,6 @@
 //                               bytes; a SquareSum wraps in 32 bits. Sums begin without a value,
 //                               which saves the first addition, or in loops with zero()
 //     keep_in_memory(argument)  an argument that comes on the stack stays there until it is used
-//     running_totals(sums, totals)
-//                               of four AbsSums the totals of the first, the first two, ...
 //
 // For Hadamard transforms. A butterfly is needed on each bit of a sample's column and row; each of
 // these bits is a bit of the lane's number or tells registers apart.
@@ -31,6 +29,9 @@
 //     butterfly_difference(a, b, &p, &q)
 //                               the first butterfly of a - b of four rows of four columns, of rows or
 //                               of columns as is cheaper
+//     load_row_butterflies(a, stride_a, b, stride_b)
+//                               AVX2: of a - b of two rows of 4 columns the sums and differences of
+//                               neighbours; a and b move on behind them
 //     load_butterflies<N>(a, stride_a, b, stride_b, v)
 //                               of a - b of 16 columns the sums and differences of even and odd
 //                               columns, in COLUMN_REGISTERS<N> registers; of 64 bytes the second
@@ -59,7 +60,7 @@
 #if defined(__ARM_NEON)
 #include "simd/tile_neon.h"
 #else
-#include "simd/tile_x86.h"
+#include "simd/hadamard_x86.h"
 #endif
 
 #endif

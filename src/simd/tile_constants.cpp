@@ -13,6 +13,7 @@ static constexpr TileConstants make_constants() {
         c.differences[i] = i % 2 == 0 ? 1 : -1;
         c.both[i] = i / 16 % 2 == 0 ? c.sums[i] : c.differences[i];
     }
+    for (int i = 0; i < 16; i++) c.both_of_four[i] = i / 4 % 2 == 0 ? c.sums[i] : c.differences[i];
     for (int16_t &one : c.ones) one = 1;
     for (int i = 0; i < 16; i++) {
         c.even_ones[i] = 1;

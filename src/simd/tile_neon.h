@@ -172,15 +172,6 @@ class AbsSum {
     bool empty_;
 };
 
-TAVU_VEC_INLINE void running_totals(const AbsSum<16> (&sums)[4], int32_t *totals) {
-    const uint32x4_t zero = vdupq_n_u32(0);
-    uint32x4_t v = vcombine_u32(vpadd_u32(sums[0].pair(), sums[1].pair()),
-                                vpadd_u32(sums[2].pair(), sums[3].pair()));
-    v = vaddq_u32(v, vextq_u32(zero, v, 3));
-    v = vaddq_u32(v, vextq_u32(zero, v, 2));
-    vst1q_s32(totals, vreinterpretq_s32_u32(v));
-}
-
 // Squares of absolute differences fit unsigned 16-bit lanes.
 template <int N>
 class SquareSum {
