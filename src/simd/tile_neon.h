@@ -160,11 +160,6 @@ class AbsSum {
         sum_ = vabal_u8(sum_, vget_high_u8(a), vget_high_u8(b));
         empty_ = false;
     }
-    TAVU_VEC_INLINE void add(const AbsSum &other) { sum_ += other.sum_; }
-    TAVU_VEC_INLINE uint32x2_t pair() const {
-        const uint32x4_t v = vpaddlq_u16(sum_);
-        return vadd_u32(vget_low_u32(v), vget_high_u32(v));
-    }
     TAVU_VEC_INLINE int32_t total() const { return sum_lanes(vpaddlq_u16(sum_)); }
 
   private:

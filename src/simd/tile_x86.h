@@ -116,7 +116,6 @@ class AbsSum {
     TAVU_VEC_INLINE void add(Bytes<N> a, Bytes<N> b) {
         sum_ = Isa<N>::add_epi32(sum_, Isa<N>::sad_epu8(a, b));
     }
-    TAVU_VEC_INLINE void add(const AbsSum &other) { sum_ = Isa<N>::add_epi32(sum_, other.sum_); }
     TAVU_VEC_INLINE int32_t total() const { return sum_pair(fold(sum_)); }
 
   private:
