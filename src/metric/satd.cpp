@@ -103,10 +103,12 @@ constexpr int32_t BAND = 64;
 template <tavu_metric_area_t *band>
 __attribute__((noinline)) int32_t by_bands(int32_t width, int32_t height, const uint8_t *a,
                                            const uint8_t *b, int32_t stride_a, int32_t stride_b) {
+    Blocks at{a, b, stride_a, stride_b};
     uint32_t sum = 0;
-    for (Blocks at{a, b, stride_a, stride_b}; height > 0; height -= BAND, at = at.tile(0, BAND)) {
+    for (; height > 0; height -= BAND) {
         const int32_t rows = height < BAND ? height : BAND;
         sum += static_cast<uint32_t>(band(width, rows, at.a, at.b, stride_a, stride_b));
+        at = at.tile(0, BAND);
     }
     return static_cast<int32_t>(sum);
 }

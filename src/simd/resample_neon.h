@@ -117,16 +117,15 @@ TAVU_VEC_INLINE UWide halve(const uint8_t *&top, const uint8_t *&bottom, const H
         const U8 bytes = vreinterpretq_u8_u16(weights);
         return vmlal_u8(vmlal_u8(sum, left, vget_low_u8(bytes)), right, vget_high_u8(bytes));
     };
-    const auto sum = [&w, add](int unit, auto half, uint8x16x2_t t, uint8x16x2_t b) {
+    const auto sum = [&](int unit, auto half) {
         const U16 upper = add(vdupq_n_u16(0), half(t.val[0]), half(t.val[1]), w.top[unit]);
         return add(upper, half(b.val[0]), half(b.val[1]), w.bottom[unit]);
     };
     top += 2 * LANES;
     bottom += 2 * LANES;
-    return {sum(
-                0, [](U8 v) { return vget_low_u8(v); }, t, b),
-            sum(
-                1, [](U8 v) { return vget_high_u8(v); }, t, b)};
+    const auto low = [](U8 v) { return vget_low_u8(v); };
+    const auto high = [](U8 v) { return vget_high_u8(v); };
+    return {sum(0, low), sum(1, high)};
 }
 
 TAVU_VEC_INLINE U8 narrow6(UWide w) { return vshrn_high_n_u16(vshrn_n_u16(w.lo, 6), w.hi, 6); }

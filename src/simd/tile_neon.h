@@ -2,6 +2,7 @@
 #ifndef TAVU_SIMD_TILE_NEON_H
 #define TAVU_SIMD_TILE_NEON_H
 
+#include <cstddef>
 #include <cstring>
 
 #include "simd/vec_neon.h"
@@ -22,7 +23,7 @@ TAVU_VEC_INLINE void keep_in_memory(int32_t &argument) { __asm__("" : "+m"(argum
 
 // In assembly, for compilers do not use the loads that move on by a stride.
 
-TAVU_VEC_INLINE U8 load_row16(const uint8_t *&p, int32_t stride) {
+TAVU_VEC_INLINE U8 load_row16(const uint8_t *&p, ptrdiff_t stride) {
     U8 v;
     __asm__("vld1.8 {%e0, %f0}, [%1], %2"
             : "=w"(v), "+r"(p)
@@ -39,7 +40,7 @@ TAVU_VEC_INLINE U8 load_next16(const uint8_t *&p) {
 }
 
 // The even bytes in the lower half, the odd ones in the upper one.
-TAVU_VEC_INLINE U8 load_even_odd(const uint8_t *&p, int32_t stride) {
+TAVU_VEC_INLINE U8 load_even_odd(const uint8_t *&p, ptrdiff_t stride) {
     U8 v;
     __asm__("vld2.8 {%e0, %f0}, [%1], %2"
             : "=w"(v), "+r"(p)
@@ -47,7 +48,7 @@ TAVU_VEC_INLINE U8 load_even_odd(const uint8_t *&p, int32_t stride) {
     return v;
 }
 
-TAVU_VEC_INLINE uint8x8_t load_row8(const uint8_t *&p, int32_t stride) {
+TAVU_VEC_INLINE uint8x8_t load_row8(const uint8_t *&p, ptrdiff_t stride) {
     uint8x8_t v;
     __asm__("vld1.8 {%P0}, [%1], %2"
             : "=w"(v), "+r"(p)
@@ -55,7 +56,7 @@ TAVU_VEC_INLINE uint8x8_t load_row8(const uint8_t *&p, int32_t stride) {
     return v;
 }
 
-TAVU_VEC_INLINE U8 load_rows8(const uint8_t *&p, int32_t stride) {
+TAVU_VEC_INLINE U8 load_rows8(const uint8_t *&p, ptrdiff_t stride) {
     U8 v;
     __asm__("vld1.8 {%e0}, [%1], %2\n\tvld1.8 {%f0}, [%1], %2"
             : "=w"(v), "+r"(p)
@@ -63,7 +64,7 @@ TAVU_VEC_INLINE U8 load_rows8(const uint8_t *&p, int32_t stride) {
     return v;
 }
 
-TAVU_VEC_INLINE U8 load_rows4(const uint8_t *&p, int32_t stride) {
+TAVU_VEC_INLINE U8 load_rows4(const uint8_t *&p, ptrdiff_t stride) {
     U8 v;
     __asm__(
         "vld1.32 {%e0[0]}, [%1], %2\n\tvld1.32 {%e0[1]}, [%1], %2\n\t"
@@ -77,7 +78,7 @@ TAVU_VEC_INLINE U8 load_rows4(const uint8_t *&p, int32_t stride) {
 
 TAVU_VEC_INLINE void keep_in_memory(int32_t) {}
 
-TAVU_VEC_INLINE U8 load_row16(const uint8_t *&p, int32_t stride) {
+TAVU_VEC_INLINE U8 load_row16(const uint8_t *&p, ptrdiff_t stride) {
     const U8 v = vld1q_u8(p);
     p += stride;
     return v;
@@ -85,25 +86,25 @@ TAVU_VEC_INLINE U8 load_row16(const uint8_t *&p, int32_t stride) {
 
 TAVU_VEC_INLINE U8 load_next16(const uint8_t *&p) { return load_row16(p, 16); }
 
-TAVU_VEC_INLINE U8 load_even_odd(const uint8_t *&p, int32_t stride) {
+TAVU_VEC_INLINE U8 load_even_odd(const uint8_t *&p, ptrdiff_t stride) {
     const uint8x8x2_t v = vld2_u8(p);
     p += stride;
     return vcombine_u8(v.val[0], v.val[1]);
 }
 
-TAVU_VEC_INLINE uint8x8_t load_row8(const uint8_t *&p, int32_t stride) {
+TAVU_VEC_INLINE uint8x8_t load_row8(const uint8_t *&p, ptrdiff_t stride) {
     const uint8x8_t v = vld1_u8(p);
     p += stride;
     return v;
 }
 
-TAVU_VEC_INLINE U8 load_rows8(const uint8_t *&p, int32_t stride) {
+TAVU_VEC_INLINE U8 load_rows8(const uint8_t *&p, ptrdiff_t stride) {
     const U8 v = vcombine_u8(vld1_u8(p), vld1_u8(p + stride));
     p += 2 * static_cast<ptrdiff_t>(stride);
     return v;
 }
 
-TAVU_VEC_INLINE U8 load_rows4(const uint8_t *&p, int32_t stride) {
+TAVU_VEC_INLINE U8 load_rows4(const uint8_t *&p, ptrdiff_t stride) {
     uint32_t rows[4];
     for (uint32_t &row : rows) {
         memcpy(&row, p, 4);
@@ -125,7 +126,7 @@ TAVU_VEC_INLINE U8 load_next(const uint8_t *&p) {
 }
 
 template <int N, int W>
-TAVU_VEC_INLINE U8 load_rows(const uint8_t *&p, int32_t stride) {
+TAVU_VEC_INLINE U8 load_rows(const uint8_t *&p, ptrdiff_t stride) {
     if constexpr (W == 4) return load_rows4(p, stride);
     if constexpr (W == 8) return load_rows8(p, stride);
     if constexpr (W == 16) return load_row16(p, stride);
@@ -193,8 +194,8 @@ class SquareSum {
 TAVU_VEC_INLINE I16 as_signed(U16 v) { return vreinterpretq_s16_u16(v); }
 
 template <int N>
-TAVU_VEC_INLINE I16 load_difference(const uint8_t *&a, int32_t stride_a, const uint8_t *&b,
-                                    int32_t stride_b) {
+TAVU_VEC_INLINE I16 load_difference(const uint8_t *&a, ptrdiff_t stride_a, const uint8_t *&b,
+                                    ptrdiff_t stride_b) {
     const uint8x8_t va = load_row8(a, stride_a);
     return as_signed(vsubl_u8(va, load_row8(b, stride_b)));
 }
@@ -222,8 +223,8 @@ TAVU_VEC_INLINE void zip(I16 &a, I16 &b) {
     a = v.val[0], b = v.val[1];
 }
 
-TAVU_VEC_INLINE I16 load_stacked_difference(const uint8_t *&a, int32_t stride_a, const uint8_t *&b,
-                                            int32_t stride_b) {
+TAVU_VEC_INLINE I16 load_stacked_difference(const uint8_t *&a, ptrdiff_t stride_a,
+                                            const uint8_t *&b, ptrdiff_t stride_b) {
     return load_difference<16>(a, stride_a, b, stride_b);
 }
 
@@ -237,8 +238,8 @@ template <int N>
 constexpr int COLUMN_REGISTERS = 2;
 
 template <int N>
-TAVU_VEC_INLINE void load_butterflies(const uint8_t *&a, int32_t stride_a, const uint8_t *&b,
-                                      int32_t stride_b, I16 *v) {
+TAVU_VEC_INLINE void load_butterflies(const uint8_t *&a, ptrdiff_t stride_a, const uint8_t *&b,
+                                      ptrdiff_t stride_b, I16 *v) {
     const U8 va = load_even_odd(a, stride_a);
     butterfly_difference(va, load_even_odd(b, stride_b), &v[0], &v[1]);
 }
@@ -253,8 +254,8 @@ TAVU_VEC_INLINE I16 larger(I16 a, I16 b) { return vmaxq_s16(a, b); }
 
 // The horizontal transforms of a - b of two rows of eight columns, which lie side by side: lanes 0 to 3
 // of p and q are the frequencies of the left one.
-TAVU_VEC_INLINE void load_row_transforms(const uint8_t *&a, int32_t stride_a, const uint8_t *&b,
-                                         int32_t stride_b, I16 *p, I16 *q) {
+TAVU_VEC_INLINE void load_row_transforms(const uint8_t *&a, ptrdiff_t stride_a, const uint8_t *&b,
+                                         ptrdiff_t stride_b, I16 *p, I16 *q) {
     I16 v[2];
     load_butterflies<16>(a, stride_a, b, stride_b, v);
     const int16x8x2_t pairs = vtrnq_s16(v[0], v[1]);
