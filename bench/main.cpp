@@ -11,7 +11,6 @@ void add_peer_rows() {
     add_resize_rows();
     add_memory_rows();
     add_stream_rows();
-    add_text_rows();
     add_bounds();
 }
 
@@ -24,6 +23,8 @@ struct {
 }  // namespace
 
 int main(int argc, char **argv) {
+    // Lists first, while the heap is in one piece.
+    add_text_rows();
     const char *wanted = argc > 1 && argv[1][0] != '-' ? argv[1] : TABLES[0].name;
     for (const auto &table : TABLES) {
         if (strcmp(table.name, wanted) == 0) table.add();

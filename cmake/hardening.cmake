@@ -1,7 +1,7 @@
-# What distributions put into released code against exploits. Block metrics come out with the same
-# instructions as without, the resizing routines with a check of the stack each. Left out are marks for
-# indirect jumps (-fcf-protection=full): an instruction at the start of every routine that no Linux
-# makes use of in programs. "return" marks the code as fit for shadow stacks and adds none.
+# What distributions put into released code against exploits. Kernels that keep nothing in memory of
+# their own go without (cmake/library.cmake), the resizing routines have a check of the stack each. Left
+# out are marks for indirect jumps (-fcf-protection=full): an instruction at the start of every routine
+# that no Linux makes use of in programs. "return" marks the code as fit for shadow stacks and adds none.
 option(TAVU_HARDENING "Optimised builds: stack protector, checked calls of the C library" ON)
 
 function(tavu_harden target)

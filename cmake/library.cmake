@@ -68,6 +68,12 @@ set_source_files_properties(
   src/metric/diff.cpp src/metric/sad.cpp src/metric/satd.cpp src/metric/ssd.cpp PROPERTIES
   COMPILE_OPTIONS $<$<CONFIG:Release>:-O2>)
 
+# These keep nothing in memory of their own that could be overrun, and feel each instruction.
+set_property(SOURCE src/core/mset.cpp src/imgp/csc_to_565.cpp src/imgp/csc_to_packed.cpp
+  src/imgp/csc_to_yuv.cpp src/media/vkeyfrm.cpp ${TAVU_WIDEST_SOURCES}
+  APPEND PROPERTY COMPILE_OPTIONS
+  -fno-stack-protector -fno-stack-clash-protection -falign-functions=32)
+
 function(tavu_objects name)
   add_library(${name} OBJECT ${ARGN})
   target_include_directories(${name} PRIVATE include src)

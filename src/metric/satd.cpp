@@ -68,70 +68,84 @@ __attribute__((noinline)) int32_t single_satd8x8s(int32_t width, int32_t height,
 
 constexpr int N = WIDEST < 32 ? WIDEST : 32;
 
-int32_t satd4x4_band(int32_t width, int32_t height, const uint8_t *a, const uint8_t *b,
-                     int32_t stride_a, int32_t stride_b) {
-    const Blocks at{a, b, stride_a, stride_b};
-    const auto add = [](auto &sum, Blocks &strip) __attribute__((always_inline)) {
-        add_satd4x4(sum, strip);
-    };
-    if constexpr (WIDEST == 64) {
-        if (((width | height * 2) & 15) == 0) {
-            return whole_registers<MagnitudeSum<64>, 16, 8>(width, height, at, add);
+struct Tiles4x4 {
+    static TAVU_VEC_INLINE int32_t satd(int32_t width, int32_t height, const Blocks &at) {
+        const auto add = [](auto &sum, Blocks &strip) __attribute__((always_inline)) {
+            add_satd4x4(sum, strip);
+        };
+        if constexpr (WIDEST == 64) {
+            if (((width | height * 2) & 15) == 0) {
+                return whole_registers<MagnitudeSum<64>, 16, 8>(width, height, at, add);
+            }
         }
+        return best_tiles<MagnitudeSum<N>, 16, 4>(width, height, at, add, single_satd4x4s);
     }
-    return best_tiles<MagnitudeSum<N>, 16, 4>(width, height, at, add, single_satd4x4s);
-}
+};
 
-int32_t satd8x8_band(int32_t width, int32_t height, const uint8_t *a, const uint8_t *b,
-                     int32_t stride_a, int32_t stride_b) {
-    const Blocks at{a, b, stride_a, stride_b};
+struct Tiles8x8 {
+    static TAVU_VEC_INLINE int32_t satd(int32_t width, int32_t height, const Blocks &at) {
 #if defined(__ARM_NEON)
-    const auto add = [](auto &sum, Blocks &strip) __attribute__((always_inline)) {
-        add_satd8x8_twice(sum, strip);
-    };
-    return best_tiles<RoundedSums, 16, 8>(width, height, at, add, single_satd8x8s);
+        const auto add = [](auto &sum, Blocks &strip) __attribute__((always_inline)) {
+            add_satd8x8_twice(sum, strip);
+        };
+        return best_tiles<RoundedSums, 16, 8>(width, height, at, add, single_satd8x8s);
 #else
-    const auto add = [](auto &sum, Blocks &strip) __attribute__((always_inline)) {
-        add_satd8x8(sum, strip);
-    };
-    return best_tiles<RoundedSum<N>, N / 2, 8>(width, height, at, add, single_satd8x8s);
+        const auto add = [](auto &sum, Blocks &strip) __attribute__((always_inline)) {
+            add_satd8x8(sum, strip);
+        };
+        return best_tiles<RoundedSum<N>, N / 2, 8>(width, height, at, add, single_satd8x8s);
 #endif
+    }
+};
+
+#if defined(__arm__)
+
+// The choice of the other processors would cost a small area more than its sum.
+template <class Tiles>
+TAVU_VEC_INLINE int32_t best_area(int32_t width, int32_t height, const Blocks &at) {
+    return Tiles::satd(width, height, at);
 }
 
-constexpr int32_t BAND = 64;
+#else
 
-template <tavu_metric_area_t *band>
-__attribute__((noinline)) int32_t by_bands(int32_t width, int32_t height, const uint8_t *a,
-                                           const uint8_t *b, int32_t stride_a, int32_t stride_b) {
-    Blocks at{a, b, stride_a, stride_b};
+constexpr int32_t ONE_BAND = 64, BAND = 16;
+
+template <class Tiles>
+__attribute__((noinline)) int32_t one_band(int32_t width, int32_t height, const uint8_t *a,
+                                           const uint8_t *b, ptrdiff_t stride_a,
+                                           ptrdiff_t stride_b) {
+    return Tiles::satd(width, height, {a, b, stride_a, stride_b});
+}
+
+template <class Tiles>
+__attribute__((noinline)) int32_t by_bands(int32_t width, int32_t height, Blocks at) {
     uint32_t sum = 0;
     for (; height > 0; height -= BAND) {
         const int32_t rows = height < BAND ? height : BAND;
-        sum += static_cast<uint32_t>(band(width, rows, at.a, at.b, stride_a, stride_b));
+        sum += static_cast<uint32_t>(
+            one_band<Tiles>(width, rows, at.a, at.b, at.stride_a, at.stride_b));
         at = at.tile(0, BAND);
     }
     return static_cast<int32_t>(sum);
 }
 
-// Pictures go by bands of rows, for a strip down a whole picture would touch a page with every row. On
-// 32-bit ARM the choice would cost a small area more than its sum.
-template <tavu_metric_area_t *band>
+// Pictures go by bands of rows, for a strip down a whole picture would touch a page with every row.
+template <class Tiles>
 TAVU_VEC_INLINE int32_t best_area(int32_t width, int32_t height, const Blocks &at) {
-    const auto stride_a = static_cast<int32_t>(at.stride_a);
-    const auto stride_b = static_cast<int32_t>(at.stride_b);
-#if !defined(__arm__)
-    if (height > BAND) return by_bands<band>(width, height, at.a, at.b, stride_a, stride_b);
+    if (height > ONE_BAND) return by_bands<Tiles>(width, height, at);
+    return one_band<Tiles>(width, height, at.a, at.b, at.stride_a, at.stride_b);
+}
+
 #endif
-    return band(width, height, at.a, at.b, stride_a, stride_b);
-}
 
-TAVU_VEC_INLINE int32_t best_satd4x4_area(int32_t width, int32_t height, const Blocks &at) {
-    return best_area<satd4x4_band>(width, height, at);
-}
-
-TAVU_VEC_INLINE int32_t best_satd8x8_area(int32_t width, int32_t height, const Blocks &at) {
-    return best_area<satd8x8_band>(width, height, at);
-}
+constexpr auto best_satd4x4_area =
+    [](int32_t width, int32_t height, const Blocks &at) __attribute__((always_inline)) {
+    return best_area<Tiles4x4>(width, height, at);
+};
+constexpr auto best_satd8x8_area =
+    [](int32_t width, int32_t height, const Blocks &at) __attribute__((always_inline)) {
+    return best_area<Tiles8x8>(width, height, at);
+};
 
 #else
 
