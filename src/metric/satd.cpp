@@ -108,7 +108,7 @@ TAVU_VEC_INLINE int32_t best_area(int32_t width, int32_t height, const Blocks &a
 
 #else
 
-constexpr int32_t ONE_BAND = 64, BAND = 16;
+constexpr int32_t ONE_BAND = 64, BAND = 8;
 
 template <class Tiles>
 __attribute__((noinline)) int32_t one_band(int32_t width, int32_t height, const uint8_t *a,
@@ -117,14 +117,24 @@ __attribute__((noinline)) int32_t one_band(int32_t width, int32_t height, const 
     return Tiles::satd(width, height, {a, b, stride_a, stride_b});
 }
 
+inline void prefetch_rows(const uint8_t *p, ptrdiff_t stride, int32_t width) {
+    constexpr int32_t CACHE_LINE = 64;
+    for (int32_t y = 0; y < BAND; y++, p += stride) {
+        for (int32_t x = 0; x < width; x += CACHE_LINE) __builtin_prefetch(p + x);
+    }
+}
+
 template <class Tiles>
 __attribute__((noinline)) int32_t by_bands(int32_t width, int32_t height, Blocks at) {
     uint32_t sum = 0;
     for (; height > 0; height -= BAND) {
         const int32_t rows = height < BAND ? height : BAND;
+        const Blocks next = at.tile(0, BAND);
+        prefetch_rows(next.a, next.stride_a, width);
+        prefetch_rows(next.b, next.stride_b, width);
         sum += static_cast<uint32_t>(
             one_band<Tiles>(width, rows, at.a, at.b, at.stride_a, at.stride_b));
-        at = at.tile(0, BAND);
+        at = next;
     }
     return static_cast<int32_t>(sum);
 }
