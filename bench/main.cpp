@@ -6,6 +6,7 @@
 namespace {
 
 void add_peer_rows() {
+    add_text_rows();  // first, while the heap of the lists is in one piece
     add_csc_rows();
     add_metric_rows();
     add_resize_rows();
@@ -23,8 +24,6 @@ struct {
 }  // namespace
 
 int main(int argc, char **argv) {
-    // Lists first, while the heap is in one piece.
-    add_text_rows();
     const char *wanted = argc > 1 && argv[1][0] != '-' ? argv[1] : TABLES[0].name;
     for (const auto &table : TABLES) {
         if (strcmp(table.name, wanted) == 0) table.add();
