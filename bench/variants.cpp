@@ -6,7 +6,7 @@
 template <class Routine>
 static std::vector<Variant<Routine>> runnable(std::vector<Variant<Routine>> all) {
     const bool v3 = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2");
-    const size_t levels = !v3 ? 1 : __builtin_cpu_supports("avx512bw") ? 3 : 2;
+    const size_t levels = !v3 ? 1 : __builtin_cpu_supports("avx512vbmi") ? 3 : 2;
     if (all.size() > 1 + levels) all.resize(1 + levels);
     return all;
 }
@@ -37,20 +37,20 @@ static std::vector<Variant<Routine>> runnable(std::vector<Variant<Routine>> all)
 
 #endif
 
-KERNEL(tavu_csc_yuv444_to_rgb888)
-KERNEL(tavu_csc_yuv444_to_rgba8888)
-KERNEL(tavu_csc_yuv444a8_to_rgba8888)
-KERNEL(tavu_csc_r8g8b8_to_rgb888)
-KERNEL(tavu_csc_r8g8b8_to_rgba8888)
-KERNEL(tavu_csc_r8g8b8a8_to_rgba8888)
-KERNEL(tavu_csc_yuv444_to_rgb565)
-KERNEL(tavu_csc_yuv444_to_rgb565a8)
-KERNEL(tavu_csc_yuv444a8_to_rgb565a8)
-KERNEL(tavu_csc_r8g8b8_to_rgb565)
-KERNEL(tavu_csc_x8y8z8_to_xyz565a8)
-KERNEL(tavu_csc_x8y8z8a8_to_xyz565a8)
-KERNEL(tavu_csc_r8g8b8_to_yuv444)
-KERNEL(tavu_csc_r8g8b8a8_to_yuv444a8)
+KERNEL4(tavu_csc_yuv444_to_rgb888)
+KERNEL4(tavu_csc_yuv444_to_rgba8888)
+KERNEL4(tavu_csc_yuv444a8_to_rgba8888)
+KERNEL4(tavu_csc_r8g8b8_to_rgb888)
+KERNEL4(tavu_csc_r8g8b8_to_rgba8888)
+KERNEL4(tavu_csc_r8g8b8a8_to_rgba8888)
+KERNEL4(tavu_csc_yuv444_to_rgb565)
+KERNEL4(tavu_csc_yuv444_to_rgb565a8)
+KERNEL4(tavu_csc_yuv444a8_to_rgb565a8)
+KERNEL4(tavu_csc_r8g8b8_to_rgb565)
+KERNEL4(tavu_csc_x8y8z8_to_xyz565a8)
+KERNEL4(tavu_csc_x8y8z8a8_to_xyz565a8)
+KERNEL4(tavu_csc_r8g8b8_to_yuv444)
+KERNEL4(tavu_csc_r8g8b8a8_to_yuv444a8)
 
 KERNEL(tavu_csc_rsz_r8g8b8_to_rgb888)
 KERNEL(tavu_csc_rsz_r8g8b8_to_rgba8888)

@@ -34,16 +34,17 @@ set(TAVU_SOURCES
 # Kernels that gain from wider vectors: on x86-64 compiled a second time for level v3.
 set(TAVU_WIDE_SOURCES
   src/core/mset.cpp
-  src/imgp/csc_to_565.cpp
-  src/imgp/csc_to_packed.cpp
-  src/imgp/csc_to_yuv.cpp
   src/media/vkeyfrm.cpp
   src/imgp/csc_rsz.cpp
   src/imgp/irsz_kernels.cpp
   src/imgp/resize_vec.cpp)
 
-# Kernels that gain once more from registers of 64 bytes: for level v4 too.
+# Kernels that gain once more from registers of 64 bytes: for level v4 too, which here takes in VBMI,
+# the permutes of bytes that all but the first processors with AVX-512 have.
 set(TAVU_WIDEST_SOURCES
+  src/imgp/csc_to_565.cpp
+  src/imgp/csc_to_packed.cpp
+  src/imgp/csc_to_yuv.cpp
   src/metric/diff.cpp
   src/metric/sad.cpp
   src/metric/satd.cpp
@@ -69,8 +70,7 @@ set_source_files_properties(
   COMPILE_OPTIONS $<$<CONFIG:Release>:-O2>)
 
 # These keep nothing in memory of their own that could be overrun, and feel each instruction.
-set_property(SOURCE src/core/mset.cpp src/imgp/csc_to_565.cpp src/imgp/csc_to_packed.cpp
-  src/imgp/csc_to_yuv.cpp src/media/vkeyfrm.cpp ${TAVU_WIDEST_SOURCES}
+set_property(SOURCE src/core/mset.cpp src/media/vkeyfrm.cpp ${TAVU_WIDEST_SOURCES}
   APPEND PROPERTY COMPILE_OPTIONS
   -fno-stack-protector -fno-stack-clash-protection -falign-functions=32)
 
@@ -96,7 +96,7 @@ function(tavu_level_objects name level top)
   tavu_objects(${name} ${ARGN})
   # Kernels call nothing that could throw, so that nobody needs to unwind through them.
   target_compile_options(${name} PRIVATE -march=x86-64-v${level} -mtune=generic
-    -fno-asynchronous-unwind-tables)
+    -fno-asynchronous-unwind-tables $<$<EQUAL:${level},4>:-mavx512vbmi>)
   target_compile_definitions(${name} PRIVATE TAVU_LEVEL=${level} TAVU_TOP_LEVEL=${top})
 endfunction()
 

@@ -14,17 +14,18 @@ void free_imgb(tavu_imgb_t *imgb) {
     free(imgb);
 }
 
-// Zeroes `bytes` bytes of each of `rows` rows.
-void clear_rows(uint8_t *at, int32_t rows, int32_t stride, int32_t bytes) {
-    if (bytes <= 0) return;
+// Zeroes `bytes` bytes of each of `rows` rows from `offset` on, which may lie anywhere if there are none.
+void clear_rows(uint8_t *at, ptrdiff_t offset, int32_t rows, int32_t stride, int32_t bytes) {
+    if (bytes <= 0 || rows <= 0) return;
+    at += offset;
     for (; rows > 0; rows--, at += stride) memset(at, 0, static_cast<size_t>(bytes));
 }
 
 void clear_align(uint8_t *addr, int32_t stride, int32_t w, int32_t h, int32_t aw, int32_t ah,
                  int32_t bytes) {
-    clear_rows(addr + static_cast<ptrdiff_t>(w) * bytes, h, stride, (aw - w) * bytes);
+    clear_rows(addr, static_cast<ptrdiff_t>(w) * bytes, h, stride, (aw - w) * bytes);
     // `aw` bytes even where a pixel has more; callers rely on it.
-    clear_rows(addr + static_cast<ptrdiff_t>(h) * stride, ah - h, stride, aw);
+    clear_rows(addr, static_cast<ptrdiff_t>(h) * stride, ah - h, stride, aw);
 }
 
 void clear_pad(uint8_t *base, int32_t stride, int32_t aw, int32_t ah, uint32_t pad) {
@@ -32,11 +33,11 @@ void clear_pad(uint8_t *base, int32_t stride, int32_t aw, int32_t ah, uint32_t p
     const auto rows = static_cast<int32_t>(pad & 0xFFFF);
     // Taken as bytes even where a pixel has more; callers rely on it.
     const auto bytes = static_cast<int32_t>(pad >> 16);
-    uint8_t *picture = base + static_cast<ptrdiff_t>(rows) * stride;
-    clear_rows(base, rows, stride, stride);
-    clear_rows(picture + static_cast<ptrdiff_t>(ah) * stride, rows, stride, stride);
-    clear_rows(picture, ah, stride, bytes);
-    clear_rows(picture + bytes + aw, ah, stride, bytes);
+    const ptrdiff_t above = static_cast<ptrdiff_t>(rows) * stride;
+    clear_rows(base, 0, rows, stride, stride);
+    clear_rows(base, above + static_cast<ptrdiff_t>(ah) * stride, rows, stride, stride);
+    clear_rows(base, above, ah, stride, bytes);
+    clear_rows(base, above + bytes + aw, ah, stride, bytes);
 }
 
 int32_t apply_options(tavu_imgb_t *imgb, int32_t opt, int32_t planes, const int32_t *w,

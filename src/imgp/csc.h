@@ -38,12 +38,33 @@ struct PackedTarget {
 }  // namespace tavu
 
 // Exports NAME as a call of a function on the record: TAVU_CSC(tavu_csc_x, convert<Format>).
-#define TAVU_CSC(name, ...)                                                                        \
+#define TAVU_CSC(name, ...) TAVU_CSC_FROM(INT32_MIN, name, __VA_ARGS__)
+
+// The same for pictures of at least `min_width` columns; narrower ones are left to the next lower level.
+#define TAVU_CSC_FROM(min_width, name, ...)                                                        \
+    extern "C" decltype(name) TAVU_LOWER_LEVEL(name);                                              \
     TAVU_KERNEL(void, name,                                                                        \
                 (uint8_t *const src[4], int32_t src_w, int32_t src_h, const int32_t src_stride[4], \
-                 int32_t, uint8_t *const dst[4], int32_t dst_w, int32_t dst_h,                     \
+                 int32_t src_cs, uint8_t *const dst[4], int32_t dst_w, int32_t dst_h,              \
                  const int32_t dst_stride[4], int32_t dst_cs)) {                                   \
+        if (src_w < (min_width)) {                                                                 \
+            return TAVU_LOWER_LEVEL(name)(src, src_w, src_h, src_stride, src_cs, dst, dst_w,       \
+                                          dst_h, dst_stride, dst_cs);                              \
+        }                                                                                          \
         __VA_ARGS__(Csc{src, src_w, src_h, src_stride, dst, dst_w, dst_h, dst_stride, dst_cs});    \
     }
+
+namespace tavu {
+namespace {
+
+// Of conversions whose rows are blocks of a register. The lowest level has scalar forms instead.
+#if TAVU_VEC && TAVU_LEVEL > 2
+constexpr int32_t MIN_WIDTH = LANES;
+#else
+constexpr int32_t MIN_WIDTH = INT32_MIN;
+#endif
+
+}  // namespace
+}  // namespace tavu
 
 #endif

@@ -48,8 +48,8 @@ TAVU_VEC_INLINE void store_yuv(U8 r8, U8 g8, U8 b8, uint8_t *out[4]) {
     store(out[2], round_narrow8(v));
 }
 
-template <int Step, bool Bgr>
-TAVU_VEC_INLINE void convert_block(PackedCursor<Step> &at) {
+template <int Step, class Choice>
+TAVU_VEC_INLINE void convert_block(PackedCursor<Step> &at, Choice bgr) {
     U8 c[4];
     if constexpr (Step == 3) {
         load_interleaved(at.in, &c[0], &c[1], &c[2]);
@@ -57,14 +57,17 @@ TAVU_VEC_INLINE void convert_block(PackedCursor<Step> &at) {
         load_interleaved(at.in, &c[0], &c[1], &c[2], &c[3]);
         store(at.out[3], c[3]);
     }
-    store_yuv(Bgr ? c[2] : c[0], c[1], Bgr ? c[0] : c[2], at.out);
+    store_yuv(bgr ? c[2] : c[0], c[1], bgr ? c[0] : c[2], at.out);
 }
 
-template <int Step, bool Bgr>
-void convert_row(const YuvLine &at, int32_t width) {
+template <int Step, class Choice>
+TAVU_ONE_COPY void convert_row(const YuvLine &at, int first, int32_t width, Choice bgr) {
     using Place = PackedCursor<Step>;
-    for_each_block(Place{at.in[Bgr ? 2 : 0], {at.out[0], at.out[1], at.out[2], at.out[3]}}, width,
-                   [](Place &place) { convert_block<Step, Bgr>(place); });
+    const Place start = {at.in[first], {at.out[0], at.out[1], at.out[2], at.out[3]}};
+    for_each_block(
+        start, width, [=](Place & place) __attribute__((always_inline)) {
+            convert_block<Step>(place, bgr);
+        });
 }
 
 // Whether the channels stand behind each other from `first` on.
@@ -77,9 +80,10 @@ bool is_packed(const YuvLine &at, int first) {
 template <int Step>
 struct BestYuvRow {
     static void convert(const YuvLine &at, int32_t width) {
-        if (width >= LANES && is_packed<Step>(at, 0)) return convert_row<Step, false>(at, width);
-        if (width >= LANES && is_packed<Step>(at, 2)) return convert_row<Step, true>(at, width);
-        yuv_row_scalar(Step, at, width);
+        const bool rgb = is_packed<Step>(at, 0);
+        if (width < LANES || !(rgb || is_packed<Step>(at, 2)))
+            return yuv_row_scalar(Step, at, width);
+        choose(!rgb, [&](auto bgr) { convert_row<Step>(at, rgb ? 0 : 2, width, bgr); });
     }
 };
 
@@ -95,5 +99,5 @@ using BestYuvRow = ModelYuvRow<Step>;
 
 using namespace tavu;
 
-TAVU_CSC(tavu_csc_r8g8b8_to_yuv444, to_yuv<3, BestYuvRow>)
-TAVU_CSC(tavu_csc_r8g8b8a8_to_yuv444a8, to_yuv<4, BestYuvRow>)
+TAVU_CSC_FROM(MIN_WIDTH, tavu_csc_r8g8b8_to_yuv444, to_yuv<3, BestYuvRow>)
+TAVU_CSC_FROM(MIN_WIDTH, tavu_csc_r8g8b8a8_to_yuv444a8, to_yuv<4, BestYuvRow>)

@@ -45,8 +45,13 @@ TAVU_VEC_INLINE int32_t sum_block(Blocks &at) {
         return upper + sum_block<Sum, Columns, Rows / 2>(at);
     } else {
         Sum sum;
+        if constexpr (Columns > Sum::WIDTH) {
+#pragma GCC unroll 4
+            for (int y = 0; y < Rows; y++) add_rows<Columns>(sum, at);
+        } else {
 #pragma GCC unroll 16
-        for (int y = 0; y < Rows; y += ROWS<Sum::WIDTH, Columns>) add_rows<Columns>(sum, at);
+            for (int y = 0; y < Rows; y += ROWS<Sum::WIDTH, Columns>) add_rows<Columns>(sum, at);
+        }
         return sum.total();
     }
 }

@@ -6,20 +6,25 @@
 // written. In every other build a kernel is an ordinary function.
 //
 //     TAVU_KERNEL(void, tavu_name, (int32_t a, int32_t b)) { ... }
+//
+// TAVU_LOWER_LEVEL(tavu_name) is the same kernel at the next lower level; of the lowest, itself.
 #ifndef TAVU_SIMD_KERNEL_H
 #define TAVU_SIMD_KERNEL_H
 
 #if !defined(TAVU_LEVEL)
 
 #define TAVU_KERNEL(ret, name, params) extern "C" ret name params
+#define TAVU_LOWER_LEVEL(name) name
 
 #elif TAVU_LEVEL == 4
 
 #define TAVU_KERNEL(ret, name, params) extern "C" ret name##_v4 params
+#define TAVU_LOWER_LEVEL(name) name##_v3
 
 #elif TAVU_LEVEL == 3
 
 #define TAVU_KERNEL(ret, name, params) extern "C" ret name##_v3 params
+#define TAVU_LOWER_LEVEL(name) name##_v2
 
 #else
 
@@ -44,6 +49,7 @@
     ret name params __attribute__((ifunc(#name "_resolve")));   \
     }                                                           \
     ret name##_v2 params
+#define TAVU_LOWER_LEVEL(name) name##_v2
 
 #endif
 

@@ -28,13 +28,14 @@ TAVU_UNINSTRUMENTED int find_level() {
     const unsigned state = saved_state();
     constexpr unsigned YMM = 0x06, ZMM = 0xE6;
     if (!has_all(state, YMM)) return 2;
-    unsigned extensions;
-    __cpuid_count(7, 0, a, extensions, c, d);
+    unsigned extensions, more_extensions;
+    __cpuid_count(7, 0, a, extensions, more_extensions, d);
     if (!has_all(extensions, bit_AVX2 | bit_BMI | bit_BMI2)) return 2;
     __cpuid(0x80000001, a, b, c, d);
     if (!has_all(c, bit_LZCNT)) return 2;
     constexpr unsigned V4 = bit_AVX512F | bit_AVX512BW | bit_AVX512CD | bit_AVX512DQ | bit_AVX512VL;
-    return has_all(extensions, V4) && has_all(state, ZMM) ? 4 : 3;
+    const bool vbmi = has_all(more_extensions, bit_AVX512VBMI);
+    return has_all(extensions, V4) && vbmi && has_all(state, ZMM) ? 4 : 3;
 }
 
 }  // namespace

@@ -13,7 +13,7 @@
     __attribute__((no_sanitize("address", "undefined", "thread"), no_stack_protector))
 #endif
 
-// 2, 3 or 4.
+// 2, 3 or 4, which takes in VBMI.
 extern "C" __attribute__((visibility("hidden"))) int tavu_cpu_level();
 
 #endif

@@ -1,12 +1,13 @@
 // The vector layer: one register of bytes and the operations that the kernels are written in.
 //
-//     LANES                 bytes in a register: 16 (NEON, x86-64-v2) or 32 (x86-64-v3)
+//     LANES                 bytes in a register: 16 (NEON, x86-64-v2), 32 (v3) or 64 (v4)
 //     U8, I16, U16          a register of unsigned bytes, of 16-bit lanes; GNU vector types, so that
 //                           + - * << >> and scalars on one side work on each lane
 //     Wide, UWide           LANES 16-bit values in two registers, in an order that only widening
 //                           and narrowing know
 //     load(p), store(p, v)  LANES bytes from or to any address; p moves on behind them
 //     splat(x)              one byte in every lane
+//     choose(c, use)        calls use(choice), in which `choice ? a : b` is a of all lanes if c holds, else b
 //     widen(v)              to signed 16 bits, zero-extended
 //     widen_unsigned(v)     to unsigned 16 bits
 //     narrow(w)             to bytes, saturated to 0..255
@@ -25,6 +26,7 @@
 #define TAVU_SIMD_VEC_H
 
 #include <cstdint>
+#include <type_traits>
 
 #define TAVU_VEC_INLINE __attribute__((always_inline)) inline
 

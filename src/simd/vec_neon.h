@@ -20,6 +20,13 @@ struct UWide {
 
 TAVU_VEC_INLINE U8 splat(uint8_t x) { return vdupq_n_u8(x); }
 
+// Short as blocks are here, a choice within them would cost a tenth: a copy of `use` for each.
+template <class Use>
+TAVU_VEC_INLINE void choose(bool first, Use use) {
+    if (first) return use(std::true_type{});
+    use(std::false_type{});
+}
+
 TAVU_VEC_INLINE Wide widen(U8 v) {
     return {vreinterpretq_s16_u16(vmovl_u8(vget_low_u8(v))),
             vreinterpretq_s16_u16(vmovl_u8(vget_high_u8(v)))};

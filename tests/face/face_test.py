@@ -7,6 +7,7 @@ import re
 import subprocess
 import sys
 import unittest
+from pathlib import Path
 
 LIBRARY, HEADER = sys.argv[1:3]
 SANITIZED = any("-fsanitize" in flag for flag in sys.argv[3:])
@@ -28,7 +29,7 @@ def symbols(*flags):
 
 class Face(unittest.TestCase):
     def test_exported_names_are_those_of_the_header(self):
-        text = re.sub(r"/\*.*?\*/", "", open(HEADER, encoding="utf-8").read(), flags=re.S)
+        text = re.sub(r"/\*.*?\*/", "", Path(HEADER).read_text(encoding="utf-8"), flags=re.S)
         text = re.sub(r"^#.*$", "", text, flags=re.M)
         declared = set()
         for declaration in re.findall(r"TAVU_API\s([^;]*);", text):
