@@ -38,7 +38,7 @@ struct PackedTarget {
 }  // namespace tavu
 
 // Exports NAME as a call of a function on the record: TAVU_CSC(tavu_csc_x, convert<Format>).
-#define TAVU_CSC(name, ...) TAVU_CSC_FROM(INT32_MIN, name, __VA_ARGS__)
+#define TAVU_CSC(name, ...) TAVU_CSC_FROM(INT64_MIN, name, __VA_ARGS__)
 
 // The same for pictures of at least `min_width` columns; narrower ones are left to the next lower level.
 #define TAVU_CSC_FROM(min_width, name, ...)                                                        \
@@ -59,10 +59,14 @@ namespace {
 
 // Of conversions whose rows are blocks of a register. The lowest level has scalar forms instead.
 #if TAVU_VEC && TAVU_LEVEL > 2
-constexpr int32_t MIN_WIDTH = LANES;
+constexpr int64_t MIN_WIDTH = LANES;
 #else
-constexpr int32_t MIN_WIDTH = INT32_MIN;
+constexpr int64_t MIN_WIDTH = INT64_MIN;
 #endif
+
+// Of those that a register of 64 bytes makes slower: memory bounds them, and each access of such a
+// register to an address that is not aligned takes two lines of the cache.
+constexpr int64_t MIN_WIDTH_NOT_V4 = MIN_WIDTH == 64 ? INT64_MAX : MIN_WIDTH;
 
 }  // namespace
 }  // namespace tavu
