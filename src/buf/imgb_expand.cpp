@@ -11,6 +11,7 @@ namespace {
 // With the width as a constant each row is a few stores.
 template <int Width>
 void repeat_column(const uint8_t *src, uint8_t *dst, int32_t rows, int32_t stride) {
+#pragma GCC unroll 2
     for (; rows > 0; rows--, src += stride, dst += stride) fill_chunk<Width>(dst, *src);
 }
 
