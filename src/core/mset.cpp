@@ -55,7 +55,8 @@ void fill(uint8_t *dst, uint32_t value, size_t bytes) {
     dst = store_pattern<1>(dst, pattern);
     if (single_byte || at % sizeof value == 0) dst -= at % sizeof pattern;
     while (end - dst > 128) dst = store_pattern<AT_ONCE>(dst, pattern);
-    store_pattern<AT_ONCE>(end - 128, pattern);
+    while (end - dst > static_cast<ptrdiff_t>(sizeof pattern)) dst = store_pattern<1>(dst, pattern);
+    store_pattern<1>(end - sizeof pattern, pattern);
 }
 
 // The largest multiple of a power of two that is not above `size`.
