@@ -37,38 +37,40 @@ struct PackedTarget {
 
 }  // namespace tavu
 
-// Exports NAME as a call of a function on the record: TAVU_CSC(tavu_csc_x, convert<Format>).
-#define TAVU_CSC(name, ...) TAVU_CSC_FROM(INT64_MIN, name, __VA_ARGS__)
+namespace tavu {
+namespace {
 
-// The same for pictures of at least `min_width` columns; narrower ones are left to the next lower level.
-#define TAVU_CSC_FROM(min_width, name, ...)                                                        \
+// What a level leaves to the next lower one: rows too narrow for a register; at v4 all of those that
+// are slower there, for memory bounds them, and each access of 64 bytes to an address that is not
+// aligned takes two lines of the cache.
+enum class Leave { NOTHING, NARROW, NARROW_AND_V4 };
+
+inline bool is_left([[maybe_unused]] Leave what, [[maybe_unused]] int32_t width) {
+#if TAVU_VEC && TAVU_LEVEL > 2
+    if (what == Leave::NARROW_AND_V4 && TAVU_LEVEL == 4) return true;
+    return what != Leave::NOTHING && width < LANES;
+#else
+    return false;
+#endif
+}
+
+}  // namespace
+}  // namespace tavu
+
+// Exports NAME as a call of a function on the record: TAVU_CSC(tavu_csc_x, convert<Format>).
+#define TAVU_CSC(name, ...) TAVU_CSC_LEAVE(NOTHING, name, __VA_ARGS__)
+
+#define TAVU_CSC_LEAVE(what, name, ...)                                                            \
     extern "C" decltype(name) TAVU_LOWER_LEVEL(name);                                              \
     TAVU_KERNEL(void, name,                                                                        \
                 (uint8_t *const src[4], int32_t src_w, int32_t src_h, const int32_t src_stride[4], \
                  int32_t src_cs, uint8_t *const dst[4], int32_t dst_w, int32_t dst_h,              \
                  const int32_t dst_stride[4], int32_t dst_cs)) {                                   \
-        if (src_w < (min_width)) {                                                                 \
+        if (is_left(Leave::what, src_w)) {                                                         \
             return TAVU_LOWER_LEVEL(name)(src, src_w, src_h, src_stride, src_cs, dst, dst_w,       \
                                           dst_h, dst_stride, dst_cs);                              \
         }                                                                                          \
         __VA_ARGS__(Csc{src, src_w, src_h, src_stride, dst, dst_w, dst_h, dst_stride, dst_cs});    \
     }
-
-namespace tavu {
-namespace {
-
-// Of conversions whose rows are blocks of a register. The lowest level has scalar forms instead.
-#if TAVU_VEC && TAVU_LEVEL > 2
-constexpr int64_t MIN_WIDTH = LANES;
-#else
-constexpr int64_t MIN_WIDTH = INT64_MIN;
-#endif
-
-// Of those that a register of 64 bytes makes slower: memory bounds them, and each access of such a
-// register to an address that is not aligned takes two lines of the cache.
-constexpr int64_t MIN_WIDTH_NOT_V4 = MIN_WIDTH == 64 ? INT64_MAX : MIN_WIDTH;
-
-}  // namespace
-}  // namespace tavu
 
 #endif

@@ -52,9 +52,9 @@ void best_to_565(const Csc &c) {
 
 using namespace tavu;
 
-TAVU_CSC_FROM(MIN_WIDTH, tavu_csc_yuv444_to_rgb565, best_to_565<FromYuv>)
-TAVU_CSC_FROM(MIN_WIDTH, tavu_csc_yuv444_to_rgb565a8, best_to_565<FromYuv, Alpha::OPAQUE>)
-TAVU_CSC_FROM(MIN_WIDTH, tavu_csc_yuv444a8_to_rgb565a8, best_to_565<FromYuv, Alpha::PLANE>)
-TAVU_CSC_FROM(MIN_WIDTH, tavu_csc_r8g8b8_to_rgb565, best_to_565<FromRgb>)
-TAVU_CSC_FROM(MIN_WIDTH, tavu_csc_x8y8z8_to_xyz565a8, best_to_565<FromRgb, Alpha::OPAQUE>)
-TAVU_CSC_FROM(MIN_WIDTH, tavu_csc_x8y8z8a8_to_xyz565a8, best_to_565<FromRgb, Alpha::PLANE>)
+TAVU_CSC_LEAVE(NARROW, tavu_csc_yuv444_to_rgb565, best_to_565<FromYuv>)
+TAVU_CSC_LEAVE(NARROW, tavu_csc_yuv444_to_rgb565a8, best_to_565<FromYuv, Alpha::OPAQUE>)
+TAVU_CSC_LEAVE(NARROW, tavu_csc_yuv444a8_to_rgb565a8, best_to_565<FromYuv, Alpha::PLANE>)
+TAVU_CSC_LEAVE(NARROW, tavu_csc_r8g8b8_to_rgb565, best_to_565<FromRgb>)
+TAVU_CSC_LEAVE(NARROW, tavu_csc_x8y8z8_to_xyz565a8, best_to_565<FromRgb, Alpha::OPAQUE>)
+TAVU_CSC_LEAVE(NARROW, tavu_csc_x8y8z8a8_to_xyz565a8, best_to_565<FromRgb, Alpha::PLANE>)

@@ -64,9 +64,10 @@ void best_to_packed(const Csc &c) {
 
 using namespace tavu;
 
-TAVU_CSC_FROM(MIN_WIDTH, tavu_csc_yuv444_to_rgb888, best_to_packed<Packed<FromYuv, 3>>)
-TAVU_CSC_FROM(MIN_WIDTH, tavu_csc_yuv444_to_rgba8888, best_to_packed<Packed<FromYuv, 4>>)
-TAVU_CSC_FROM(MIN_WIDTH, tavu_csc_yuv444a8_to_rgba8888, best_to_packed<Packed<FromYuv, 4, true>>)
-TAVU_CSC_FROM(MIN_WIDTH, tavu_csc_r8g8b8_to_rgb888, best_to_packed<Packed<FromRgb, 3>>)
-TAVU_CSC_FROM(MIN_WIDTH, tavu_csc_r8g8b8_to_rgba8888, best_to_packed<Packed<FromRgb, 4>>)
-TAVU_CSC_FROM(MIN_WIDTH_NOT_V4, tavu_csc_r8g8b8a8_to_rgba8888, best_to_packed<Packed<FromRgb, 4, true>>)
+TAVU_CSC_LEAVE(NARROW, tavu_csc_yuv444_to_rgb888, best_to_packed<Packed<FromYuv, 3>>)
+TAVU_CSC_LEAVE(NARROW, tavu_csc_yuv444_to_rgba8888, best_to_packed<Packed<FromYuv, 4>>)
+TAVU_CSC_LEAVE(NARROW, tavu_csc_yuv444a8_to_rgba8888, best_to_packed<Packed<FromYuv, 4, true>>)
+TAVU_CSC_LEAVE(NARROW, tavu_csc_r8g8b8_to_rgb888, best_to_packed<Packed<FromRgb, 3>>)
+TAVU_CSC_LEAVE(NARROW, tavu_csc_r8g8b8_to_rgba8888, best_to_packed<Packed<FromRgb, 4>>)
+TAVU_CSC_LEAVE(NARROW_AND_V4, tavu_csc_r8g8b8a8_to_rgba8888,
+               best_to_packed<Packed<FromRgb, 4, true>>)

@@ -99,5 +99,5 @@ using BestYuvRow = ModelYuvRow<Step>;
 
 using namespace tavu;
 
-TAVU_CSC_FROM(MIN_WIDTH, tavu_csc_r8g8b8_to_yuv444, to_yuv<3, BestYuvRow>)
-TAVU_CSC_FROM(MIN_WIDTH, tavu_csc_r8g8b8a8_to_yuv444a8, to_yuv<4, BestYuvRow>)
+TAVU_CSC_LEAVE(NARROW, tavu_csc_r8g8b8_to_yuv444, to_yuv<3, BestYuvRow>)
+TAVU_CSC_LEAVE(NARROW, tavu_csc_r8g8b8a8_to_yuv444a8, to_yuv<4, BestYuvRow>)
