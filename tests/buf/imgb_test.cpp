@@ -138,9 +138,8 @@ TEST_F(Imgb, OptionTakesItsGeometryFromTheCaller) {
     const Image image = create(16, 4, TAVU_CS_RGB888);
     const int32_t w = 3, h = 2, aw = 5, ah = 3;
     const uint32_t unit = pair(3, 1);
-    EXPECT_EQ(tavu_imgb_option(image.get(), TAVU_IMGB_OPT_CLEAR_ALIGN, 1, &w, &h, &aw, &ah, nullptr,
-                               &unit),
-              TAVU_OK);
+    const int32_t both = TAVU_IMGB_OPT_CLEAR_ALIGN | TAVU_IMGB_OPT_CLEAR_PAD;
+    EXPECT_EQ(tavu_imgb_option(image.get(), both, 1, &w, &h, &aw, &ah, nullptr, &unit), TAVU_OK);
     expect_cleared(*image, 1, [](int, int r, int b) {
         return (r < 2 && b >= 9 && b < 15) || (r == 2 && b < 5);
     });
@@ -149,6 +148,9 @@ TEST_F(Imgb, OptionTakesItsGeometryFromTheCaller) {
 }
 
 TEST_F(Imgb, CountsReferences) {
+    int32_t status = TAVU_OK;
+    EXPECT_EQ(tavu_imgb_create(4, 4, 10, 0, nullptr, nullptr, allocate, nullptr, &status), nullptr);
+    EXPECT_EQ(status, TAVU_ERR_INVALID_ARGUMENT);
     memory.second = 77;
     tavu_imgb_t *image = create(4, 4, 10).release();
     EXPECT_EQ(image->addref(image), 2);

@@ -24,6 +24,9 @@ Ring ring_of(const std::string &content, int start = 0) {
 TEST(Rbuf, LengthsDifferFromTheBytesStoredAndFree) {
     EXPECT_EQ(tavu_rbuf_get_tot_len(ring_of("").get()), 7);
     EXPECT_EQ(tavu_rbuf_get_free_len(ring_of("").get()), 9);
+    EXPECT_EQ(tavu_rbuf_get_free_len(ring_of("abc").get()), 6);
+    EXPECT_EQ(tavu_rbuf_get_free_len(ring_of("abcde", 5).get()), 2);
+    EXPECT_EQ(tavu_rbuf_get_fill_len(ring_of("abcde").get()), 5);
     EXPECT_EQ(tavu_rbuf_get_fill_len(ring_of("abcde", 5).get()), 4);
 }
 

@@ -58,12 +58,21 @@ struct Planes {
     int32_t stride[4];
 };
 
-// Random colours against the equations, in planes of unequal strides.
+// Random colours against the equations, in planes of unequal strides; the first channels of a source
+// may stand side by side.
 TEST(RgbToYuv, IsExactInEveryPlane) {
     const auto chroma = [](double t) { return t + 128 > 255 ? 255 : static_cast<int>(t) + 128; };
-    for (int step : {3, 4}) {
+    for (int round = 0; round < 8; round++) {
+        const int step = 3 + round % 2, together = 1 + round / 2;
         constexpr int W = 1000;
         Planes src(W * step, 1), dst(W, 1);
+        for (int p = 1; p < std::min(step, together); p++) {
+            src.at[p] = src.at[0] + p;
+            src.stride[p] = src.stride[0];
+        }
+        const auto in = [&](int p, int x, int y) {
+            return src.at[p][y * src.stride[p] + x * step];
+        };
         const Planes untouched(W, 1);
         for (int p = 0; p < 3; p++) {  // blue and red, whose chroma of 256 is stored as 255
             src.at[p][0] = p == 2 ? 255 : 0;
@@ -74,15 +83,13 @@ TEST(RgbToYuv, IsExactInEveryPlane) {
         EXPECT_EQ(dst.sample(0, 0, 0) | dst.sample(1, 0, 0) << 8 | dst.sample(2, 0, 0) << 16,
                   29 | 255 << 8 | 107 << 16);
         for (int i = 0; i < 2 * W; i++) {
-            const int x = i % W, y = i / W, r = src.sample(0, x * step, y),
-                      g = src.sample(1, x * step, y), b = src.sample(2, x * step, y);
+            const int x = i % W, y = i / W, r = in(0, x, y), g = in(1, x, y), b = in(2, x, y);
             ASSERT_EQ(dst.sample(0, x, y), std::floor((77 * r + 150 * g + 29 * b + 128) / 256.0));
             ASSERT_EQ(dst.sample(1, x, y),
                       chroma(std::floor((-43 * r - 85 * g + 128 * b + 128) / 256.0)));
             ASSERT_EQ(dst.sample(2, x, y),
                       chroma(std::floor((128 * r - 107 * g - 21 * b + 128) / 256.0)));
-            ASSERT_EQ(dst.sample(3, x, y),
-                      step == 4 ? src.sample(3, x * step, y) : untouched.sample(3, x, y));
+            ASSERT_EQ(dst.sample(3, x, y), step == 4 ? in(3, x, y) : untouched.sample(3, x, y));
         }
         EXPECT_EQ(dst.sample(0, W, 0), untouched.sample(0, W, 0));
     }
@@ -209,14 +216,17 @@ TEST(ToPacked, OrderAndPointerFollowTheTargetCode) {
                  {tavu_csc_yuv444_to_rgba8888, 503, false, {201, 62, 33, 255}},
                  {tavu_csc_yuv444a8_to_rgba8888, 501, true, {33, 62, 201, 7}}};
     for (const auto &c : cases) {
-        uint8_t samples[4] = {100, 90, 200, 7};
-        Bytes first(c.pixel.size()), third(c.pixel.size());
+        // The second of two rows; all planes advance by the first stride.
+        const size_t bytes = c.pixel.size();
+        uint8_t samples[8] = {0, 0, 0, 0, 100, 90, 200, 7};
+        Bytes first(2 * bytes + 1), third(first.size());
         uint8_t *src[4] = {samples, samples + 1, samples + 2, samples + 3};
         uint8_t *dst[4] = {first.data(), nullptr, third.data(), nullptr};
-        const int32_t stride[4] = {};
-        c.routine(src, 1, 1, stride, 0, dst, 0, 0, stride, c.code);
-        EXPECT_EQ(c.third ? third : first, c.pixel) << c.code;
-        EXPECT_EQ(c.third ? first : third, Bytes(c.pixel.size())) << c.code;
+        const int32_t src_stride[4] = {4}, dst_stride[4] = {static_cast<int32_t>(bytes) + 1};
+        c.routine(src, 1, 2, src_stride, 0, dst, 0, 0, dst_stride, c.code);
+        const Bytes &used = c.third ? third : first;
+        EXPECT_EQ(Bytes(&used[bytes + 1], &used[2 * bytes] + 1), c.pixel) << c.code;
+        EXPECT_EQ(c.third ? first : third, Bytes(first.size())) << c.code;
     }
 }
 

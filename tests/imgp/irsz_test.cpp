@@ -240,6 +240,9 @@ TEST(Irsz, StepCalculator) {
         EXPECT_EQ(x & 7, shifts[std::min(ratio, 17)]) << ratio;
         EXPECT_EQ(y, 0);
     }
+    bilinear_rsz_step_size(9, 9, -1, -4, &x, &y);
+    EXPECT_EQ(x, -(8 << 18) * 8);
+    EXPECT_EQ(y, -(2 << 18) * 8);
 }
 
 TEST(Irsz, ZeroTargetRaisesTheArithmeticSignal) {

@@ -44,7 +44,9 @@ struct Case {
             const bool wide = random() % 4 == 0;
             dst_w = wide ? pick(random, 300, 1100) : pick(random, 50, 300);
             dst_h = wide ? pick(random, 20, 40) : pick(random, 60, 120);
-            src_w = 2 * dst_w + pick(random, -1, 1), src_h = 2 * dst_h + pick(random, -1, 1);
+            if (wide && random() % 4 == 0) dst_w = pick(random, 4090, 4097);
+            src_w = std::min(2 * dst_w + pick(random, -4, 1), 8192);
+            src_h = 2 * dst_h + pick(random, -1, 1);
         }
         bilinear_rsz_step_size(src_w, src_h, dst_w, dst_h, &step_x, &step_y);
     }

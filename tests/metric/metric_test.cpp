@@ -252,7 +252,7 @@ TEST_P(Metric, SatdIsTheTransformsMagnitude) {
 }
 
 TEST_P(Metric, SatdOfAnAreaIsTheSumOfItsTiles) {
-    const int sizes[][2] = {{4, 4}, {16, 8}, {8, 16}, {12, 20}, {9, 5}, {1, 1}};
+    const int sizes[][2] = {{4, 4}, {16, 8}, {8, 16}, {12, 20}, {9, 5}, {1, 1}, {20, 68}};
     for (const auto &[w, h] : sizes) {
         const int width = w, height = h;
         for_each_pair((w + 7) / 8 * 8, (h + 7) / 8 * 8, [&](Block &a, Block &b) {
@@ -267,8 +267,10 @@ TEST_P(Metric, SatdOfAnAreaIsTheSumOfItsTiles) {
         });
     }
     for (tavu_metric_area_t *metric : {get<tavu_satd1>(), get<tavu_satd2>()}) {
-        EXPECT_EQ(metric(8, 0, nullptr, nullptr, 0, 0), 0);
-        EXPECT_EQ(metric(8, -1, nullptr, nullptr, 0, 0), 0);
+        for (const int none : {0, -1, -5}) {
+            EXPECT_EQ(metric(8, none, nullptr, nullptr, 0, 0), 0);
+            EXPECT_EQ(metric(none, 8, nullptr, nullptr, 0, 0), 0);
+        }
     }
 }
 
