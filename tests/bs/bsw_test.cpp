@@ -48,6 +48,8 @@ TEST(Bsw, LongestCodesAndTheirSizes) {
                                       {511U, 19},
                                       {65534U, 31}}) {
         EXPECT_EQ(tavu_bsw_size_ue(value), size);
+        const auto half = static_cast<int32_t>((value + 1) / 2);
+        EXPECT_EQ(tavu_bsw_size_se(value % 2 != 0 ? half : -half), size);
     }
     EXPECT_EQ(tavu_bsw_write_te(&w, 5, 0), 0);
     EXPECT_EQ(tavu_bsw_write_te(&w, 5, -1), 0);
