@@ -17,11 +17,12 @@ using Arguments = std::array<uint32_t, WORDS>;
 // r4 to r11, then d8 to d15.
 using Marks = std::array<uint32_t, 8 + 16>;
 
+#define NAKED extern "C" __attribute__((naked, no_profile_instrument_function))
+
 // Calls the routine with four words in registers and the rest on the stack. The marks are in the
 // registers before, and what the registers hold afterwards is written over them.
-extern "C" __attribute__((naked)) void call_with_marks(const void * /*routine*/,
-                                                       const uint32_t * /*arguments*/,
-                                                       uint32_t * /*marks*/) {
+NAKED void call_with_marks(const void * /*routine*/, const uint32_t * /*arguments*/,
+                           uint32_t * /*marks*/) {
     __asm__(
         ".syntax unified\n"
         "push {r4-r11, lr}\n"
@@ -77,8 +78,8 @@ class Registers : public testing::Test {
     const uint8_t *a = source.data(), *b = target.data();
 };
 
-extern "C" __attribute__((naked)) void spoil_r7() { __asm__("mov r7, #0\n bx lr\n"); }
-extern "C" __attribute__((naked)) void spoil_d11() { __asm__("vmov.i8 d11, #0\n bx lr\n"); }
+NAKED void spoil_r7() { __asm__("mov r7, #0\n bx lr\n"); }
+NAKED void spoil_d11() { __asm__("vmov.i8 d11, #0\n bx lr\n"); }
 
 TEST_F(Registers, SpoiledOnesAreSeen) {
     EXPECT_FALSE(keeps_registers(spoil_r7));
