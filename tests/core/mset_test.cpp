@@ -118,7 +118,7 @@ void expect_one_run(int width, int height) {
 
 TEST(Mcpy, PicturesInOneRunKeepOneByteOfTheRemainder) {
     for (int width = 1; width < 300; width += width < 20 ? 1 : 13) {
-        for (const int height : {-1, 0, 1, 2, 5, 10, 64}) expect_one_run(width, height);
+        for (const int height : {-1, 0, 1, 2, 5, 7, 10, 64}) expect_one_run(width, height);
     }
     for (const int height : {255, 256, 257, 512}) expect_one_run(1024, height);
     expect_one_run(511, 1100);
