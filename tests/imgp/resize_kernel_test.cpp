@@ -112,12 +112,14 @@ TEST(ResizeKernels, LinesEqualTheirModels) {
         for (int round = 0; round < 1500; round++) {
             const Case c(random);
             const int32_t step = c.step_x >> 3, shift = c.step_x & 7;
-            const int32_t next = round % 4 == 0 ? pick(random, 0, 70) : 1 << shift;
-            const int pixels = c.columns() + (step == 0 ? 0 : next - (1 << shift));
+            const int32_t next = round % 4 == 0 ? pick(random, -3, 70) : 1 << shift;
+            const int32_t after = std::max(next, 0), before = after - next;
+            const int pixels = before + c.columns() + (step == 0 ? 0 : after - (1 << shift));
             const auto size = static_cast<size_t>(pixels * kernel.src_bytes);
             GuardedBytes top(make_content(c.content, size, static_cast<unsigned>(random())));
             GuardedBytes bottom(make_content(c.content, size, static_cast<unsigned>(random())));
-            const uint8_t *rows[] = {top.data(), bottom.data()};
+            const int first = before * kernel.src_bytes;
+            const uint8_t *rows[] = {top.data() + first, bottom.data() + first};
             const uint8_t *weights =
                 (round % 10 == 0 ? other_weights.data() : tavu_irsz_tbl_rsz_weight) +
                 4 * (random() % 8);

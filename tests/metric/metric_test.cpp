@@ -270,7 +270,7 @@ TEST_P(Metric, SatdOfAnAreaIsTheSumOfItsTiles) {
     }
     for (tavu_metric_area_t *metric : {get<tavu_satd1>(), get<tavu_satd2>()}) {
         for (const int none : {0, -1, -5}) {
-            EXPECT_EQ(metric(8, none, nullptr, nullptr, 0, 0), 0);
+            EXPECT_EQ(metric(24, none, nullptr, nullptr, 0, 0), 0);
             EXPECT_EQ(metric(none, 8, nullptr, nullptr, 0, 0), 0);
         }
     }
