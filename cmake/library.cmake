@@ -82,6 +82,7 @@ function(tavu_objects name)
     CXX_VISIBILITY_PRESET hidden)
   target_compile_options(${name} PRIVATE
     -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-tree-vectorize)
+  target_compile_options(${name} PRIVATE $<$<CONFIG:Coverage>:-O0>)  # each line has a count
   target_compile_definitions(${name} PRIVATE TAVU_SIMD=$<BOOL:${TAVU_SIMD}>)
   tavu_harden(${name})
 endfunction()
