@@ -148,8 +148,8 @@ class Version(Installed):
         self.assertEqual(run("pkg-config", "--modversion", "tavu", **settings).strip(), version)
         if (self.prefix / "bin/tavu").exists():
             environment = {"LD_LIBRARY_PATH": str(self.library.parent)}
-            self.assertEqual(run(self.prefix / "bin/tavu", "--version", **environment).split()[1],
-                             version)
+            told = run(*ARGUMENTS.emulator, self.prefix / "bin/tavu", "--version", **environment)
+            self.assertEqual(told.split()[1], version)
 
 
 if __name__ == "__main__":
