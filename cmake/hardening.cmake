@@ -1,7 +1,10 @@
 # What distributions put into released code against exploits. Kernels that keep nothing in memory of
-# their own go without (cmake/library.cmake), the resizing routines have a check of the stack each. Left
-# out are marks for indirect jumps (-fcf-protection=full): an instruction at the start of every routine
-# that no Linux makes use of in programs. "return" marks the code as fit for shadow stacks and adds none.
+# their own go without (cmake/library.cmake), the resizing routines have a check of the stack each. In
+# instructions, conversions, metrics, fills, bits, lists and rings lose nothing by it. A row of a resized
+# picture costs up to 8 more on x86-64 and 22 on ARM, 6 % of rows of 96 bytes and less of longer ones.
+# Left out are marks for indirect jumps (-fcf-protection=full): an instruction at the start of every
+# routine that no Linux makes use of in programs. "return" marks the code as fit for shadow stacks and
+# adds none.
 option(TAVU_HARDENING "Optimised builds: stack protector, checked calls of the C library" ON)
 
 function(tavu_harden target)

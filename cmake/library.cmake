@@ -74,6 +74,15 @@ set_property(SOURCE src/core/mset.cpp src/media/vkeyfrm.cpp ${TAVU_WIDEST_SOURCE
   APPEND PROPERTY COMPILE_OPTIONS
   -fno-stack-protector -fno-stack-clash-protection -falign-functions=32)
 
+# GCC for 32-bit ARM probes the stack in every routine that calls another, up to a fifth of a short one's
+# instructions. Only frames of more than a page need it, and only the resizer has such.
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
+  set(small_frames ${TAVU_SOURCES} ${TAVU_WIDE_SOURCES})
+  list(REMOVE_ITEM small_frames src/imgp/resize_vec.cpp)
+  set_property(SOURCE ${small_frames} APPEND PROPERTY COMPILE_OPTIONS
+    $<$<CONFIG:Release>:-fno-stack-clash-protection;-Wframe-larger-than=4096>)
+endif()
+
 function(tavu_objects name)
   add_library(${name} OBJECT ${ARGN})
   target_include_directories(${name} PRIVATE include src)
