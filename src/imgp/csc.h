@@ -45,14 +45,15 @@ namespace {
 // aligned takes two lines of the cache.
 enum class Leave { NOTHING, NARROW, NARROW_AND_V4 };
 
-inline bool is_left([[maybe_unused]] Leave what, [[maybe_unused]] int32_t width) {
 #if TAVU_VEC && TAVU_LEVEL > 2
-    if (what == Leave::NARROW_AND_V4 && TAVU_LEVEL == 4) return true;
-    return what != Leave::NOTHING && width < LANES;
-#else
-    return false;
-#endif
+constexpr bool may_leave(Leave what) { return what != Leave::NOTHING; }
+inline bool is_left(Leave what, int32_t width) {
+    return (what == Leave::NARROW_AND_V4 && TAVU_LEVEL == 4) || width < LANES;
 }
+#else
+constexpr bool may_leave(Leave) { return false; }
+inline bool is_left(Leave, int32_t) { return false; }
+#endif
 
 }  // namespace
 }  // namespace tavu
@@ -66,9 +67,11 @@ inline bool is_left([[maybe_unused]] Leave what, [[maybe_unused]] int32_t width)
                 (uint8_t *const src[4], int32_t src_w, int32_t src_h, const int32_t src_stride[4], \
                  int32_t src_cs, uint8_t *const dst[4], int32_t dst_w, int32_t dst_h,              \
                  const int32_t dst_stride[4], int32_t dst_cs)) {                                   \
-        if (is_left(Leave::what, src_w)) {                                                         \
-            return TAVU_LOWER_LEVEL(name)(src, src_w, src_h, src_stride, src_cs, dst, dst_w,       \
-                                          dst_h, dst_stride, dst_cs);                              \
+        if constexpr (may_leave(Leave::what)) {                                                    \
+            if (is_left(Leave::what, src_w)) {                                                     \
+                return TAVU_LOWER_LEVEL(name)(src, src_w, src_h, src_stride, src_cs, dst, dst_w,   \
+                                              dst_h, dst_stride, dst_cs);                          \
+            }                                                                                      \
         }                                                                                          \
         __VA_ARGS__(Csc{src, src_w, src_h, src_stride, dst, dst_w, dst_h, dst_stride, dst_cs});    \
     }

@@ -15,39 +15,38 @@ using FormatCursor = Cursor<Format::TARGET.bytes, Format::TARGET.alpha_plane>;
 template <class Format>
 constexpr bool is_yuv = std::is_same_v<typename Format::Space, FromYuv>;
 
-// Planes of R, G, B are put in order before they are read, what becomes of YUV afterwards.
-template <class Format, class Choice>
-TAVU_VEC_INLINE void convert_block(FormatCursor<Format> &at, Choice bgr) {
-    RgbBlock p = load_rgb<typename Format::Space>(at);
-    if constexpr (is_yuv<Format>) p = {bgr ? p.b : p.r, p.g, bgr ? p.r : p.b};
+template <class Format>
+TAVU_VEC_INLINE void store_pixels(FormatCursor<Format> &at, U8 first, U8 second, U8 third) {
     if constexpr (Format::TARGET.bytes == 3) {
-        store_interleaved(at.out, p.r, p.g, p.b);
+        store_interleaved(at.out, first, second, third);
     } else if constexpr (Format::TARGET.alpha_plane) {
-        store_interleaved(at.out, p.r, p.g, p.b, load(at.c3));
+        store_interleaved(at.out, first, second, third, load(at.c3));
     } else {
-        store_interleaved(at.out, p.r, p.g, p.b, splat(255));
+        store_interleaved(at.out, first, second, third, splat(255));
     }
 }
 
-template <class Format, class Choice>
-TAVU_VEC_INLINE void convert_rows(const Csc &csc, bool bgr, Choice swapped) {
-    using At = FormatCursor<Format>;
-    const int first = bgr && !is_yuv<Format> ? 2 : 0;
-    const auto block = [=](At & at) __attribute__((always_inline)) {
-        convert_block<Format>(at, swapped);
-    };
+template <class Format, class Convert>
+TAVU_VEC_INLINE void convert_rows(const Csc &csc, bool bgr, Convert convert_block) {
     for_each_packed_row(csc, Format::TARGET.planes(), bgr,
                         [&](const uint8_t *const c[4], uint8_t *out) {
-                            const At at = {c[first], c[1], c[2 - first], c[3], out};
-                            for_each_block(at, csc.src_w, block);
+                            const FormatCursor<Format> at = {c[0], c[1], c[2], c[3], out};
+                            for_each_block(at, csc.src_w, convert_block);
                         });
 }
 
 template <class Format>
 void best_to_packed(const Csc &c) {
+    using At = FormatCursor<Format>;
     const bool bgr = Format::is_bgr(c.dst_cs);
     if (c.src_w < LANES) return to_packed_scalar(c, is_yuv<Format>, Format::TARGET, bgr);
-    choose(bgr && is_yuv<Format>, [&](auto swapped) { convert_rows<Format>(c, bgr, swapped); });
+    choose(bgr, [&](auto swapped) {
+        convert_rows<Format>(
+            c, bgr, [=](At & at) __attribute__((always_inline)) {
+                const RgbBlock p = load_rgb<typename Format::Space>(at);
+                store_pixels<Format>(at, pick(swapped, p.b, p.r), p.g, pick(swapped, p.r, p.b));
+            });
+    });
 }
 
 #else

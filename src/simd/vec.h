@@ -7,11 +7,13 @@
 //                           and narrowing know
 //     load(p), store(p, v)  LANES bytes from or to any address; p moves on behind them
 //     splat(x)              one byte in every lane
-//     choose(c, use)        calls use(choice), in which `choice ? a : b` is a of all lanes if c holds, else b
+//     choose(c, use)        calls use(choice), in which pick(choice, a, b) is a if c holds, else b
 //     widen(v)              to signed 16 bits, zero-extended
-//     widen_unsigned(v)     to unsigned 16 bits
 //     narrow(w)             to bytes, saturated to 0..255
-//     round_narrow8(w)      (w + 128) >> 8 of unsigned lanes, without wrapping, saturated to 255
+//     rgb_to_yuv(r, g, b, &y, &u, &v)
+//                           y = (77 r + 150 g + 29 b + 128) >> 8,
+//                           u = 128 + ((128 b - 43 r - 85 g + 128) >> 8),
+//                           v = 128 + ((128 r - 107 g - 21 b + 128) >> 8), 256 saturated to 255
 //     chroma_terms(u, v)    with 128 taken off u and v, exact on every input: r = (359 v + 128) >> 8,
 //                           g = (183 v + 88 u + 128) >> 8, b = (454 u + 128) >> 8
 //     store_interleaved(p, a, b[, c[, d]])

@@ -20,6 +20,12 @@ struct UWide {
 
 TAVU_VEC_INLINE U8 splat(uint8_t x) { return vdupq_n_u8(x); }
 
+template <bool First>
+TAVU_VEC_INLINE U8 pick(std::bool_constant<First>, U8 a, U8 b) {
+    if constexpr (First) return a;
+    return b;
+}
+
 // Short as blocks are here, a choice within them would cost a tenth: a copy of `use` for each.
 template <class Use>
 TAVU_VEC_INLINE void choose(bool first, Use use) {
@@ -30,10 +36,6 @@ TAVU_VEC_INLINE void choose(bool first, Use use) {
 TAVU_VEC_INLINE Wide widen(U8 v) {
     return {vreinterpretq_s16_u16(vmovl_u8(vget_low_u8(v))),
             vreinterpretq_s16_u16(vmovl_u8(vget_high_u8(v)))};
-}
-
-TAVU_VEC_INLINE UWide widen_unsigned(U8 v) {
-    return {vmovl_u8(vget_low_u8(v)), vmovl_u8(vget_high_u8(v))};
 }
 
 struct ChromaTerms {
@@ -82,6 +84,14 @@ TAVU_VEC_INLINE U8 narrow(Wide w) {
 TAVU_VEC_INLINE U8 round_narrow8(UWide w) {
     U8 v;
     __asm__("vqrshrn.u16 %e0, %q1, #8\n\tvqrshrn.u16 %f0, %q2, #8"
+            : "=&w"(v)
+            : "w"(w.lo), "w"(w.hi));
+    return v;
+}
+
+TAVU_VEC_INLINE U8 round_narrow8(Wide w) {
+    U8 v;
+    __asm__("vqrshrn.s16 %e0, %q1, #8\n\tvqrshrn.s16 %f0, %q2, #8"
             : "=&w"(v)
             : "w"(w.lo), "w"(w.hi));
     return v;
@@ -153,6 +163,10 @@ TAVU_VEC_INLINE U8 round_narrow8(UWide w) {
     return vqrshrn_high_n_u16(vqrshrn_n_u16(w.lo, 8), w.hi, 8);
 }
 
+TAVU_VEC_INLINE U8 round_narrow8(Wide w) {
+    return vreinterpretq_u8_s8(vqrshrn_high_n_s16(vqrshrn_n_s16(w.lo, 8), w.hi, 8));
+}
+
 TAVU_VEC_INLINE void store(uint8_t *&p, U8 v) {
     vst1q_u8(p, v);
     p += LANES;
@@ -186,6 +200,26 @@ TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c, U8 d) {
 }
 
 #endif
+
+TAVU_VEC_INLINE U16 luma(uint8x8_t r, uint8x8_t g, uint8x8_t b) {
+    const U16 sum = vmlal_u8(vmull_u8(r, vdup_n_u8(77)), g, vdup_n_u8(150));
+    return vmlal_u8(sum, b, vdup_n_u8(29));
+}
+
+// 128 a - `weight_b` b - `weight_c` c, whose weights add up to 128.
+TAVU_VEC_INLINE I16 chroma(uint8x8_t a, uint8x8_t b, uint8_t weight_b, uint8x8_t c,
+                           uint8_t weight_c) {
+    const U16 sum = vmlsl_u8(vshll_n_u8(a, 7), b, vdup_n_u8(weight_b));
+    return vreinterpretq_s16_u16(vmlsl_u8(sum, c, vdup_n_u8(weight_c)));
+}
+
+TAVU_VEC_INLINE void rgb_to_yuv(U8 r, U8 g, U8 b, U8 *y, U8 *u, U8 *v) {
+    const uint8x8_t r0 = vget_low_u8(r), g0 = vget_low_u8(g), b0 = vget_low_u8(b),
+                    r1 = vget_high_u8(r), g1 = vget_high_u8(g), b1 = vget_high_u8(b);
+    *y = round_narrow8(UWide{luma(r0, g0, b0), luma(r1, g1, b1)});
+    *u = round_narrow8(Wide{chroma(b0, r0, 43, g0, 85), chroma(b1, r1, 43, g1, 85)}) ^ 0x80;
+    *v = round_narrow8(Wide{chroma(r0, g0, 107, b0, 21), chroma(r1, g1, 107, b1, 21)}) ^ 0x80;
+}
 
 }  // namespace
 }  // namespace tavu

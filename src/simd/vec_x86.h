@@ -68,6 +68,8 @@ TAVU_VEC_INLINE void store(uint8_t *&p, U8 v) {
 
 TAVU_VEC_INLINE U8 splat(uint8_t x) { return U8{} + x; }
 
+TAVU_VEC_INLINE U8 pick(U8 choice, U8 a, U8 b) { return choice ? a : b; }
+
 template <class Use>
 TAVU_VEC_INLINE void choose(bool first, Use use) {
     use(splat(first ? 0xFF : 0));
@@ -78,20 +80,45 @@ TAVU_VEC_INLINE Wide widen(U8 v) {
     return {as<I16>(TAVU_MM(unpacklo_epi8)(r, zero)), as<I16>(TAVU_MM(unpackhi_epi8)(r, zero))};
 }
 
-TAVU_VEC_INLINE UWide widen_unsigned(U8 v) {
-    const Wide w = widen(v);
-    return {as<U16>(w.lo), as<U16>(w.hi)};
-}
-
 TAVU_VEC_INLINE U8 narrow(Wide w) {
     return as<U8>(TAVU_MM(packus_epi16)(as<Register>(w.lo), as<Register>(w.hi)));
 }
 
-TAVU_VEC_INLINE U8 round_narrow8(UWide w) {
-    const Register half = as<Register>(U16{} + 128);
-    const U16 lo = as<U16>(TAVU_MM(adds_epu16)(as<Register>(w.lo), half)) >> 8;
-    const U16 hi = as<U16>(TAVU_MM(adds_epu16)(as<Register>(w.hi), half)) >> 8;
-    return narrow({as<I16>(lo), as<I16>(hi)});
+// Sums of weighted pairs of bytes, of which the second ones stand in the upper halves of 16 bits.
+TAVU_VEC_INLINE I16 weigh_pairs(Register pairs, int first, int second) {
+    const auto weights = static_cast<int16_t>((first & 0xFF) | second * 256);
+    return as<I16>(TAVU_MM(maddubs_epi16)(pairs, as<Register>(I16{} + weights)));
+}
+
+// `r` and `b` times 256 in each lane. The weight of G in Y is split, so that no sum of a pair exceeds
+// 128 * 255; the rounding high multiply is (x + 128) >> 8 without wrapping.
+TAVU_VEC_INLINE void yuv_lanes(Register rg, Register bg, Register r, Register b, I16 *y, I16 *u,
+                               I16 *v) {
+    const Register half = as<Register>(I16{} + 128);
+    const U16 luma = as<U16>(weigh_pairs(rg, 77, 51) + weigh_pairs(bg, 29, 99) + 128);
+    const I16 blue = weigh_pairs(rg, -43, -85) + as<I16>(as<U16>(b) >> 1);
+    const I16 red = weigh_pairs(bg, -21, -107) + as<I16>(as<U16>(r) >> 1);
+    *y = as<I16>(luma >> 8);
+    *u = as<I16>(TAVU_MM(mulhrs_epi16)(as<Register>(blue), half));
+    *v = as<I16>(TAVU_MM(mulhrs_epi16)(as<Register>(red), half));
+}
+
+TAVU_VEC_INLINE U8 chroma_bytes(Wide w) {
+    return as<U8>(TAVU_MM(packs_epi16)(as<Register>(w.lo), as<Register>(w.hi))) ^ 0x80;
+}
+
+TAVU_VEC_INLINE void rgb_to_yuv(U8 r8, U8 g8, U8 b8, U8 *y8, U8 *u8, U8 *v8) {
+    const Register zero{}, r = as<Register>(r8), g = as<Register>(g8), b = as<Register>(b8);
+    Wide y, u, v;
+    yuv_lanes(TAVU_MM(unpacklo_epi8)(r, g), TAVU_MM(unpacklo_epi8)(b, g),
+              TAVU_MM(unpacklo_epi8)(zero, r), TAVU_MM(unpacklo_epi8)(zero, b), &y.lo, &u.lo,
+              &v.lo);
+    yuv_lanes(TAVU_MM(unpackhi_epi8)(r, g), TAVU_MM(unpackhi_epi8)(b, g),
+              TAVU_MM(unpackhi_epi8)(zero, r), TAVU_MM(unpackhi_epi8)(zero, b), &y.hi, &u.hi,
+              &v.hi);
+    *y8 = narrow(y);
+    *u8 = chroma_bytes(u);
+    *v8 = chroma_bytes(v);
 }
 
 struct ChromaTerms {
