@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "cases.h"
 #include "kernels.h"
 #include "resize_kernels.h"
 
@@ -60,6 +61,38 @@ TEST(Dispatch, BindsKernelsOfThreeLevels) {
     EXPECT_EQ(bound_level(variants<tavu_ssd>()), expected);
     EXPECT_EQ(bound_level(variants<tavu_satd2>()), expected);
     EXPECT_EQ(bound_level(variants<tavu_diff>()), expected);
+}
+
+// Whether registers hold anything above their lower 16 bytes.
+bool upper_halves_in_use() {
+    constexpr unsigned AVX = 1U << 2;
+    unsigned low, high;
+    __asm__ volatile("xgetbv" : "=a"(low), "=d"(high) : "c"(1));
+    return (low & AVX) != 0;
+}
+
+bool can_tell_upper_halves() {
+    constexpr unsigned XGETBV_OF_1 = 1U << 2;
+    unsigned a = 0, b, c, d;
+    if (!has_v3() || __get_cpuid_count(0xD, 1, &a, &b, &c, &d) == 0) return false;
+    if ((a & XGETBV_OF_1) == 0) return false;
+    __asm__ volatile("vpcmpeqd %%ymm1, %%ymm1, %%ymm1" ::: "xmm1");
+    const bool used = upper_halves_in_use();
+    __asm__ volatile("vzeroupper" ::: "xmm1");
+    return used && !upper_halves_in_use();
+}
+
+// What follows in registers of 16 bytes, ours or the caller's, would take three times as long.
+TEST(Levels, LeaveTheUpperHalvesOfRegistersClear) {
+    if (!can_tell_upper_halves()) GTEST_SKIP() << "the processor does not tell";
+    for (const NamedCase &kernel : kernel_cases()) {
+        const Case prepared = kernel.prepare();
+        for (size_t form = 1; form < prepared.forms.size(); form++) {
+            prepared.forms[form].run(1);
+            EXPECT_FALSE(upper_halves_in_use()) << kernel.name << ' ' << prepared.forms[form].level;
+            __asm__ volatile("vzeroupper" ::: "xmm1");
+        }
+    }
 }
 
 }  // namespace
