@@ -32,7 +32,7 @@ struct PackedTarget {
     int bytes;
     bool alpha_plane;
 
-    TAVU_VEC_INLINE int planes() const { return alpha_plane ? 4 : 3; }
+    TAVU_VEC_INLINE int planes() const { return 3 + static_cast<int>(alpha_plane); }
 };
 
 }  // namespace tavu

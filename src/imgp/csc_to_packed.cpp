@@ -27,8 +27,8 @@ TAVU_VEC_INLINE void store_pixels(FormatCursor<Format> &at, U8 first, U8 second,
 }
 
 template <class Format, class Convert>
-TAVU_VEC_INLINE void convert_rows(const Csc &csc, bool bgr, Convert convert_block) {
-    for_each_packed_row(csc, Format::TARGET.planes(), bgr,
+TAVU_VEC_INLINE void convert_rows(const Csc &csc, uint8_t *target, Convert convert_block) {
+    for_each_packed_row(csc, Format::TARGET.planes(), target,
                         [&](const uint8_t *const c[4], uint8_t *out) {
                             const FormatCursor<Format> at = {c[0], c[1], c[2], c[3], out};
                             for_each_block(at, csc.src_w, convert_block);
@@ -40,9 +40,10 @@ void best_to_packed(const Csc &c) {
     using At = FormatCursor<Format>;
     const bool bgr = Format::is_bgr(c.dst_cs);
     if (c.src_w < LANES) return to_packed_scalar(c, is_yuv<Format>, Format::TARGET, bgr);
+    uint8_t *const target = packed_target(c, bgr);
     choose(bgr, [&](auto swapped) {
         convert_rows<Format>(
-            c, bgr, [=](At & at) __attribute__((always_inline)) {
+            c, target, [=](At & at) __attribute__((always_inline)) {
                 const RgbBlock p = load_rgb<typename Format::Space>(at);
                 store_pixels<Format>(at, pick(swapped, p.b, p.r), p.g, pick(swapped, p.r, p.b));
             });

@@ -23,12 +23,15 @@ struct Packed {
     }
 };
 
-// Calls convert(planes, out) for each row. All source planes advance by the first stride, and
-// B, G, R order goes through the third target pointer; callers rely on both.
+// B, G, R order goes through the third target pointer; callers rely on it.
+inline uint8_t *packed_target(const Csc &c, bool bgr) { return c.dst[bgr ? 2 : 0]; }
+
+// Calls convert(planes, out) for each row. All source planes advance by the first stride; callers rely
+// on it.
 template <class Convert>
-TAVU_VEC_INLINE void for_each_packed_row(const Csc &c, int planes, bool bgr, Convert convert) {
-    uint8_t *out = c.dst[bgr ? 2 : 0];
-    const uint8_t *at[4] = {c.src[0], c.src[1], c.src[2], planes == 4 ? c.src[3] : nullptr};
+TAVU_VEC_INLINE void for_each_packed_row(const Csc &c, int planes, uint8_t *out, Convert convert) {
+    const uint8_t *at[4] = {};
+    for (int p = 0; p < planes; p++) at[p] = c.src[p];
     for (int32_t y = 0; y < c.src_h; y++) {
         convert(at, out);
         for (int p = 0; p < planes; p++) at[p] += c.src_stride[0];
@@ -47,7 +50,7 @@ void to_packed_as(const Csc &csc, const PackedTarget &target, bool bgr) {
             if (target.bytes == 4) out[3] = target.alpha_plane ? c[3][x] : 255;
         }
     };
-    for_each_packed_row(csc, target.planes(), bgr, convert_row);
+    for_each_packed_row(csc, target.planes(), packed_target(csc, bgr), convert_row);
 }
 
 template <class Format>
