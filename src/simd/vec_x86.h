@@ -95,7 +95,7 @@ TAVU_VEC_INLINE I16 weigh_pairs(Register pairs, int first, int second) {
 TAVU_VEC_INLINE void yuv_lanes(Register rg, Register bg, Register r, Register b, I16 *y, I16 *u,
                                I16 *v) {
     const Register half = as<Register>(I16{} + 128);
-    const U16 luma = as<U16>(weigh_pairs(rg, 77, 51) + weigh_pairs(bg, 29, 99) + 128);
+    const U16 luma = as<U16>(weigh_pairs(rg, 77, 51)) + as<U16>(weigh_pairs(bg, 29, 99)) + 128;
     const I16 blue = weigh_pairs(rg, -43, -85) + as<I16>(as<U16>(b) >> 1);
     const I16 red = weigh_pairs(bg, -21, -107) + as<I16>(as<U16>(r) >> 1);
     *y = as<I16>(luma >> 8);
