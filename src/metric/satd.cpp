@@ -108,7 +108,7 @@ TAVU_VEC_INLINE int32_t best_area(int32_t width, int32_t height, const Blocks &a
 
 #else
 
-constexpr int32_t ONE_BAND = 64, BAND = 8;
+constexpr int32_t ONE_BAND = 64, BAND = 8, PIECE = 384;
 
 template <class Tiles>
 __attribute__((noinline)) int32_t one_band(int32_t width, int32_t height, const uint8_t *a,
@@ -117,7 +117,7 @@ __attribute__((noinline)) int32_t one_band(int32_t width, int32_t height, const 
     return Tiles::satd(width, height, {a, b, stride_a, stride_b});
 }
 
-inline void prefetch_rows(const uint8_t *p, ptrdiff_t stride, int32_t width) {
+inline void prefetch_piece(const uint8_t *p, ptrdiff_t stride, int32_t width) {
     constexpr int32_t CACHE_LINE = 64;
     for (int32_t y = 0; y < BAND; y++, p += stride) {
         for (int32_t x = 0; x < width; x += CACHE_LINE) __builtin_prefetch(p + x);
@@ -125,24 +125,28 @@ inline void prefetch_rows(const uint8_t *p, ptrdiff_t stride, int32_t width) {
 }
 
 template <class Tiles>
-__attribute__((noinline)) int32_t by_bands(int32_t width, int32_t height, Blocks at) {
+__attribute__((noinline)) int32_t by_pieces(int32_t width, int32_t height, Blocks band) {
     uint32_t sum = 0;
-    for (; height > 0; height -= BAND) {
+    for (; height > 0; height -= BAND, band = band.tile(0, BAND)) {
         const int32_t rows = height < BAND ? height : BAND;
-        const Blocks next = at.tile(0, BAND);
-        prefetch_rows(next.a, next.stride_a, width);
-        prefetch_rows(next.b, next.stride_b, width);
-        sum += static_cast<uint32_t>(
-            one_band<Tiles>(width, rows, at.a, at.b, at.stride_a, at.stride_b));
-        at = next;
+        for (int32_t x = 0; x < width; x += PIECE) {
+            const int32_t left = width - x, columns = left < PIECE ? left : PIECE;
+            const Blocks at = band.tile(x, 0);
+            const Blocks next = columns < left ? at.tile(PIECE, 0) : band.tile(0, BAND);
+            prefetch_piece(next.a, next.stride_a, columns);
+            prefetch_piece(next.b, next.stride_b, columns);
+            sum += static_cast<uint32_t>(
+                one_band<Tiles>(columns, rows, at.a, at.b, at.stride_a, at.stride_b));
+        }
     }
     return static_cast<int32_t>(sum);
 }
 
-// Pictures go by bands of rows, for a strip down a whole picture would touch a page with every row.
+// Pictures go by bands of rows, for a strip down a whole picture would touch a page with every row, and
+// bands by pieces of which this one and the next fit the first cache.
 template <class Tiles>
 TAVU_VEC_INLINE int32_t best_area(int32_t width, int32_t height, const Blocks &at) {
-    if (height > ONE_BAND) return by_bands<Tiles>(width, height, at);
+    if (height > ONE_BAND) return by_pieces<Tiles>(width, height, at);
     return one_band<Tiles>(width, height, at.a, at.b, at.stride_a, at.stride_b);
 }
 
