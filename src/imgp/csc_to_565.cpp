@@ -1,4 +1,5 @@
-// Planes to 5-6-5 units, LANES pixels at a time; rows narrower than that take the scalar form. Reads and writes no byte outside the rows.
+// Planes to 5-6-5 units, LANES pixels at a time; rows narrower than that are left to the next lower level,
+// at the lowest to the scalar form. Reads and writes no byte outside the rows.
 //
 //     high byte = (R & 0xF8) | (G >> 5),  low byte = ((G << 3) & 0xE0) | (B >> 3)
 #include <cstring>

@@ -1,4 +1,5 @@
-// Planes to packed 8-bit RGB, LANES pixels at a time; rows narrower than that take the scalar form.
+// Planes to packed 8-bit RGB, LANES pixels at a time; rows narrower than that are left to the next lower
+// level, at the lowest to the scalar form.
 // Reads and writes no byte outside the rows.
 #include "imgp/color_vec.h"
 #include "imgp/csc_scalar.h"

@@ -254,7 +254,8 @@ TEST_P(Metric, SatdIsTheTransformsMagnitude) {
 }
 
 TEST_P(Metric, SatdOfAnAreaIsTheSumOfItsTiles) {
-    const int sizes[][2] = {{4, 4}, {16, 8}, {8, 16}, {12, 20}, {9, 5}, {1, 1}, {20, 68}};
+    const int sizes[][2] = {{4, 4}, {16, 8}, {8, 16},  {12, 20},
+                            {9, 5}, {1, 1},  {20, 68}, {396, 66}};
     for (const auto &[w, h] : sizes) {
         const int width = w, height = h;
         for_each_pair((w + 7) / 8 * 8, (h + 7) / 8 * 8, [&](Block &a, Block &b) {
