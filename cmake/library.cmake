@@ -74,6 +74,12 @@ set_property(SOURCE src/core/mset.cpp src/media/vkeyfrm.cpp ${TAVU_WIDEST_SOURCE
   APPEND PROPERTY COMPILE_OPTIONS
   -fno-stack-protector -fno-stack-clash-protection -falign-functions=32)
 
+# Called for each row or block, these hold a few addresses and words: only what holds bytes is guarded.
+set_property(SOURCE
+  src/imgp/csc_rsz.cpp src/imgp/csc_scalar.cpp src/imgp/irsz_565.cpp src/imgp/irsz_kernels.cpp
+  src/imgp/irsz_scalar.cpp src/media/md5.cpp
+  APPEND PROPERTY COMPILE_OPTIONS $<$<CONFIG:Release>:-fstack-protector>)
+
 # GCC for 32-bit ARM probes the stack in every routine that calls another, up to a fifth of a short one's
 # instructions. Only frames of more than a page need it, and only the resizer has such.
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")

@@ -27,8 +27,8 @@ class Chunk {
         columns.make_taps(first, blocks(), taps_);
     }
 
-    // Its columns of one target row. One copy, for it is called from several places.
-    __attribute__((noinline)) void make_row(const Rows &rows, const RowSource &from, uint8_t *out) {
+    // Its columns of one target row.
+    void make_row(const Rows &rows, const RowSource &from, uint8_t *out) {
         out += static_cast<ptrdiff_t>(first_) * sink_.bytes;
         if constexpr (Windows == 1) {
             if (!rows.grow()) {
