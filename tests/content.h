@@ -7,12 +7,14 @@
 enum Content { RANDOM, EXTREME, RAMP, SINGLE_HOT, CONTENTS };
 
 inline Bytes make_content(int content, size_t size, unsigned seed) {
-    Bytes bytes = random_bytes(size, seed);
-    for (size_t i = 0; i < size; i++) {
-        if (content == EXTREME) bytes[i] = bytes[i] & 1 ? 255 : 0;
-        if (content == RAMP) bytes[i] = static_cast<uint8_t>(i * (seed % 5 + 1));
-        if (content == SINGLE_HOT) bytes[i] = i == seed % size ? 255 : 0;
+    Bytes bytes = content <= EXTREME ? random_bytes(size, seed) : Bytes(size, 0);
+    if (content == EXTREME) {
+        for (uint8_t &b : bytes) b = b & 1 ? 255 : 0;
     }
+    if (content == RAMP) {
+        for (size_t i = 0; i < size; i++) bytes[i] = static_cast<uint8_t>(i * (seed % 5 + 1));
+    }
+    if (content == SINGLE_HOT && size > 0) bytes[seed % size] = 255;
     return bytes;
 }
 

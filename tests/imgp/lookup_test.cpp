@@ -48,8 +48,8 @@ TEST(Lookup, FindsEveryPairThatExistsAndNoOther) {
 }
 
 TEST(Lookup, TablesHoldTheRoutinesThatTheLookupDoesNotReach) {
-    EXPECT_EQ(tavu_tbl_fn_csc_to_yuvplanar[0], tavu_csc_r8g8b8_to_yuv444);
-    EXPECT_EQ(tavu_tbl_fn_csc_to_yuvplanar[3], tavu_csc_r8g8b8a8_to_yuv444a8);
+    EXPECT_EQ(tavu_tbl_fn_csc_to_yuvplanar[0], &tavu_csc_r8g8b8_to_yuv444);
+    EXPECT_EQ(tavu_tbl_fn_csc_to_yuvplanar[3], &tavu_csc_r8g8b8a8_to_yuv444a8);
     EXPECT_EQ(std::count(tavu_tbl_fn_csc_to_yuvplanar, tavu_tbl_fn_csc_to_yuvplanar + 16, nullptr),
               11);
     EXPECT_EQ(std::count(tavu_tbl_fn_csc_to_rgb, tavu_tbl_fn_csc_to_rgb + 40, nullptr), 20);

@@ -202,15 +202,16 @@ std::vector<int> magnitudes(int size, Block &a, Block &b, int x0, int y0) {
         return __builtin_parity(static_cast<unsigned>(u & x)) ? -1 : 1;
     };
     std::vector<int> sums(static_cast<size_t>(size), 0);
-    for (int v = 0; v < size; v++) {
-        for (int u = 0; u < size; u++) {
-            int coefficient = 0;
-            for (int y = 0; y < size; y++) {
-                for (int x = 0; x < size; x++) {
-                    coefficient +=
-                        sign(u, x) * sign(v, y) * (a(x0 + x, y0 + y) - b(x0 + x, y0 + y));
-                }
+    for (int u = 0; u < size; u++) {
+        int rows[8] = {};
+        for (int y = 0; y < size; y++) {
+            for (int x = 0; x < size; x++) {
+                rows[y] += sign(u, x) * (a(x0 + x, y0 + y) - b(x0 + x, y0 + y));
             }
+        }
+        for (int v = 0; v < size; v++) {
+            int coefficient = 0;
+            for (int y = 0; y < size; y++) coefficient += sign(v, y) * rows[y];
             sums[static_cast<size_t>(u)] += std::abs(coefficient);
         }
     }
