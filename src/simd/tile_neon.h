@@ -3,6 +3,7 @@
 #define TAVU_SIMD_TILE_NEON_H
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 
 #include "simd/vec_neon.h"
@@ -60,7 +61,7 @@ TAVU_VEC_INLINE U8 load_rows8(const uint8_t *&p, ptrdiff_t stride) {
     U8 v;
     __asm__("vld1.8 {%e0}, [%1], %2\n\tvld1.8 {%f0}, [%1], %2"
             : "=w"(v), "+r"(p)
-            : "r"(stride), "m"(*reinterpret_cast<const uint8_t(*)[]>(p)));
+            : "r"(stride), "m"(*reinterpret_cast<const uint8_t(*)[PTRDIFF_MAX]>(p)));
     return v;
 }
 
@@ -70,7 +71,7 @@ TAVU_VEC_INLINE U8 load_rows4(const uint8_t *&p, ptrdiff_t stride) {
         "vld1.32 {%e0[0]}, [%1], %2\n\tvld1.32 {%e0[1]}, [%1], %2\n\t"
         "vld1.32 {%f0[0]}, [%1], %2\n\tvld1.32 {%f0[1]}, [%1], %2"
         : "=w"(v), "+r"(p)
-        : "r"(stride), "m"(*reinterpret_cast<const uint8_t(*)[]>(p)));
+        : "r"(stride), "m"(*reinterpret_cast<const uint8_t(*)[PTRDIFF_MAX]>(p)));
     return v;
 }
 
