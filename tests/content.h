@@ -7,7 +7,8 @@
 enum Content { RANDOM, EXTREME, RAMP, SINGLE_HOT, CONTENTS };
 
 inline Bytes make_content(int content, size_t size, unsigned seed) {
-    Bytes bytes = content <= EXTREME ? random_bytes(size, seed) : Bytes(size, 0);
+    const bool random = content == RANDOM || content == EXTREME;
+    Bytes bytes = random ? random_bytes(size, seed) : Bytes(size, 0);
     if (content == EXTREME) {
         for (uint8_t &b : bytes) b = b & 1 ? 255 : 0;
     }

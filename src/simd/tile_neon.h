@@ -57,6 +57,7 @@ TAVU_VEC_INLINE uint8x8_t load_row8(const uint8_t *&p, ptrdiff_t stride) {
     return v;
 }
 
+// Rows lie as far apart as the stride says: the operand is all of what follows.
 TAVU_VEC_INLINE U8 load_rows8(const uint8_t *&p, ptrdiff_t stride) {
     U8 v;
     __asm__("vld1.8 {%e0}, [%1], %2\n\tvld1.8 {%f0}, [%1], %2"

@@ -37,6 +37,7 @@ struct Case {
           src_gap(pick(random, 0, 2) * 7),
           dst_gap(pick(random, 0, 2) * 5) {
         if (random() % 20 == 0) dst_w = pick(random, 2000, 5000);
+        limit_rows();
         const int ratio = pick(random, 1, 20);
         if (random() % 8 == 0) src_w = std::min(dst_w * ratio, ratio > 3 ? 16000 : 8000);
         if (random() % 8 == 0) src_h = dst_h * pick(random, 1, 20);
@@ -45,12 +46,15 @@ struct Case {
             dst_w = wide ? pick(random, 300, 1100) : pick(random, 50, 300);
             dst_h = wide ? pick(random, 20, 40) : pick(random, 60, 120);
             if (wide && random() % 4 == 0) dst_w = pick(random, 4090, 4097);
+            limit_rows();
             src_w = std::min(2 * dst_w + pick(random, -4, 1), 8192);
             src_h = 2 * dst_h + pick(random, -1, 1);
         }
-        dst_h = std::min(dst_h, std::max(1, 16000 / dst_w));  // the models take their time
         bilinear_rsz_step_size(src_w, src_h, dst_w, dst_h, &step_x, &step_y);
     }
+
+    // Of a wide target, for the models take their time.
+    void limit_rows() { dst_h = std::min(dst_h, std::max(1, 16000 / dst_w)); }
 
     // Source pixels from the first to the last sample of an axis.
     static int reach(int32_t packed, int outputs) {
