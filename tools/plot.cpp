@@ -133,9 +133,8 @@ void plot_units(OutputFile &file, const std::string &name, const Track &track) {
     const FilePtr script(std::tmpfile());
     const std::string text = script_of(name, track);
     if (!script || std::fwrite(text.data(), 1, text.size(), script.get()) != text.size() ||
-        std::fflush(script.get()) != 0)
+        std::fflush(script.get()) != 0 || std::fseek(script.get(), 0, SEEK_SET) != 0)
         file.fail(std::string("no temporary file: ") + std::strerror(errno));
-    std::rewind(script.get());
     if (run_gnuplot(script.get(), file.get()) != 0) file.fail("gnuplot failed");
     file.commit();
 }

@@ -6,7 +6,7 @@
 namespace {
 
 template <size_t On32, size_t On64>
-constexpr size_t AT = sizeof(void *) == 4 ? On32 : On64;
+constexpr size_t AT = sizeof(void *) == 4 ? On32 : On64;  // NOLINT(bugprone-branch-clone)
 
 #define AT_OFFSET(record, field, on32, on64) \
     static_assert(offsetof(record, field) == AT<on32, on64>, #record "." #field)
