@@ -7,6 +7,7 @@
 #include <cstdint>
 
 namespace tavu {
+namespace {
 
 // Sum, product and left shift modulo 2^32.
 constexpr int32_t wrap_add(int32_t a, int32_t b) {
@@ -31,6 +32,7 @@ inline int32_t divide(int32_t a, int32_t b) {
     return b == -1 ? static_cast<int32_t>(0U - static_cast<uint32_t>(a)) : a / b;
 }
 
+}  // namespace
 }  // namespace tavu
 
 #endif

@@ -1,9 +1,9 @@
 // Exporting a kernel at the instruction-set levels that the build has.
 //
 // TAVU_LEVEL is 2, 3 or 4 where a file is compiled once for each of x86-64-v2, v3 and, up to
-// TAVU_TOP_LEVEL, v4. The v2 pass then exports NAME as an indirect function: the dynamic linker asks
-// the resolver once, at load. Calls cost nothing extra and the library holds no pointer that could be
-// written. In every other build a kernel is an ordinary function.
+// TAVU_TOP_LEVEL, v4. The v2 pass then exports NAME as an indirect function: the dynamic linker calls
+// the resolver once, at load or, in an object bound lazily, at the first call. Calls cost nothing extra
+// and there is no table of pointers to fill. In every other build a kernel is an ordinary function.
 //
 //     TAVU_KERNEL(void, tavu_name, (int32_t a, int32_t b)) { ... }
 //

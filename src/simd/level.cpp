@@ -1,46 +1,37 @@
 #include "simd/level.h"
 
-#include <cpuid.h>
+#include "simd/level_choice.h"
 
 namespace {
 
-// Asked once, for cpuid takes microseconds on virtual machines. The exported tables name indirect
-// functions, so that it is written while the library is relocated, and read-only ever after.
-__attribute__((section(".data.rel.ro"))) int known_level = 0;
+struct ThisProcessor {
+    TAVU_UNINSTRUMENTED tavu::CpuidResult cpuid(unsigned leaf) const {
+        tavu::CpuidResult r;
+        // Not by the functions of cpuid.h, which would be instrumented.
+        __cpuid_count(leaf, 0, r.eax, r.ebx, r.ecx, r.edx);
+        return r;
+    }
 
-// The parts of registers that the system saves.
-TAVU_UNINSTRUMENTED unsigned saved_state() {
-    unsigned low, high;
-    __asm__("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
-    return low;
-}
+    TAVU_UNINSTRUMENTED unsigned saved_state() const {
+        unsigned low, high;
+        __asm__("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
+        return low;
+    }
+};
 
-TAVU_UNINSTRUMENTED bool has_all(unsigned value, unsigned wanted) {
-    return (value & wanted) == wanted;
-}
-
-TAVU_UNINSTRUMENTED int find_level() {
-    unsigned a, b, c, d;
-    __cpuid(0, a, b, c, d);  // not by the header's function, which would be instrumented
-    if (a < 7) return 2;
-    __cpuid(1, a, b, c, d);
-    if (!has_all(c, bit_FMA | bit_MOVBE | bit_OSXSAVE | bit_AVX | bit_F16C)) return 2;
-    const unsigned state = saved_state();
-    constexpr unsigned YMM = 0x06, ZMM = 0xE6;
-    if (!has_all(state, YMM)) return 2;
-    unsigned extensions, more_extensions;
-    __cpuid_count(7, 0, a, extensions, more_extensions, d);
-    if (!has_all(extensions, bit_AVX2 | bit_BMI | bit_BMI2)) return 2;
-    __cpuid(0x80000001, a, b, c, d);
-    if (!has_all(c, bit_LZCNT)) return 2;
-    constexpr unsigned V4 = bit_AVX512F | bit_AVX512BW | bit_AVX512CD | bit_AVX512DQ | bit_AVX512VL;
-    const bool vbmi = has_all(more_extensions, bit_AVX512VBMI);
-    return has_all(extensions, V4) && vbmi && has_all(state, ZMM) ? 4 : 3;
-}
+// cpuid takes microseconds on virtual machines, so the processor is asked once. The answer is in
+// ordinary data: where libtavu.a is linked into a shared object that is bound lazily, the first
+// resolver runs at the first call of a kernel, when data relocated at load is read-only already.
+// Resolvers of several threads may race; all of them write the same value.
+int known_level = 0;
 
 }  // namespace
 
 TAVU_UNINSTRUMENTED int tavu_cpu_level() {
-    if (known_level == 0) known_level = find_level();
-    return known_level;
+    int level = __atomic_load_n(&known_level, __ATOMIC_RELAXED);
+    if (level == 0) {
+        level = tavu::level_of(ThisProcessor());
+        __atomic_store_n(&known_level, level, __ATOMIC_RELAXED);
+    }
+    return level;
 }

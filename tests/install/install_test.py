@@ -131,6 +131,49 @@ class Components(Folder):
         self.assertEqual(left, set())
 
 
+class Plugin(Installed):
+    """The archive inside a shared object that is bound at load or, lazily, at each first call."""
+
+    # One routine of each file whose routines are chosen at load time. A plugin has one of them alone:
+    # some of the others, and exported tables, would bind theirs early.
+    CALLS = {
+        "csc_rsz": "tavu_csc_rsz_r8g8b8_to_rgb888(src, 8, 4, stride, 13, dst, 4, 2, stride, 400)",
+        "csc_to_565": "tavu_csc_r8g8b8_to_rgb565(src, 8, 4, stride, 13, dst, 8, 4, stride, 300)",
+        "csc_to_packed": "tavu_csc_r8g8b8_to_rgb888(src, 8, 4, stride, 13, dst, 8, 4, stride, 400)",
+        "csc_to_yuv": "tavu_csc_r8g8b8_to_yuv444(src, 8, 4, stride, 13, dst, 8, 4, stride, 13)",
+        "diff": "tavu_diff4x4(a, b, 32, 32, 4, residual)",
+        "irsz_kernels": "tavu_irsz8b_line(rows, tavu_irsz_tbl_rsz_weight, 4, 0, 1, 0, b)",
+        "mset": "tavu_mset_x64(b, 1, 128)",
+        "sad": "tavu_sad4x4(a, b, 32, 32)",
+        "satd": "tavu_satd4x4(a, b, 32, 32)",
+        "ssd": "tavu_ssd(4, 4, a, b, 32, 32)",
+        "vkeyfrm": "tavu_is_vkeyfrm(TAVU_MT_VID_H264, a, 64)",
+    }
+
+    def build(self, name, command, *arguments):
+        run(*command, f"-I{self.prefix}/include", *arguments, "-o", self.folder / name)
+        return self.folder / name
+
+    def test_every_file_of_kernels_in_an_object_bound_lazily_and_at_load(self):
+        archive = next(self.prefix.rglob("libtavu.a"))
+        indirect = re.findall(r":(\w+)\.cpp\.o:.* i ", run("nm", "-A", archive))
+        self.assertIn(set(indirect), (set(self.CALLS), set()))
+        host = self.build("host", ARGUMENTS.cc, CONSUMER / "host.c", "-ldl")
+        for part in self.CALLS:
+            with self.subTest(part):
+                self.check_plugins(part, host, archive)
+
+    def check_plugins(self, part, host, archive):
+        for language, compiler, bound in (("c", ARGUMENTS.cc, "lazy"), ("c", ARGUMENTS.cc, "now"),
+                                          ("c++", ARGUMENTS.cxx, "lazy")):
+            plugin = self.build("libplugin.so", compiler, "-shared", "-fPIC",
+                                f"-DCALL={self.CALLS[part]}", "-x", language,
+                                CONSUMER / "plugin.c", "-x", "none", archive, f"-Wl,-z,{bound}")
+            linked = self.build("linked", ARGUMENTS.cc, "-DLINKED", CONSUMER / "host.c", plugin)
+            for command in ([linked], [host, plugin, "lazy"], [host, plugin, "now"]):
+                self.assertEqual(run(*ARGUMENTS.emulator, *command), "7\n", command)
+
+
 class Version(Installed):
     def test_one_version_everywhere(self):
         version = re.search(r"project\(tavu VERSION (\S+)",

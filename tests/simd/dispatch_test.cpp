@@ -1,5 +1,5 @@
-// The dynamic linker binds every kernel to the highest level that the processor has. The processor is
-// asked here by the compiler's own means, not as the library asks it.
+// The level is chosen from the processor's answers, and the dynamic linker binds every kernel to it. The
+// processor is asked here by the compiler's own means, not as the library asks it.
 #include <cpuid.h>
 #include <gtest/gtest.h>
 
@@ -10,8 +10,67 @@
 #include "cases.h"
 #include "kernels.h"
 #include "resize_kernels.h"
+#include "simd/level_choice.h"
 
 namespace {
+
+// A processor with made-up answers. It complains of questions that would end a program or be answered
+// at random.
+struct MadeUpProcessor {
+    struct Leaves {
+        tavu::CpuidResult basic, features, extended, more;
+        unsigned xcr0;
+    } leaves;
+
+    tavu::CpuidResult cpuid(unsigned leaf) const {
+        if (leaf == 0) return leaves.basic;
+        if (leaf == 1) return leaves.features;
+        if (leaf == 0x80000001) return leaves.more;
+        EXPECT_EQ(leaf, 7U);
+        EXPECT_LE(leaf, leaves.basic.eax);
+        return leaves.extended;
+    }
+    unsigned saved_state() const {
+        EXPECT_NE(leaves.features.ecx & 1U << 27, 0U) << "xgetbv is an invalid instruction";
+        return leaves.xcr0;
+    }
+};
+
+TEST(LevelChoice, NeedsEveryFeatureOfALevel) {
+    using Leaves = MadeUpProcessor::Leaves;
+    constexpr tavu::CpuidResult ALL = {~0U, ~0U, ~0U, ~0U};
+    Leaves all = {ALL, ALL, ALL, ALL, ~0U}, needed = {{7, 0, 0, 0}, {}, {}, {}, 0};
+    struct Needed {
+        unsigned &(*in)(Leaves &);
+        int level;  // of a processor that lacks any of the bits
+        std::vector<int> bits;
+    };
+    const Needed table[] = {
+        // FMA, MOVBE, OSXSAVE, AVX, F16C; BMI1, AVX2, BMI2; LZCNT; registers of 16 and 32 bytes
+        {[](Leaves &l) -> unsigned & { return l.features.ecx; }, 2, {12, 22, 27, 28, 29}},
+        {[](Leaves &l) -> unsigned & { return l.extended.ebx; }, 2, {3, 5, 8}},
+        {[](Leaves &l) -> unsigned & { return l.more.ecx; }, 2, {5}},
+        {[](Leaves &l) -> unsigned & { return l.xcr0; }, 2, {1, 2}},
+        // AVX-512 F, DQ, CD, BW, VL; VBMI; masks and registers of 64 bytes
+        {[](Leaves &l) -> unsigned & { return l.extended.ebx; }, 3, {16, 17, 28, 30, 31}},
+        {[](Leaves &l) -> unsigned & { return l.extended.ecx; }, 3, {1}},
+        {[](Leaves &l) -> unsigned & { return l.xcr0; }, 3, {5, 6, 7}}};
+    for (const Needed &row : table)
+        for (const int bit : row.bits) row.in(needed) |= 1U << bit;
+    for (const Leaves &complete : {all, needed}) {
+        EXPECT_EQ(tavu::level_of(MadeUpProcessor{complete}), 4);
+        for (const Needed &row : table) {
+            for (const int bit : row.bits) {
+                Leaves lacking = complete;
+                row.in(lacking) &= ~(1U << bit);
+                EXPECT_EQ(tavu::level_of(MadeUpProcessor{lacking}), row.level) << bit;
+            }
+        }
+        Leaves old = complete;
+        old.basic.eax = 6;
+        EXPECT_EQ(tavu::level_of(MadeUpProcessor{old}), 2);
+    }
+}
 
 bool has_v3() {
     unsigned a, b, features, extended, d;
