@@ -45,6 +45,18 @@ extern "C" {
  */
 
 /**
+ * The version of the library that this header belongs to. A new major version needs changes in
+ * programs, a minor one adds functions. Where a program needs version 1.2 or later:
+ *
+ *     #if TAVU_VERSION_MAJOR == 1 && TAVU_VERSION_MINOR < 2
+ *     #error "libtavu 1.2 or later is needed"
+ *     #endif
+ */
+#define TAVU_VERSION_MAJOR 1
+#define TAVU_VERSION_MINOR 0 /**< see #TAVU_VERSION_MAJOR */
+#define TAVU_VERSION_PATCH 0 /**< see #TAVU_VERSION_MAJOR */
+
+/**
  * Status codes: 0 is success, every failure is negative. Creators store theirs through a pointer
  * that may be null; other functions return it.
  */

@@ -185,6 +185,9 @@ class Version(Installed):
         self.assertEqual(re.search(r"^## (\S+)", changes, flags=re.M).group(1), version)
         self.assertIn(f"libtavu.so.{major} libtavu{major} ",
                       (ARGUMENTS.source / f"debian/libtavu{major}.symbols").read_text())
+        header = (self.prefix / "include/tavu.h").read_text()
+        macros = re.findall(r"^#define TAVU_VERSION_(\w+) (\d+)\b", header, flags=re.M)
+        self.assertEqual(macros, list(zip(("MAJOR", "MINOR", "PATCH"), version.split("."))))
         self.assertEqual(self.library.resolve().name, f"libtavu.so.{version}")
         self.assertIn(f"soname: [libtavu.so.{major}]", run("readelf", "-dW", self.library))
         settings = {"PKG_CONFIG_LIBDIR": str(self.library.parent / "pkgconfig")}
