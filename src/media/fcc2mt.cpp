@@ -93,35 +93,70 @@ constexpr Name NAMES[] = {
     {fcc("SSSA"), TAVU_MT_SUB_SSA},
 };
 
-constexpr int SLOT_BITS = 8;
+constexpr bool are_distinct() {
+    for (const Name &a : NAMES) {
+        for (const Name &b : NAMES) {
+            if (&a != &b && a.code == b.code) return false;
+        }
+    }
+    return true;
+}
+static_assert(are_distinct(), "a code is in NAMES twice");
 
-// The factor was found by trying random ones until no two names had the same slot.
-constexpr uint32_t slot(uint32_t code) { return code * 0x63F52AB9 >> (32 - SLOT_BITS); }
+// The slot of a code is the upper bits of its product with a factor that gives each name its own slot.
+struct Hash {
+    uint32_t factor;
+    int bits;
+
+    constexpr uint32_t slot(uint32_t code) const { return code * factor >> (32 - bits); }
+};
+
+constexpr int MAX_BITS = 13;
+
+constexpr bool separates_names(const Hash &hash) {
+    uint64_t used[(1 << MAX_BITS) / 64] = {};
+    for (const Name &name : NAMES) {
+        const uint32_t slot = hash.slot(name.code);
+        if ((used[slot / 64] >> slot % 64 & 1) != 0) return false;
+        used[slot / 64] |= uint64_t{1} << slot % 64;
+    }
+    return true;
+}
+
+// Tries random factors, then a table of twice the size. Only few factors suit a crowded table; the
+// first one does for the present names in 256 slots.
+constexpr Hash find_hash() {
+    constexpr int COUNT = sizeof NAMES / sizeof NAMES[0];
+    uint32_t factor = 0x63F52AB9;
+    for (int bits = 8; bits <= MAX_BITS; bits++) {
+        const bool crowded = COUNT * COUNT > 12 << bits;
+        for (int tries = crowded ? 1 : 1000; tries > 0; tries--) {
+            if (separates_names({factor, bits})) return {factor, bits};
+            factor = factor * 1664525 + 1013904223;
+        }
+    }
+    return {0, MAX_BITS};
+}
+
+constexpr Hash HASH = find_hash();
+static_assert(separates_names(HASH), "MAX_BITS is too small for so many names");
 
 struct Table {
-    Name slots[1 << SLOT_BITS];
+    Name slots[1 << HASH.bits];
 };
 
 constexpr Table make_table() {
     Table table{};
-    for (const Name &name : NAMES) table.slots[slot(name.code)] = name;
+    for (const Name &name : NAMES) table.slots[HASH.slot(name.code)] = name;
     return table;
 }
 
 constexpr Table TABLE = make_table();
 
 constexpr int32_t find(uint32_t code) {
-    const Name &name = TABLE.slots[slot(code)];
+    const Name &name = TABLE.slots[HASH.slot(code)];
     return name.code == code ? name.type : TAVU_MT_NONE;
 }
-
-constexpr bool finds_all() {
-    for (const Name &name : NAMES) {
-        if (find(name.code) != name.type) return false;
-    }
-    return true;
-}
-static_assert(finds_all(), "two names have the same slot");
 
 // Types from `first` up to the one that stands for all others.
 int32_t find_between(uint32_t code, int32_t first, int32_t unknown) {
