@@ -141,7 +141,7 @@ void add_blocks(std::vector<NamedCase> &cases, const std::vector<Kernel> &kernel
             const size_t samples = size_t(kernel.width) * size_t(kernel.height);
             return make_case(
                 read * samples, written * samples, kernel.model, kernel.variants,
-                [&](auto *routine) { return call(routine, kernel.width, kernel.height); });
+                [&](const auto &routine) { return call(routine, kernel.width, kernel.height); });
         };
         cases.push_back({kernel.name, size_text(kernel.width, kernel.height), prepare});
     }
@@ -180,9 +180,8 @@ void add_metrics(std::vector<NamedCase> &cases) {
     add_blocks(cases, hadamard_kernels(), 2, 0, [at](auto *hadamard, int32_t, int32_t) {
         return [=] { *at.result = hadamard(at.samples); };
     });
-    add_blocks(cases, fill_kernels(), 0, 1, [at](auto *fill, int32_t w, int32_t) {
-        return [=] { fill(at.out, 0x11223344, w); };
-    });
+    add_blocks(cases, fill_kernels(), 0, 1,
+               [at](const Fill &fill, int32_t w, int32_t) { return [=] { fill(at.out, w); }; });
 }
 
 }  // namespace

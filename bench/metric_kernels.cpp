@@ -44,10 +44,22 @@ int32_t hadamard_model(const int16_t *block) {
     return hadamard4x4(t);
 }
 
-// For sizes that are multiples of the blocks of all fills.
-void fill_model(void *dst, uint32_t value, int32_t size) {
-    auto *at = static_cast<uint8_t *>(dst);
-    for (; size > 0; size -= 4, at += 4) memcpy(at, &value, 4);
+// A fill with a word, for sizes that are multiples of the blocks of all fills: call(routine, dst, size)
+// is one call of a variant.
+template <auto *Routine, class Call>
+BlockKernel<Fill> fill_kernel(const char *name, uint32_t word, Call call) {
+    BlockKernel<Fill> kernel{name, 1 << 14, 1, {}, {}};
+    kernel.model = [word](void *dst, int32_t size) {
+        auto *at = static_cast<uint8_t *>(dst);
+        for (; size > 0; size -= 4, at += 4) memcpy(at, &word, 4);
+    };
+    for (const auto &variant : variants<Routine>()) {
+        const auto run = [call, routine = variant.run](void *dst, int32_t size) {
+            call(routine, dst, size);
+        };
+        kernel.variants.push_back({variant.level, run});
+    }
+    return kernel;
 }
 
 template <auto *Kernel, int Columns, int Rows>
@@ -115,11 +127,17 @@ std::vector<BlockKernel<Hadamard *>> hadamard_kernels() {
     return {{"hadamard4x4", 4, 4, hadamard_model, variants<tavu_hadamard4x4>()}};
 }
 
-std::vector<BlockKernel<Fill *>> fill_kernels() {
-    constexpr int32_t SIZE = 1 << 14;
+std::vector<BlockKernel<Fill>> fill_kernels() {
+    constexpr uint32_t WORD = 0x11223344, BYTES = 0x44444444;
+    const auto words = [](auto *fill, void *dst, int32_t size) { fill(dst, WORD, size); };
+    const auto bytes = [](auto *fill, void *dst, int32_t size) { fill(dst, 0x44, size); };
+    const auto zeros = [](auto *clear, void *dst, int32_t size) { clear(dst, size / 4); };
     return {
-        {"mset_x128", SIZE, 1, fill_model, variants<tavu_mset_x128>()},
-        {"mset_x32", SIZE, 1, fill_model, variants<tavu_mset_x32>()},
-        {"mset_x32ax4", SIZE, 1, fill_model, variants<tavu_mset_x32ax4>()},
+        fill_kernel<tavu_mclr_x64>("mclr_x64", 0, zeros),
+        fill_kernel<tavu_mset_x64>("mset_x64", BYTES, bytes),
+        fill_kernel<tavu_mset_x64a>("mset_x64a", BYTES, bytes),
+        fill_kernel<tavu_mset_x128>("mset_x128", WORD, words),
+        fill_kernel<tavu_mset_x32>("mset_x32", WORD, words),
+        fill_kernel<tavu_mset_x32ax4>("mset_x32ax4", WORD, words),
     };
 }

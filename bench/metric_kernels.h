@@ -4,6 +4,7 @@
 #define TAVU_BENCH_METRIC_KERNELS_H
 
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "tavu.h"
@@ -21,7 +22,7 @@ struct BlockKernel {
 using EarlySkip = decltype(tavu_sad_eskip);
 using DiffArea = decltype(tavu_diff);
 using Hadamard = decltype(tavu_hadamard4x4);
-using Fill = decltype(tavu_mset_x32);
+using Fill = std::function<void(void *dst, int32_t bytes)>;
 
 std::vector<BlockKernel<tavu_metric_block_t *>> block_kernels();
 std::vector<BlockKernel<tavu_metric_area_t *>> area_kernels();
@@ -30,6 +31,6 @@ std::vector<BlockKernel<tavu_diff_block_t *>> diff_block_kernels();
 std::vector<BlockKernel<DiffArea *>> diff_area_kernels();
 std::vector<BlockKernel<Hadamard *>> hadamard_kernels();
 // Of width bytes, in one row.
-std::vector<BlockKernel<Fill *>> fill_kernels();
+std::vector<BlockKernel<Fill>> fill_kernels();
 
 #endif

@@ -2,46 +2,50 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 
 #include "memory.h"
 #include "tavu.h"
+#include "variants.h"
 
 namespace {
 
 constexpr uint32_t VALUE = 0x11223344;
 
-// Runs fill(dst) on a target of which `written` bytes must become the pattern of VALUE's bytes, the
-// last `low` of them its low byte, and that ends at an unreadable page or `rest` bytes before it.
-void expect_filled(const std::function<void(uint8_t *)> &fill, int written, int low, int rest,
-                   bool single_byte) {
-    GuardedBytes dst(static_cast<size_t>(written + rest));
-    Bytes expected = dst.bytes();
-    constexpr uint8_t PATTERN[] = {0x44, 0x33, 0x22, 0x11};
-    for (int i = 0; i < written; i++) {
-        const bool pattern = !single_byte && i < written - low;
-        expected[static_cast<size_t>(i)] = pattern ? PATTERN[i % 4] : 0x44;
+// Each form of a fill leaves these bytes in a target that ends at an unreadable page.
+template <auto *Fill, class... Arguments>
+void expect_filled(const Bytes &expected, Arguments... arguments) {
+    for (const auto &form : variants<Fill>()) {
+        GuardedBytes dst(expected.size());
+        form.run(dst.data(), arguments...);
+        EXPECT_EQ(dst.bytes(), expected) << form.level;
+        EXPECT_TRUE(dst.front_is_intact()) << form.level;
     }
-    fill(dst.data());
-    EXPECT_EQ(dst.bytes(), expected);
-    EXPECT_TRUE(dst.front_is_intact());
 }
+
+// `written` bytes of VALUE's pattern, the last `low` of them its low byte, and `rest` bytes as they
+// were.
+Bytes pattern(int written, int low, int rest) {
+    constexpr uint8_t PATTERN[] = {0x44, 0x33, 0x22, 0x11};
+    Bytes bytes(static_cast<size_t>(written + rest), GuardedBytes::CANARY);
+    for (int i = 0; i < written; i++) {
+        bytes[static_cast<size_t>(i)] = i < written - low ? PATTERN[i % 4] : 0x44;
+    }
+    return bytes;
+}
+
+Bytes single_byte(int written, int rest) { return pattern(written, written, rest); }
 
 TEST(Mset, WritesItsBlocksAndItsRemainder) {
     for (int size = -200; size <= 600; size++) {
         SCOPED_TRACE(size);
         // With all phases of the target: any, or of whole words where these are asked for.
         const int n = std::max(size, 0), rest = n % 37, words = n % 9 * 4;
-        expect_filled([&](uint8_t *dst) { tavu_mset_x128(dst, VALUE, size); },
-                      n == 0 ? 128 : (n + 127) / 128 * 128, 0, rest, false);
-        expect_filled([&](uint8_t *dst) { tavu_mset_x64(dst, 0x44, size); }, n / 128 * 128, 0, rest,
-                      true);
-        expect_filled([&](uint8_t *dst) { tavu_mset_x64a(dst, 0x11223344, size); }, n, 0, rest,
-                      true);
-        expect_filled([&](uint8_t *dst) { tavu_mset_x32(dst, VALUE, size); }, n / 32 * 32, 0, words,
-                      false);
-        expect_filled([&](uint8_t *dst) { tavu_mset_x32ax4(dst, VALUE, size); }, n < 32 ? 0 : n,
-                      n % 32, rest, false);
+        expect_filled<tavu_mset_x128>(pattern(n == 0 ? 128 : (n + 127) / 128 * 128, 0, rest), VALUE,
+                                      size);
+        expect_filled<tavu_mset_x64>(single_byte(n / 128 * 128, rest), uint8_t{0x44}, size);
+        expect_filled<tavu_mset_x64a>(single_byte(n, rest), 0x11223344, size);
+        expect_filled<tavu_mset_x32>(pattern(n / 32 * 32, 0, words), VALUE, size);
+        expect_filled<tavu_mset_x32ax4>(pattern(n < 32 ? 0 : n, n % 32, rest), VALUE, size);
         if (HasFailure()) return;
     }
 }
@@ -49,25 +53,19 @@ TEST(Mset, WritesItsBlocksAndItsRemainder) {
 TEST(Mset, FillsMoreThanACache) {
     for (const int size : {1 << 19, (1 << 19) + 33, (1 << 19) + 300}) {
         SCOPED_TRACE(size);
-        expect_filled([&](uint8_t *dst) { tavu_mset_x64(dst, 0x44, size); }, size / 128 * 128, 0, 5,
-                      true);
-        expect_filled([&](uint8_t *dst) { tavu_mset_x64a(dst, 0x44, size); }, size, 0, 0, true);
-        expect_filled([&](uint8_t *dst) { tavu_mset_x32(dst, 0x44444444, size); }, size / 32 * 32,
-                      0, 4, true);
-        expect_filled([&](uint8_t *dst) { tavu_mset_x32(dst, VALUE, size); }, size / 32 * 32, 0, 4,
-                      false);
+        expect_filled<tavu_mset_x64>(single_byte(size / 128 * 128, 5), uint8_t{0x44}, size);
+        expect_filled<tavu_mset_x64a>(single_byte(size, 0), uint8_t{0x44}, size);
+        expect_filled<tavu_mset_x32>(single_byte(size / 32 * 32, 4), 0x44444444U, size);
+        expect_filled<tavu_mset_x32>(pattern(size / 32 * 32, 0, 4), VALUE, size);
     }
 }
 
 TEST(Mset, ClearsWholeBlocksOf64Words) {
     for (const int words : {-64, 0, 1, 63, 64, 65, 127, 128, 1024}) {
         const int cleared = std::max(words, 0) / 64 * 256;
-        GuardedBytes dst(static_cast<size_t>(cleared + 4));
-        Bytes expected = dst.bytes();
+        Bytes expected = pattern(0, 0, cleared + 4);
         std::fill_n(expected.begin(), cleared, static_cast<uint8_t>(0));
-        tavu_mclr_x64(dst.data(), words);
-        EXPECT_EQ(dst.bytes(), expected) << words;
-        EXPECT_TRUE(dst.front_is_intact());
+        expect_filled<tavu_mclr_x64>(expected, words);
     }
 }
 

@@ -38,6 +38,16 @@ class Face(unittest.TestCase):
         exported = {name for kind, name in symbols("--defined-only") if kind != "A"}
         self.assertEqual(exported, declared)
 
+    def test_table_of_variants_has_every_kernel_and_level(self):
+        kernels = {name for kind, name in symbols("--defined-only") if kind == "i"}
+        if not kernels:
+            self.skipTest("built for one level")
+        v4 = set(re.findall(r" t (\w+)_v4$", run("nm", LIBRARY), flags=re.M))
+        table = (Path(HEADER).parent.parent / "bench/variants.cpp").read_text(encoding="utf-8")
+        rows = re.findall(r"^KERNEL(4?)\((\w+)\)$", table, flags=re.M)
+        self.assertEqual({name: top == "4" for top, name in rows},
+                         {name: name in v4 for name in kernels})
+
     def test_only_promised_data_is_writable(self):
         data = {name for kind, name in symbols("--defined-only") if kind in "DBGSdb"}
         sections = run("readelf", "-SW", LIBRARY)

@@ -7,6 +7,7 @@
 
 #include "memory.h"
 #include "tavu.h"
+#include "variants.h"
 
 namespace {
 
@@ -18,14 +19,18 @@ using Resizer = std::unique_ptr<tavu_irsz_t, Delete>;
 struct Format {
     int fmt, src_bytes, dst_bytes;
     tavu_irsz_full_t *full;
-    tavu_irsz_fn driver;
+    std::vector<Variant<tavu_irsz_fn>> drivers;  // first the exported one
 };
 const Format FORMATS[] = {
-    {TAVU_IRSZ_8B, 1, 1, tavu_irsz8b_full, tavu_irsz8b},
-    {TAVU_IRSZ_8B8B8B, 3, 3, tavu_irsz8b8b8b_full, tavu_irsz8b8b8b},
-    {TAVU_IRSZ_8B8B8B_5B6B5B, 3, 2, tavu_irsz8b8b8b_5b6b5b_full, tavu_irsz8b8b8b_5b6b5b},
-    {TAVU_IRSZ_5B6B5B, 2, 2, tavu_irsz5b6b5b_full, tavu_irsz5b6b5b},
-    {TAVU_IRSZ_8B8B8B8B, 4, 4, tavu_irsz8b8b8b8b_full, tavu_irsz8b8b8b8b}};
+    {TAVU_IRSZ_8B, 1, 1, tavu_irsz8b_full, variants<tavu_irsz8b>()},
+    {TAVU_IRSZ_8B8B8B, 3, 3, tavu_irsz8b8b8b_full, variants<tavu_irsz8b8b8b>()},
+    {TAVU_IRSZ_8B8B8B_5B6B5B,
+     3,
+     2,
+     tavu_irsz8b8b8b_5b6b5b_full,
+     {{"exported", tavu_irsz8b8b8b_5b6b5b}}},
+    {TAVU_IRSZ_5B6B5B, 2, 2, tavu_irsz5b6b5b_full, {{"exported", tavu_irsz5b6b5b}}},
+    {TAVU_IRSZ_8B8B8B8B, 4, 4, tavu_irsz8b8b8b8b_full, variants<tavu_irsz8b8b8b8b>()}};
 
 struct Axis {
     int64_t step, shift;
@@ -109,12 +114,13 @@ std::ostream &operator<<(std::ostream &s, const Reference &r) {
 // Runs the library; source and target end at unreadable pages. In band mode each band is a copy of
 // its own that is gone before the next comes; the last one ends with the image, but where bands are
 // so short that rows beyond it may be read.
-Bytes resize(const Reference &r, bool *complete) {
+Bytes resize_by(tavu_irsz_fn driver, const Reference &r, bool *complete) {
     GuardedBytes dst(static_cast<size_t>(r.dst_w * r.dst_h * r.f.dst_bytes));
     const tavu_irsz_param param = r.param(dst.data());
     const Resizer rsz(tavu_irsz_create(&param, nullptr));
     if (rsz == nullptr) return {};
-    EXPECT_EQ(rsz->rsz_func, r.f.driver);
+    EXPECT_EQ(rsz->rsz_func, r.f.drivers[0].run);
+    rsz->rsz_func = driver;
     const int rows = r.band_h > 0 ? r.band_h : r.src_h, line = r.src_w * r.f.src_bytes;
     for (int first = 0; first < r.src_h; first += rows) {
         Bytes band(r.src.begin() + first * line,
@@ -126,6 +132,15 @@ Bytes resize(const Reference &r, bool *complete) {
     *complete = rsz->out_row == r.dst_h && rsz->pending == 0;
     EXPECT_TRUE(dst.front_is_intact());
     return dst.bytes();
+}
+
+// The same by every form of the driver.
+Bytes resize(const Reference &r, bool *complete) {
+    const Bytes target = resize_by(r.f.drivers[0].run, r, complete);
+    for (size_t i = 1; i < r.f.drivers.size(); i++) {
+        EXPECT_EQ(resize_by(r.f.drivers[i].run, r, complete), target) << r.f.drivers[i].level << r;
+    }
+    return target;
 }
 
 TEST(Irsz, WholeImagesOfEveryFormat) {

@@ -5,12 +5,18 @@
 
 #include "memory.h"
 #include "tavu.h"
+#include "variants.h"
 
 namespace {
 
 // The unit fills its heap block, so that sanitizers see a read past the end.
 int32_t is_key(int32_t codec, const Bytes &unit) {
-    return tavu_is_vkeyfrm(codec, unit.data(), static_cast<int32_t>(unit.size()));
+    const auto size = static_cast<int32_t>(unit.size());
+    const int32_t key = tavu_is_vkeyfrm(codec, unit.data(), size);
+    for (const auto &form : variants<tavu_is_vkeyfrm>()) {
+        EXPECT_EQ(form.run(codec, unit.data(), size), key) << form.level;
+    }
+    return key;
 }
 
 struct Case {

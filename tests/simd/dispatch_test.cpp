@@ -144,6 +144,15 @@ bool can_tell_upper_halves() {
     return used && !upper_halves_in_use();
 }
 
+// On one shape each; the tests of its family try others.
+TEST(Levels, EveryFormEqualsItsModel) {
+    for (const NamedCase &kernel : kernel_cases()) {
+        const Case prepared = kernel.prepare();
+        const Form *wrong = find_wrong_form(prepared);
+        EXPECT_EQ(wrong, nullptr) << kernel.name << ' ' << wrong->level;
+    }
+}
+
 // What follows in registers of 16 bytes, ours or the caller's, would take three times as long.
 TEST(Levels, LeaveTheUpperHalvesOfRegistersClear) {
     if (!can_tell_upper_halves()) GTEST_SKIP() << "not optimised, or the processor does not tell";
