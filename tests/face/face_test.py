@@ -1,6 +1,6 @@
 """The shared library as the outside sees it: exported names, needs, hardening.
 
-usage: face_test.py LIBRARY HEADER [COMPILER FLAGS] [hardened]
+usage: face_test.py LIBRARY HEADER OBJDUMP [COMPILER FLAGS] [hardened]
 """
 
 import re
@@ -9,10 +9,13 @@ import sys
 import unittest
 from pathlib import Path
 
-LIBRARY, HEADER = sys.argv[1:3]
-SANITIZED = any("-fsanitize" in flag for flag in sys.argv[3:])
-HARDENED = "hardened" in sys.argv[3:]
+LIBRARY, HEADER, OBJDUMP = sys.argv[1:4]
+SANITIZED = any("-fsanitize" in flag for flag in sys.argv[4:])
+HARDENED = "hardened" in sys.argv[4:]
 WRITABLE = {"tavu_irsz_tbl_rsz_weight"}
+# A full barrier, the store, a full barrier; on ARM then an event.
+WAKE_UP = {"x86": r"(mfence|lock).* movl?\s+%\w+,\s*\(%\w+\).*(mfence|lock)",
+           "arm": r"\bdmb\b.*\bstr\b.*\bdsb\b.*\bsev\b"}
 # A library has no business printing or ending the process.
 FORBIDDEN = re.compile(r"^(abort|exit|_exit|puts|putchar|printf|fprintf|vfprintf|fwrite|write)$")
 
@@ -59,6 +62,17 @@ class Face(unittest.TestCase):
             if any(low <= at < high for low, high in relro):
                 data.remove(name)
         self.assertEqual(data, WRITABLE)
+
+    @unittest.skipIf(SANITIZED, "sanitizers replace barriers and stores")
+    def test_wake_up_stores_between_barriers(self):
+        machine = re.search(r"Machine:.*(86|ARM|AArch64)", run("readelf", "-hW", LIBRARY))
+        if machine is None:
+            self.skipTest("no pattern for this processor")
+        functions = run(OBJDUMP, "-d", "--no-show-raw-insn", LIBRARY).split("\n\n")
+        # Unless optimised, the exported function calls an internal one.
+        code = "".join(f for f in functions if re.match(r"\w+ <.*(sync_wake|store_and_send)", f))
+        self.assertRegex(code.replace("\t", " ").replace("\n", " "),
+                         WAKE_UP["x86" if machine.group(1) == "86" else "arm"])
 
     @unittest.skipIf(SANITIZED, "sanitizers add needs of their own")
     def test_needs_nothing_but_the_c_library(self):
