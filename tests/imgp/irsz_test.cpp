@@ -136,7 +136,7 @@ Bytes resize_by(tavu_irsz_fn driver, const Reference &r, bool *complete) {
 
 // The same by every form of the driver.
 Bytes resize(const Reference &r, bool *complete) {
-    const Bytes target = resize_by(r.f.drivers[0].run, r, complete);
+    Bytes target = resize_by(r.f.drivers[0].run, r, complete);
     for (size_t i = 1; i < r.f.drivers.size(); i++) {
         EXPECT_EQ(resize_by(r.f.drivers[i].run, r, complete), target) << r.f.drivers[i].level << r;
     }
