@@ -7,35 +7,41 @@
 
 namespace {
 
-// Two blocks of random strides and alignments. Kernels of four columns read four bytes more.
+// The first of `rows` rows in `memory`: the last one in memory if the stride is negative.
+template <class Sample>
+Sample *first_row(Sample *memory, int stride, int rows) {
+    return stride < 0 ? memory - stride * (rows - 1) : memory;
+}
+
+// A block in memory of exact size; `choice` decides stride and alignment.
+struct Picture {
+    Picture(int columns, int rows, int choice)
+        : stride((choice / 80 % 2 ? -1 : 1) * (columns + choice % 40)),
+          memory(static_cast<size_t>((columns + choice % 40) * (rows - 1) + columns + choice % 16)),
+          at(first_row(memory.data() + choice % 16, stride, rows)) {}
+
+    int stride;
+    Block memory;
+    const uint8_t *at;
+};
+
+// Two blocks.
 struct Pair {
-    Block a, b;
-    const uint8_t *at_a, *at_b;
-    int stride_a, stride_b;
+    Picture a, b;
 
-    Pair(int width, int height, Input *in)
-        : Pair(width + (width % 8 == 4 ? 4 : 0), height, in->byte(), in->byte(), in) {}
-
+    Pair(int columns, int rows, Input *in)
+        : a(columns, rows, in->byte()), b(columns, rows, in->byte()) {
+        a.memory.fill(in);
+        b.memory.fill(in);
+    }
     template <class Metric>
     int32_t measure(Metric *metric) const {
-        return metric(at_a, at_b, stride_a, stride_b);
-    }
-
-  private:
-    Pair(int readable, int height, int more_a, int more_b, Input *in)
-        : a(bytes(readable, readable + more_a % 40, height) + static_cast<size_t>(more_a % 16)),
-          b(bytes(readable, readable + more_b % 40, height) + static_cast<size_t>(more_b % 16)),
-          at_a(a.data() + more_a % 16),
-          at_b(b.data() + more_b % 16),
-          stride_a(readable + more_a % 40),
-          stride_b(readable + more_b % 40) {
-        a.fill(in);
-        b.fill(in);
-    }
-    static size_t bytes(int readable, int stride, int height) {
-        return static_cast<size_t>(stride * (height - 1) + readable);
+        return metric(a.at, b.at, a.stride, b.stride);
     }
 };
+
+// Kernels of four columns may read eight.
+int readable(int width) { return width == 4 ? 8 : width; }
 
 template <class Kernel>
 auto *variant(const Kernel &kernel, size_t level) {
@@ -45,7 +51,7 @@ auto *variant(const Kernel &kernel, size_t level) {
 void check_block(Input *in, size_t level) {
     static const auto kernels = block_kernels();
     const auto &k = in->pick(kernels);
-    const Pair pair(k.width, k.height, in);
+    const Pair pair(readable(k.width), k.height, in);
     require(pair.measure(variant(k, level)) == pair.measure(k.model));
 }
 
@@ -56,17 +62,21 @@ void check_area(Input *in, size_t level) {
     constexpr int WIDTHS[] = {4, 8, 16, 32, 64};
     const auto &k = in->pick(kernels);
     const std::string name = k.name;
-    const bool fixed = name == "sad" || name == "ssd";
-    const int unit = name == "sad" ? 8 : fixed || name == "satd" ? 4 : 1;
-    const int height = round_up(in->range(1, 40), unit);
-    const int width = round_up(fixed ? in->pick(WIDTHS) : in->range(1, 40), unit);
-    // All columns that are read: those of whole tiles, and of 16 in place of other widths.
-    int columns = round_up(width, name == "satd2" ? 8 : 4);
-    if (name == "sad") columns = width == 8 ? 8 : 16;
-    if (!fixed && columns % 8 == 0 && name != "satd2") columns += 4;
-    const Pair p(columns, round_up(height, 8), in);
+    const bool sad = name == "sad", ssd = name == "ssd";
+    const int any_height = in->range(1, 40), any_width = in->range(1, 40);
+    const int width = sad || ssd       ? WIDTHS[(any_width - 1) % 5]
+                      : name == "satd" ? round_up(any_width, 4)
+                                       : any_width;
+    int rows = name == "satd" ? 4 : 1;  // the height is a multiple of them
+    if (sad) rows = width == 8 ? 4 : 8;
+    if (ssd && width < 64) rows = width == 32 ? 2 : 4;
+    const int height = round_up(any_height, rows);
+    // What is read: whole tiles, and 16 columns in place of other widths.
+    const int tile = sad || ssd ? 1 : name == "satd2" ? 8 : 4;
+    const int columns = sad ? (width == 8 ? 8 : 16) : ssd ? readable(width) : round_up(width, tile);
+    const Pair p(columns, round_up(height, tile), in);
     const auto measure = [&](auto *metric) {
-        return metric(width, height, p.at_a, p.at_b, p.stride_a, p.stride_b);
+        return metric(width, height, p.a.at, p.b.at, p.a.stride, p.b.stride);
     };
     require(measure(variant(k, level)) == measure(k.model));
 }
@@ -74,10 +84,11 @@ void check_area(Input *in, size_t level) {
 // Runs a residual and its model into exact memory, and compares all samples and gaps.
 template <class Run, class Kernel>
 void check_residual(const Kernel &kernel, size_t level, int width, int height, Input *in, Run run) {
-    const int stride = width + in->range(0, 20);
-    const Block got(static_cast<size_t>(stride * (height - 1) + width) * 2), wanted(got.size());
+    const int choice = in->byte(), step = width + choice % 21, stride = choice & 64 ? -step : step;
+    const Block got(static_cast<size_t>(step * (height - 1) + width) * 2), wanted(got.size());
     const auto into = [&](const Block &block, auto *diff) {
-        run(diff, stride, static_cast<int16_t *>(static_cast<void *>(block.data())));
+        auto *out = static_cast<int16_t *>(static_cast<void *>(block.data()));
+        run(diff, stride, first_row(out, stride, height));
     };
     into(got, variant(kernel, level));
     into(wanted, kernel.model);
@@ -87,9 +98,9 @@ void check_residual(const Kernel &kernel, size_t level, int width, int height, I
 void check_diff(Input *in, size_t level) {
     static const auto kernels = diff_block_kernels();
     const auto &k = in->pick(kernels);
-    const Pair p(k.width, k.height, in);
+    const Pair p(readable(k.width), k.height, in);
     check_residual(k, level, k.width, k.height, in, [&](auto *diff, int stride, int16_t *out) {
-        diff(p.at_a, p.at_b, p.stride_a, p.stride_b, stride, out);
+        diff(p.a.at, p.b.at, p.a.stride, p.b.stride, stride, out);
     });
 }
 
@@ -98,7 +109,7 @@ void check_diff_area(Input *in, size_t level) {
     const int width = in->range(1, 90), height = in->range(1, 12);
     const Pair p(width, height, in);
     check_residual(kernels[0], level, width, height, in, [&](auto *diff, int stride, int16_t *out) {
-        diff(width, height, p.at_a, p.at_b, p.stride_a, p.stride_b, stride, out);
+        diff(width, height, p.a.at, p.b.at, p.a.stride, p.b.stride, stride, out);
     });
 }
 
@@ -106,13 +117,16 @@ void check_eskip(Input *in, size_t level) {
     static const auto kernels = early_skip_kernels();
     const int width = 4 * in->range(1, 20), height = in->range(1, 20);
     const int32_t threshold = static_cast<int32_t>(in->word() % 200000) - 1;
-    const int shift = in->range(0, 3), stride = width + 4 * in->range(1, 5);
+    const int choice = in->byte(), stride = width + 4 * in->range(1, 5);
+    const int stride_a = choice & 4 ? -stride : stride, stride_b = choice & 8 ? -stride : stride;
     // Whole aligned words around each row of b are readable.
     Block a(static_cast<size_t>(stride * height)), b(a.size());
     a.fill(in);
     b.fill(in);
+    const uint8_t *const at_a = first_row(a.data(), stride_a, height);
+    const uint8_t *const at_b = first_row(b.data(), stride_b, height) + choice % 4;
     const auto measure = [&](auto *skip) {
-        return skip(width, height, a.data(), b.data() + shift, stride, stride, threshold);
+        return skip(width, height, at_a, at_b, stride_a, stride_b, threshold);
     };
     require(measure(variant(kernels[0], level)) == measure(kernels[0].model));
 }

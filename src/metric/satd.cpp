@@ -48,8 +48,10 @@ TAVU_VEC_INLINE int32_t best_tiles(int32_t width, int32_t height, const Blocks &
     const int32_t sum = whole_registers<Sum, Columns, Size>(whole, height, at, add);
     if (width == whole || width < 0) return sum;
     const Blocks rest = at.tile(whole, 0);
-    return sum + single(width - whole, height, rest.a, rest.b, static_cast<int32_t>(at.stride_a),
-                        static_cast<int32_t>(at.stride_b));
+    const int32_t more =
+        single(width - whole, height, rest.a, rest.b, static_cast<int32_t>(at.stride_a),
+               static_cast<int32_t>(at.stride_b));
+    return static_cast<int32_t>(static_cast<uint32_t>(sum) + static_cast<uint32_t>(more));
 }
 
 __attribute__((noinline)) int32_t single_satd4x4s(int32_t width, int32_t height, const uint8_t *a,

@@ -72,7 +72,11 @@ template <int Size>
 int32_t tiles(int32_t width, int32_t height, const Blocks &at, int32_t (*satd)(const Blocks &)) {
     int32_t sum = 0;
     for (int32_t y = 0; y < height; y += Size) {
-        for (int32_t x = 0; x < width; x += Size) sum += satd(at.tile(x, y));
+        for (int32_t x = 0; x < width; x += Size) {
+            // Wraps instead of overflowing in areas of more than 4,210,752 samples.
+            sum = static_cast<int32_t>(static_cast<uint32_t>(sum) +
+                                       static_cast<uint32_t>(satd(at.tile(x, y))));
+        }
     }
     return sum;
 }

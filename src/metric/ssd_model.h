@@ -9,7 +9,7 @@ namespace {
 
 template <int Columns>
 int32_t ssd_columns(int32_t rows, Blocks at) {
-    uint32_t sum = 0;  // wraps instead of overflowing in blocks of more than 66,000 samples
+    uint32_t sum = 0;  // wraps instead of overflowing in blocks of more than 66,051 samples
     for (; rows > 0; rows--, at.next_row()) {
         for (int x = 0; x < Columns; x++) {
             const int32_t d = at.a[x] - at.b[x];

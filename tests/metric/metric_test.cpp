@@ -22,21 +22,25 @@ class Metric : public testing::TestWithParam<size_t> {
 };
 INSTANTIATE_TEST_SUITE_P(Levels, Metric, testing::Range<size_t>(0, variants<tavu_ssd>().size()));
 
-// A block whose last row ends `slack` bytes before an unreadable page.
+// A block in memory that ends `slack` bytes before an unreadable page. If it is upside down, the stride
+// is negative and the first row is the last one in memory.
 struct Block {
-    Block(int width, int height, int extra, size_t slack, int content, unsigned seed)
-        : stride(width + extra),
-          memory(make_content(content, static_cast<size_t>(stride * (height - 1) + width) + slack,
-                              seed)) {}
-    const uint8_t *at() { return memory.data(); }
-    int operator()(int x, int y) { return memory.data()[y * stride + x]; }
+    Block(int width, int height, int extra, size_t slack, int content, unsigned seed,
+          bool upside_down)
+        : stride(upside_down ? -width - extra : width + extra),
+          first(upside_down ? (1 - height) * stride : 0),
+          memory(make_content(
+              content, static_cast<size_t>((width + extra) * (height - 1) + width) + slack, seed)) {
+    }
+    const uint8_t *at() { return memory.data() + first; }
+    int operator()(int x, int y) { return at()[y * stride + x]; }
 
-    int stride;
+    int stride, first;
     GuardedBytes memory;
 };
 
-// Calls check(a, b) for blocks of every content, several strides and 16 alignments. Kernels of four
-// columns have four more readable bytes.
+// Calls check(a, b) for blocks of every content, several strides of all signs and 16 alignments. Kernels
+// of four columns have four more readable bytes.
 template <class Check>
 void for_each_pair(int width, int height, Check check) {
     const size_t readable = width == 4 ? 4 : 0;
@@ -44,8 +48,8 @@ void for_each_pair(int width, int height, Check check) {
         for (size_t i = 0; i < 16; i++) {
             const int extra = static_cast<int>(readable + i * i % 37);
             const auto seed = static_cast<unsigned>(width * 100 + height + content);
-            Block a(width, height, extra, readable + i, content, seed);
-            Block b(width, height, extra + 5, readable + i * 7 % 16, content, seed + 50);
+            Block a(width, height, extra, readable + i, content, seed, i & 1);
+            Block b(width, height, extra + 5, readable + i * 7 % 16, content, seed + 50, i & 2);
             check(a, b);
             if (testing::Test::HasFatalFailure()) return;
         }
@@ -91,8 +95,9 @@ TEST_P(Metric, SadOfFixedSizes) {
 TEST_P(Metric, SadOfEveryWidthButEightIsThatOfSixteen) {
     for (const int width : {8, 0, 4, 12, 16, 32, -8}) {
         EXPECT_EQ(get<tavu_sad>()(width, 0, nullptr, nullptr, 0, 0), 0);
-        for (const int height : {8, 16, 256}) {
+        for (const int height : {4, 8, 12, 16, 20, 256}) {
             const int columns = width == 8 ? 8 : 16;
+            if (columns == 16 && height % 8 != 0) continue;
             for_each_pair(columns, height, [&](Block &a, Block &b) {
                 ASSERT_EQ(get<tavu_sad>()(width, height, a.at(), b.at(), a.stride, b.stride),
                           sad_of(columns, height, a, b));
@@ -101,15 +106,19 @@ TEST_P(Metric, SadOfEveryWidthButEightIsThatOfSixteen) {
     }
 }
 
-TEST_P(Metric, EarlySkipStopsBehindTheRowThatExceeds) {
-    for (const int width : {4, 8, 16, 20, 64}) {
-        for (int align = 0; align < 4; align++) {
+// Ten rows: two groups of four, and two rows more.
+TEST_P(Metric, EarlySkipStopsAfterTheRowThatExceeds) {
+    constexpr int ROWS = 10;
+    for (const int width : {4, 8, 12, 16, 20, 28, 32, 36, 64, 68}) {
+        for (int i = 0; i < 16; i++) {
             // Words around the rows of b are readable, no byte more.
-            Block a(width, 5, 4, 0, RANDOM, 1);
-            Block b(width + align, 5, 8 - align, static_cast<size_t>(4 - align) % 4, RANDOM, 2);
+            const int align = i % 4;
+            Block a(width, ROWS, 4, 0, RANDOM, 1, i & 4);
+            Block b(width + align, ROWS, 8 - align, static_cast<size_t>(4 - align) % 4, RANDOM, 2,
+                    i & 8);
             const uint8_t *at = b.at() + align;
-            int sums[5], sum = 0;
-            for (int y = 0; y < 5; y++) {
+            int sums[ROWS], sum = 0;
+            for (int y = 0; y < ROWS; y++) {
                 for (int x = 0; x < width; x++) sum += std::abs(a(x, y) - b(x + align, y));
                 sums[y] = sum;
             }
@@ -117,18 +126,23 @@ TEST_P(Metric, EarlySkipStopsBehindTheRowThatExceeds) {
                 return get<tavu_sad_eskip>()(width, height, a.at(), at, a.stride, b.stride,
                                              threshold);
             };
-            EXPECT_EQ(reinterpret_cast<uintptr_t>(at) % 4, static_cast<uintptr_t>(align));
-            for (int y = 0; y < 5; y++) {
-                EXPECT_EQ(eskip(5, sums[y] - 1), sums[y]);
-                EXPECT_EQ(eskip(5, sums[y]), sums[y < 4 ? y + 1 : 4]);  // equality does not stop
-                EXPECT_EQ(eskip(y + 1, INT32_MAX), sums[y]);
+            ASSERT_EQ(reinterpret_cast<uintptr_t>(at) % 4, static_cast<uintptr_t>(align));
+            for (int y = 0; y < ROWS; y++) {
+                ASSERT_EQ(eskip(ROWS, sums[y] - 1), sums[y]);
+                // Equality does not stop.
+                ASSERT_EQ(eskip(ROWS, sums[y]), sums[std::min(y + 1, ROWS - 1)]);
+                ASSERT_EQ(eskip(y + 1, INT32_MAX), sums[y]);
             }
-            EXPECT_EQ(eskip(5, -1), sums[0]);
+            ASSERT_EQ(eskip(ROWS, -1), sums[0]);
+            ASSERT_EQ(eskip(ROWS, INT32_MIN), sums[0]);
         }
     }
+    const Bytes white(64, 255), black(64, 0);
+    EXPECT_EQ(get<tavu_sad_eskip>()(64, 131586, white.data(), black.data(), 0, 0, INT32_MAX),
+              255 * 8421504);  // 127 below the largest result
 }
 
-// Whatever stands in columns 4 to 7 is read and never seen.
+// Columns 4 to 7 may be read but never count.
 TEST_P(Metric, FourColumnsSeeFourColumns) {
     Bytes a(8 * 8, 10), b(8 * 8, 7);
     for (size_t i = 0; i < 64; i++) {
@@ -146,12 +160,15 @@ TEST_P(Metric, FourColumnsSeeFourColumns) {
 TEST_P(Metric, DifferencesAreWrittenAndNothingElse) {
     const auto check = [](int width, int height, const auto &run) {
         for_each_pair(std::max(width, 1), std::max(height, 1), [&](Block &a, Block &b) {
-            for (const int stride : {std::max(width, 1), std::max(width, 1) + 3}) {
-                const int samples = height < 1 ? 0 : stride * (height - 1) + std::max(width, 0);
+            for (const int gap : {0, 3, -3}) {  // below 0 for a negative stride
+                const int step = std::max(width, 1) + std::abs(gap);
+                const int samples = height < 1 ? 0 : step * (height - 1) + std::max(width, 0);
                 GuardedBytes memory(static_cast<size_t>(samples) * 2);
-                run(a, b, stride, static_cast<int16_t *>(static_cast<void *>(memory.data())));
+                auto *out = static_cast<int16_t *>(static_cast<void *>(memory.data()));
+                run(a, b, gap < 0 ? -step : step,
+                    gap < 0 && height > 0 ? out + step * (height - 1) : out);
                 for (int i = 0; i < samples; i++) {
-                    const int x = i % stride, y = i / stride;
+                    const int x = i % step, y = gap < 0 ? height - 1 - i / step : i / step;
                     int16_t got;
                     memcpy(&got, memory.data() + 2 * i, 2);
                     ASSERT_EQ(got, x < width ? a(x, y) - b(x, y) : int16_t(0xA5A5));
@@ -180,20 +197,28 @@ TEST_P(Metric, DifferencesAreWrittenAndNothingElse) {
     }
 }
 
+// 255 between all samples of 64 columns and any number of rows.
+int32_t largest_ssd(tavu_metric_area_t *ssd, int rows) {
+    const Bytes white(64, 255), black(64, 0);
+    return ssd(64, rows, white.data(), black.data(), 0, 0);
+}
+
 TEST_P(Metric, SsdOfOtherWidthsIsThatOf64) {
     for (const int width : {4, 8, 16, 32, 64, 0, 5, 7, 9, 15, 17, 31, 33, -4}) {
         const bool known = width == 4 || width == 8 || width == 16 || width == 32;
-        const int columns = known ? width : 64;
+        const int columns = known ? width : 64, unit = columns == 64 ? 1 : columns == 32 ? 2 : 4;
         EXPECT_EQ(get<tavu_ssd>()(width, 0, nullptr, nullptr, 0, 0), 0);
-        for (const int height : {4, 8, 16, 64}) {
+        for (const int height : {1, 2, 3, 4, 6, 7, 8, 10, 16, 64}) {
+            if (height % unit != 0) continue;
             for_each_pair(columns, height, [&](Block &a, Block &b) {
                 ASSERT_EQ(get<tavu_ssd>()(width, height, a.at(), b.at(), a.stride, b.stride),
                           sum_of(columns, height, a, b, [](int d) { return d * d; }));
             });
         }
     }
-    const Bytes black(64 * 64, 0), white(64 * 64, 255);
-    EXPECT_EQ(get<tavu_ssd>()(64, 64, black.data(), white.data(), 64, 64), 266342400);
+    EXPECT_EQ(largest_ssd(get<tavu_ssd>(), 64), 266342400);
+    EXPECT_EQ(largest_ssd(get<tavu_ssd>(), 516), 2147385600);   // 33,024 samples
+    EXPECT_EQ(largest_ssd(get<tavu_ssd>(), 520), -2130935296);  // wraps
 }
 
 // Sums of magnitudes of each horizontal frequency, by the sign matrix of the transform.
@@ -278,8 +303,9 @@ TEST_P(Metric, SatdOfAnAreaIsTheSumOfItsTiles) {
     }
 }
 
-// The residual 255 s(y) t(x) of signs has the coefficients 255 S(v) T(u), whose sums of one u leave
-// 15 bits: they wrap one by one, and as signed numbers.
+// The residual 255 s(y) t(x) of signs has the coefficients 255 S(v) T(u). Those of one u may sum to more
+// than 15 bits: each sum wraps on its own, as a signed number. Two never do at once, by Parseval: each
+// needs half of the largest energy.
 TEST_P(Metric, Satd8x8SumsEachFrequencyIn16Bits) {
     int magnitude[256][8] = {};
     for (int signs = 0; signs < 256; signs++) {
@@ -309,6 +335,50 @@ TEST_P(Metric, Satd8x8SumsEachFrequencyIn16Bits) {
         }
     }
     EXPECT_GT(wrapped, 1000);
+}
+
+// Residuals of one value per row have one horizontal frequency, of the magnitude 8 sum |C(v)|.
+TEST_P(Metric, SmallestSatd8x8) {
+    const auto satd = [&](const int(&residual)[8], bool by_rows) {
+        uint8_t a[64], b[64];
+        for (int i = 0; i < 64; i++) {
+            const int r = residual[by_rows ? i / 8 : i % 8];
+            a[i] = static_cast<uint8_t>(std::max(r, 0));
+            b[i] = static_cast<uint8_t>(std::max(-r, 0));
+        }
+        const int metric = get<tavu_satd8x8>()(a, b, 8, 8);
+        EXPECT_EQ(get<tavu_satd2>()(8, 8, a, b, 8, 8), metric);
+        return metric;
+    };
+    constexpr int LIMIT[] = {-204, 204, 204, 204, 204, 204, 204, 204};    // 160 * 204 = 32640
+    constexpr int LEAST[] = {-205, 204, 204, 205, 205, 205, 205, 205};    // 8 * 4096 = 32768
+    constexpr int LARGEST[] = {-255, 255, 255, 255, 255, 255, 255, 255};  // 160 * 255 = 40800
+    EXPECT_EQ(satd(LIMIT, true), 32640 / 4);  // no residual up to 204 has a larger sum
+    EXPECT_EQ(satd(LEAST, true), -8192);
+    EXPECT_EQ(satd(LARGEST, true), -6184);
+    EXPECT_EQ(satd(LEAST, false), 8192);  // vertical frequencies may be as large
+    EXPECT_EQ(satd(LARGEST, false), 10200);
+}
+
+// The largest residual of which every coefficient is 64 * 255 / 8: a sign for each bit that column and
+// row have in common. The same holds for its quarters.
+TEST_P(Metric, LargestSatdOfAnArea) {
+    constexpr int WIDTH = 2184, HEIGHT = 1928, MORE = 8;  // 4,210,752 samples
+    Bytes a(static_cast<size_t>(WIDTH + MORE) * HEIGHT), b(a.size());
+    for (size_t i = 0; i < a.size(); i++) {
+        const size_t x = i % (WIDTH + MORE), y = i / (WIDTH + MORE);
+        a[i] = __builtin_parityll(x & y & 7) ? 255 : 0;
+        b[i] = static_cast<uint8_t>(255 - a[i]);
+    }
+    EXPECT_EQ(get<tavu_satd4x4>()(a.data(), b.data(), WIDTH + MORE, WIDTH + MORE), 8160);
+    EXPECT_EQ(get<tavu_satd8x8>()(a.data(), b.data(), WIDTH + MORE, WIDTH + MORE), 32640);
+    for (auto *satd : {get<tavu_satd>(), get<tavu_satd1>(), get<tavu_satd2>()}) {
+        const auto of_width = [&](int width) {
+            return satd(width, HEIGHT, a.data(), b.data(), WIDTH + MORE, WIDTH + MORE);
+        };
+        EXPECT_EQ(of_width(WIDTH), 2147483520);
+        EXPECT_EQ(of_width(WIDTH + MORE), -2139617536);  // wraps
+    }
 }
 
 }  // namespace
