@@ -898,33 +898,46 @@ TAVU_API int32_t tavu_md5_imgb(const tavu_imgb_t *imgb, uint8_t digest[16]);
 
 /**
  * @defgroup metric Block metrics
- * Compare two blocks of 8-bit samples, each given by its top-left sample and its stride in bytes.
- * Unchecked; sizes in names are columns x rows. No alignment is needed, but by tavu_sad_eskip().
+ * These functions compare two blocks of 8-bit samples. A block is given by its top-left sample and
+ * its stride in bytes. Sizes in names are columns x rows. Arguments are not checked. Blocks may
+ * have any alignment, except those of tavu_sad_eskip().
  *
- * Readable slack: tavu_sad4x4(), tavu_sad4x8(), tavu_diff4x4() and tavu_ssd() of 4 columns may read
- * 8 bytes of every row of both blocks. Four more must be readable behind each row; they never
- * change the result.
+ * Readable slack: tavu_sad4x4(), tavu_sad4x8(), tavu_diff4x4() and tavu_ssd() with 4 columns may
+ * read 8 bytes of every row of both blocks, so the 4 bytes after each row must be readable. They
+ * never change the result.
  *
- * Results are not negative, but for tavu_satd8x8(). Threads: all is reentrant.
+ * Results are never negative, with these exceptions:
+ *
+ * - tavu_satd8x8() returns -8192..32640: large residuals may wrap its 16-bit sums.
+ * - tavu_satd2() adds up these values, and may be negative for any area.
+ * - tavu_ssd() returns the sum modulo 2^32 as a signed number: above 33,025 samples, which is 8
+ *   times 64x64, it may be negative.
+ * - tavu_satd(), tavu_satd1() and tavu_satd2() add up in 32 bits that wrap: above 4,210,752
+ *   samples, which is more than 2048x2048, the sum may be wrong or negative.
+ * - tavu_sad_eskip() must not be given more than 8,421,504 samples: its sum would overflow.
+ *
+ * Every function may be called from any number of threads at once.
  * @{
  */
 
 /**
- * A metric of blocks of fixed size.
- * @param a,b the top-left samples of the blocks
- * @param stride_a,stride_b bytes from row to row; may be negative
+ * A metric of two blocks of fixed size.
+ * @param a,b top-left samples of the blocks
+ * @param stride_a,stride_b bytes from one row to the next; may be negative
  * @return the metric
  */
 typedef int32_t tavu_metric_block_t(const uint8_t *a, const uint8_t *b, int32_t stride_a,
                                     int32_t stride_b);
 
-/** A metric of blocks of `width` columns and `height` rows; else as #tavu_metric_block_t. */
+/**
+ * A metric of two blocks of `width` columns and `height` rows, otherwise as #tavu_metric_block_t.
+ */
 typedef int32_t tavu_metric_area_t(int32_t width, int32_t height, const uint8_t *a,
                                    const uint8_t *b, int32_t stride_a, int32_t stride_b);
 
 /**
  * @name Sums of absolute differences
- * The sum of |a - b| over all samples, exact.
+ * The sum of |a - b| over all samples.
  * @{
  */
 TAVU_API tavu_metric_block_t tavu_sad2x2;   /**< 2 columns, 2 rows */
@@ -946,28 +959,32 @@ TAVU_API tavu_metric_block_t tavu_sad64x64; /**< 64 columns, 64 rows */
 /** @} */
 
 /**
- * Sum of absolute differences of 8 columns if `width` is 8, of 16 columns for every other width.
- * The height is a positive multiple of 4 for 8 columns, of 8 for 16, and at most 256.
+ * Sum of absolute differences of 8 columns if `width` is 8, and of 16 columns for every other
+ * width. The height is a positive multiple of 4 for 8 columns and of 8 for 16 columns, at most 256.
  */
 TAVU_API tavu_metric_area_t tavu_sad;
 
 /**
  * Sum of absolute differences that stops after the first row at which it exceeds `threshold`.
- * At least one row is summed, whatever the threshold; equality does not stop.
- * @param width a positive multiple of 4
- * @param height rows, at least 1
- * @param a first block, aligned to 4 bytes as is its stride
- * @param b second block, of any alignment; whole aligned words around each row must be readable
- * @return the sum of all rows, or of the rows up to the one that exceeded the threshold
+ * At least one row is summed, whatever the threshold. A sum equal to the threshold does not stop.
+ * @param width columns, a positive multiple of 4
+ * @param height rows, at least 1; width * height is at most 8,421,504
+ * @param a first block; the address and the stride are multiples of 4
+ * @param b second block, of any alignment; every aligned 4-byte word that a row touches must be
+ *   readable as a whole
+ * @param stride_a,stride_b bytes from one row to the next; may be negative
+ * @param threshold largest sum after which the next row is added
+ * @return the sum of all rows, or of the rows up to the first that makes it exceed the threshold
  */
 TAVU_API int32_t tavu_sad_eskip(int32_t width, int32_t height, const uint8_t *a, const uint8_t *b,
                                 int32_t stride_a, int32_t stride_b, int32_t threshold);
 
 /**
- * Residual of blocks of fixed size: a - b, as 16-bit samples.
- * @param stride_a,stride_b bytes from row to row
- * @param stride_diff samples from row to row of the residual
- * @param diff residual, aligned as an int16_t; samples beyond the block's columns are not written
+ * Residual of two blocks of fixed size: a - b, in 16-bit samples of -255..255.
+ * @param a,b top-left samples of the blocks
+ * @param stride_a,stride_b bytes from one row to the next; may be negative
+ * @param stride_diff samples from one row of the residual to the next; may be negative
+ * @param diff residual, aligned as an int16_t; samples past the block's columns are not written
  */
 typedef void tavu_diff_block_t(const uint8_t *a, const uint8_t *b, int32_t stride_a,
                                int32_t stride_b, int32_t stride_diff, int16_t *diff);
@@ -980,50 +997,67 @@ TAVU_API tavu_diff_block_t tavu_diff32x32; /**< 32 columns, 32 rows */
 TAVU_API tavu_diff_block_t tavu_diff64x64; /**< 64 columns, 64 rows */
 
 /**
- * Residual of any size, otherwise as #tavu_diff_block_t; a width or height below 1 writes nothing.
- * Reads the blocks alone.
+ * Residual of blocks of any size, otherwise as #tavu_diff_block_t. A width or height below 1 writes
+ * nothing. Nothing outside the blocks is read.
  */
 TAVU_API void tavu_diff(int32_t width, int32_t height, const uint8_t *a, const uint8_t *b,
                         int32_t stride_a, int32_t stride_b, int32_t stride_diff, int16_t *diff);
 
 /**
  * Sum of squared differences of 4, 8, 16 or 32 columns; every other width is taken as 64. The
- * height is a positive multiple of 4 for 4, 8 and 16 columns, of 2 for 32. 4 columns need the
- * slack. The sum cannot exceed INT32_MAX for up to 33025 samples, 8 times 64x64.
+ * height is a positive multiple of 4 for 4, 8 and 16 columns and of 2 for 32 columns; 64 columns
+ * take any positive height. 4 columns need the slack.
+ *
+ * The sum wraps in 32 bits. It fits an int32_t up to 33,025 samples: 516 rows of 64 columns, 1032
+ * of 32, 2064 of 16, 4128 of 8, 8256 of 4. Above, 64x520 samples that differ by 255 give
+ * -2130935296. Converted to uint32_t, the result is exact up to 66,051 samples.
  */
 TAVU_API tavu_metric_area_t tavu_ssd;
 
 /**
- * Half the sum of the magnitudes of the two-dimensional 4x4 Hadamard transform, not normalised,
- * rounded down. Its basis functions are products of +1 and -1.
+ * Half the sum of the magnitudes of the two-dimensional 4x4 Hadamard transform, rounded down. The
+ * transform is not normalised: its basis functions are products of +1 and -1.
  * @param block 16 residuals of -2047..2047, row by row without gaps, aligned as an int16_t
- * @return the metric, as tavu_satd4x4() of blocks with this residual
+ * @return the metric, 0..65504; the same as tavu_satd4x4() of two blocks with this residual
  */
 TAVU_API int32_t tavu_hadamard4x4(const int16_t *block);
 
-/** tavu_hadamard4x4() of the residual of two 4x4 blocks; at most 8160. Reads the blocks alone. */
+/**
+ * tavu_hadamard4x4() of the residual of two 4x4 blocks, 0..8160. Reads nothing outside the blocks.
+ */
 TAVU_API tavu_metric_block_t tavu_satd4x4;
 
 /**
  * A quarter of the sum of the magnitudes of the 8x8 Hadamard transform of the residual, rounded to
- * nearest. The magnitudes of each horizontal frequency are summed in 16 bits that wrap, and taken
- * as signed: exact as long as none of the eight sums exceeds 32767. A residual of strong contrast
- * in just the right pattern does, and may even give a negative result.
+ * nearest, in the range -8192..32640.
+ *
+ * The eight magnitudes of each horizontal frequency are summed in 16 bits that wrap, and the sum is
+ * taken as signed. The result is exact if no such sum exceeds 32767, which holds for all residuals
+ * of -204..204. At most one of the eight sums exceeds it; the result is then 16384 less than the
+ * exact one. For example, one row of residuals of -255 above seven rows of 255 gives -6184.
  */
 TAVU_API tavu_metric_block_t tavu_satd8x8;
 
-/** Sum of tavu_satd4x4() over all 4x4 tiles; width and height are positive multiples of 4. */
+/**
+ * Sum of tavu_satd4x4() over all 4x4 tiles. Width and height are positive multiples of 4. The sum
+ * fits an int32_t up to 4,210,752 samples and wraps above.
+ */
 TAVU_API tavu_metric_area_t tavu_satd;
 
 /**
- * Sum of tavu_satd4x4() over the 4x4 tiles that cover the block; the last may reach up to 3 samples
- * beyond it, which must be readable. 0 for a width or height below 1.
+ * Sum of tavu_satd4x4() over the 4x4 tiles that cover the block. The last tiles may extend up to 3
+ * samples past its right and lower edges; these samples must be readable, and count. The result is
+ * 0 for a width or height below 1. The sum fits an int32_t up to 4,210,752 samples of whole tiles
+ * and wraps above.
  */
 TAVU_API tavu_metric_area_t tavu_satd1;
 
 /**
- * Sum of tavu_satd8x8() over the 8x8 tiles that cover the block; the last may reach up to 7 samples
- * beyond it, which must be readable. 0 for a width or height below 1.
+ * Sum of tavu_satd8x8() over the 8x8 tiles that cover the block. The last tiles may extend up to 7
+ * samples past its right and lower edges; these samples must be readable, and count. The result is
+ * 0 for a width or height below 1. It may be negative, as low as -8192 a tile; an 8x8 block can
+ * give -8192..32640. The sum fits an int32_t up to 4,210,752 samples of whole tiles and wraps
+ * above.
  */
 TAVU_API tavu_metric_area_t tavu_satd2;
 

@@ -63,7 +63,9 @@ inline int32_t satd8x8(const Blocks &at) {
     t.rows();
     t.columns();
     int32_t sum = 0;
-    // The sum of each frequency wraps in 16 signed bits; callers rely on it.
+    // The sum of each frequency wraps in 16 signed bits; callers rely on it. At most one of them does:
+    // eight magnitudes of a sum above 32767 have squares of 2^27 or more, and all 64 squares sum to at
+    // most 64^2 * 255^2 < 2^28. So the result is -8192 or more.
     for (int x = 0; x < 8; x++) sum += static_cast<int16_t>(t.magnitudes(x));
     return (sum + 2) >> 2;
 }

@@ -219,6 +219,7 @@ TEST_P(Metric, SsdOfOtherWidthsIsThatOf64) {
     EXPECT_EQ(largest_ssd(get<tavu_ssd>(), 64), 266342400);
     EXPECT_EQ(largest_ssd(get<tavu_ssd>(), 516), 2147385600);   // 33,024 samples
     EXPECT_EQ(largest_ssd(get<tavu_ssd>(), 520), -2130935296);  // wraps
+    EXPECT_EQ(static_cast<uint32_t>(largest_ssd(get<tavu_ssd>(), 1032)), 66048U * 65025);
 }
 
 // Sums of magnitudes of each horizontal frequency, by the sign matrix of the transform.
@@ -269,14 +270,18 @@ TEST_P(Metric, SatdIsTheTransformsMagnitude) {
     for_each_pair(8, 8, [](Block &a, Block &b) {
         ASSERT_EQ(get<tavu_satd8x8>()(a.at(), b.at(), a.stride, b.stride), satd_of(8, 8, 8, a, b));
     });
-    for (const int d : {1, -1, 5, 255, -255}) {
+    for (const int d : {1, -1, 5, 255, -255, 2047, -2047}) {
         int16_t flat[16], single[16] = {static_cast<int16_t>(d)};
         for (int16_t &r : flat) r = static_cast<int16_t>(d);
         EXPECT_EQ(get<tavu_hadamard4x4>()(flat), 8 * std::abs(d));
         EXPECT_EQ(get<tavu_hadamard4x4>()(single), 8 * std::abs(d));
     }
-    const int16_t large[16] = {2047, -2047, 2047, -2047, 2047, -2047, 2047, -2047};
-    EXPECT_EQ(get<tavu_hadamard4x4>()(large), 2 * 8 * 2047 / 2);
+    int16_t largest[16];
+    for (int i = 0; i < 16; i++) {
+        largest[i] =
+            static_cast<int16_t>(__builtin_parity(static_cast<unsigned>(i & i / 4)) ? -2047 : 2047);
+    }
+    EXPECT_EQ(get<tavu_hadamard4x4>()(largest), 65504);
 }
 
 TEST_P(Metric, SatdOfAnAreaIsTheSumOfItsTiles) {
