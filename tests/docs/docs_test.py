@@ -1,11 +1,14 @@
-"""The programs in the documents: each is compiled without a warning, run, and prints what is said.
+"""The documents against the tree: their programs compile without a warning, run and print what is shown;
+the files, functions, macros, presets and numbers that they state exist.
 
 usage: docs_test.py ROOT LIBRARY EMULATOR COMPILER [FLAGS]
 
-A block marked c that has no main() is the inside of one. A block marked output tells what the program
-before it prints. The manual page has a program too, and names functions.
+A block marked c that has no main() is the inside of one. A block marked output is what the program
+before it prints. The manual page has a program too. A block marked @code in the header is the inside of
+a function; it is compiled only.
 """
 
+import fnmatch
 import glob
 import os
 import re
@@ -19,6 +22,14 @@ ROOT, LIBRARY, EMULATOR = sys.argv[1:4]
 COMPILE = [*sys.argv[4:], "-std=c99", "-pedantic", "-Wall", "-Wextra", "-Werror"]
 BLOCK = re.compile(r"^```(\w+)\n(.*?)^```$", flags=re.M | re.S)
 MANUAL = f"{ROOT}/docs/man/libtavu.3"
+# What the code in the header takes as given.
+GIVEN = """
+extern tavu_irsz_t *rsz;
+extern int32_t src_h, band_h;
+const void *band_at(int32_t row);
+"""
+SUFFIX = re.compile(r"\.(cpp|h|c|py|md|cmake|txt|json|map|in|dot|svg|css|sed)$")
+NUMBERS = ("one two three four five six seven eight nine ten").split()
 
 
 def read(path):
@@ -28,6 +39,85 @@ def read(path):
 
 def pages():
     return sorted(glob.glob(f"{ROOT}/*.md") + glob.glob(f"{ROOT}/docs/*.md"))
+
+
+def text_of(*patterns):
+    """The text of all files that match."""
+    found = [path for pattern in patterns for path in glob.glob(f"{ROOT}/{pattern}", recursive=True)]
+    return "\n".join(map(read, sorted(found)))
+
+
+def documents():
+    """(path, text) of every page and manual page."""
+    for path in tree():
+        if path.endswith(".md") or path.startswith("docs/man/"):
+            yield path, read(f"{ROOT}/{path}")
+
+
+def tree():
+    """Paths of all files and folders, without those that are built."""
+    paths = []
+    for folder, folders, files in os.walk(ROOT):
+        folders[:] = [name for name in folders if name not in ("build", ".git", "__pycache__")]
+        paths += [os.path.relpath(f"{folder}/{name}", ROOT) for name in folders + files]
+    return paths
+
+
+def named_files(text):
+    """Words in backquotes that are paths: with the suffix of a source or in a folder of the tree."""
+    folders = "|".join({path.split("/")[-1] for path in tree() if os.path.isdir(f"{ROOT}/{path}")})
+    for word in re.findall(r"[^\s`]+", " ".join(re.findall(r"`([^`\n]+)`", text))):
+        if word.startswith(("/", "~", "build/")):  # on the reader's machine
+            continue
+        if SUFFIX.search(word) or re.match(rf"\./|({folders})/", word):
+            yield word.removeprefix("./").rstrip("/.,;")
+    yield from re.findall(r"\b(?:docs|scripts)/[\w./-]*\w", text)
+
+
+def exported_names():
+    text = re.sub(r"/\*.*?\*/|^#.*?$", "", read(f"{ROOT}/include/tavu.h"), flags=re.S | re.M)
+    return {re.search(r"(\w+)\s*(\(|\[|$)", declaration).group(1)
+            for declaration in re.findall(r"TAVU_API\s([^;]*);", text)}
+
+
+def anchors(path):
+    headings = re.findall(r"^#+ (.*)$", read(path), flags=re.M)
+    return {re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-") for heading in headings}
+
+
+def count_kept_inputs():
+    count = 0
+    for path in glob.glob(f"{ROOT}/samples/fuzz/*.pack"):
+        with open(path, "rb") as file:
+            while size := file.read(2):
+                file.seek(int.from_bytes(size, "little"), os.SEEK_CUR)
+                count += 1
+    return count
+
+
+def count_cells():
+    lines = subprocess.run([sys.executable, f"{ROOT}/scripts/matrix", "?"], capture_output=True,
+                           text=True).stderr.splitlines()
+    return len(lines[-1].split("there are ")[1].split())
+
+
+def count_thread_programs():
+    replays = re.search(r"foreach\(target ([^)]*)\)[^)]*threads_", text_of("fuzz/CMakeLists.txt"))
+    return len(replays.group(1).split()) + len(glob.glob(f"{ROOT}/tests/threads/*_test.cpp"))
+
+
+COUNTS = {
+    r"(\d[\d,]*) exported names": lambda: len(exported_names()),
+    r"(\d[\d,]*) targets under AddressSanitizer": lambda: len(glob.glob(f"{ROOT}/samples/fuzz/*.pack")),
+    r"(\d[\d,]*) kept inputs": count_kept_inputs,
+    r"(\d[\d,]*) cells from": count_cells,
+    r"(\d[\d,]*) programs under ThreadSanitizer": count_thread_programs,
+    r"(\w+) programs in `examples/`": lambda: len(glob.glob(f"{ROOT}/examples/*.c")),
+    r"x86-64 at (\w+) levels": lambda: len(set(
+        re.findall(r"^ *tavu_level_objects\(\w+ (\d)", text_of("cmake/library.cmake"), flags=re.M))),
+    r"(\w+) pixel formats": lambda: len(re.findall(
+        r"^ *TAVU_IRSZ_\dB\w* = ", text_of("include/tavu.h"), flags=re.M)),
+}
 
 
 def programs():
@@ -50,8 +140,8 @@ def complete(source):
     return f"{includes}int main(void) {{\n{re.sub('^#include.*', '', source, flags=re.M)}return 0;\n}}\n"
 
 
-def run(command):
-    return subprocess.run(command, capture_output=True, text=True)
+def run(command, **options):
+    return subprocess.run(command, capture_output=True, text=True, **options)
 
 
 class Documents(unittest.TestCase):
@@ -64,11 +154,69 @@ class Documents(unittest.TestCase):
                     self.check(folder, complete(source), expected)
         self.assertGreaterEqual(count, 10)
 
-    def test_functions_of_the_manual_page_exist(self):
-        named = re.findall(r"^\.Fn (\w+)", read(MANUAL), flags=re.M)
-        self.assertGreater(len(named), 20)
-        header = set(re.findall(r"\w+", read(f"{ROOT}/include/tavu.h")))
-        self.assertEqual([name for name in named if name not in header], [])
+    def test_code_in_the_header(self):
+        for code in re.findall(r"@code.*?\n(.*?)@endcode", text_of("include/tavu.h"), flags=re.S):
+            inside = re.sub(r"^ *\* ?", "", code, flags=re.M)
+            source = f"#include <tavu.h>\n{GIVEN}void f(void);\nvoid f(void) {{\n{inside}}}\n"
+            result = run([*COMPILE, f"-I{ROOT}/include", "-fsyntax-only", "-xc", "-"], input=source)
+            self.assertEqual((result.returncode, result.stderr), (0, ""), source)
+
+    def assert_all(self, good, found):
+        """Of (page, name) pairs, good(page, name)."""
+        found = set(found)
+        self.assertTrue(found)
+        self.assertEqual(sorted(pair for pair in found if not good(*pair)), [])
+
+    def test_files_exist(self):
+        paths = tree()
+
+        def exists(_, name):
+            pattern = re.sub(r"(?<![A-Za-z])X(?![A-Za-z])", "*", name)  # a placeholder
+            return fnmatch.filter(paths, pattern) or fnmatch.filter(paths, f"*/{pattern}")
+        self.assert_all(exists, ((page, name) for page, text in
+                                 [*documents(), ("tavu.h", text_of("include/tavu.h"))]
+                                 for name in named_files(text)))
+
+    def test_links_lead_somewhere(self):
+        def leads_somewhere(page, link):
+            target, _, anchor = link.partition("#")
+            path = os.path.join(ROOT, os.path.dirname(page), target) if target else f"{ROOT}/{page}"
+            return os.path.exists(path) and (not anchor or anchor in anchors(path))
+        self.assert_all(leads_somewhere, ((page, link) for page, text in documents() for link in
+                                          re.findall(r"\]\(([^)\s]+)\)", text) if "://" not in link))
+
+    def test_names_exist(self):
+        functions = exported_names()
+        cmake = text_of("CMakeLists.txt", "*/CMakeLists.txt", "cmake/*.cmake")
+        known = set(re.findall(r"\w+", text_of("include/tavu.h") + cmake))
+        known |= set(re.findall(r"\bTAVU_\w+", text_of("src/**/*.h")))
+        self.assert_all(lambda _, name: name in functions, (
+            (page, "".join(name)) for page, text in documents() for name in
+            re.findall(r"\b((?:tavu|bilinear)_\w+)\(\)|^\.Fn (\w+)", text, flags=re.M)))
+        self.assert_all(lambda _, name: name in known or name.endswith("_") and any(
+            other.startswith(name) for other in known), (
+            (page, name) for page, text in documents() for name in
+            re.findall(r"\b(?:tavu|TAVU|bilinear)_\w+", text)))
+
+    def test_commands_exist(self):
+        for pattern, known in {
+                r"--preset[ =]([\w-]+)":
+                    re.findall(r'"name": "([\w-]+)"', text_of("CMakePresets.json")) + ["X"],
+                r"\bscripts/[\w-]+ [^`\n|#]*?(--[a-z-]+)":
+                    re.findall(r"--[a-z-]+", text_of("scripts/*")) + ["--csv", "--markdown"],
+                r"(?:ctest\b.* -R |--gtest_filter=)['^*]*(\w+)":
+                    text_of("tests/**/*.cpp", "tests/**/CMakeLists.txt", "fuzz/CMakeLists.txt"),
+        }.items():
+            self.assert_all(lambda _, name, known=known: name in known, (
+                (page, name) for page, text in documents() for name in re.findall(pattern, text)))
+
+    def test_numbers(self):
+        text = "\n".join(text for _, text in documents())
+        for pattern, count in COUNTS.items():
+            stated = [number.lower().replace(",", "") for number in re.findall(pattern, text)]
+            number = count()
+            spelt = {str(number), *NUMBERS[number - 1:number]}
+            self.assertTrue(stated and set(stated) <= spelt, f"{pattern}: {stated}, not {number}")
 
     def check(self, folder, source, expected):
         path, program = f"{folder}/program.c", f"{folder}/program"
