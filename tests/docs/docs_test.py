@@ -71,7 +71,7 @@ def named_files(text):
             continue
         if SUFFIX.search(word) or re.match(rf"\./|({folders})/", word):
             yield word.removeprefix("./").rstrip("/.,;")
-    yield from re.findall(r"\b(?:docs|scripts)/[\w./-]*\w", text)
+    yield from re.findall(r"(?<![\w/])(?:docs|scripts)/[\w./-]*\w", text)
 
 
 def exported_names():
