@@ -4,6 +4,7 @@
 #include <string>
 
 #include "bits.h"
+#include "bsr_model.h"
 #include "memory.h"
 #include "tavu.h"
 
@@ -167,18 +168,14 @@ TEST(Bsr, TruncatedUnary) {
 }
 
 TEST(Bsr, CustomRefillIsAskedForFourBytesOrWhatFits) {
-    static std::vector<int32_t> asked;
-    asked.clear();
-    tavu_bsr_t bs;
     const uint8_t data[] = {1, 2, 3, 4, 5, 6, 7, 8};
-    tavu_bsr_init(&bs, data, sizeof data, [](tavu_bsr_t *b, int32_t n) {
-        asked.push_back(n);
-        return tavu_bsr_flush(b, n);
-    });
+    ShortReader bs(data, sizeof data, {4, 4, 4, 4});
     EXPECT_EQ(tavu_bsr_read(&bs, 12), 0x010);
+    EXPECT_EQ(bs.asked, 4);
     EXPECT_EQ(tavu_bsr_peek(&bs, 24), 0x203040U);
     EXPECT_EQ(tavu_bsr_peek(&bs, 28), 0x2030405U);
-    EXPECT_EQ(asked, (std::vector<int32_t>{4, 1}));
+    EXPECT_EQ(bs.asked, 1);
+    EXPECT_EQ(bs.refills, 2U);
     EXPECT_EQ(bs.size, 8);
     EXPECT_EQ(bs.end, data + 7);
 
@@ -188,6 +185,179 @@ TEST(Bsr, CustomRefillIsAskedForFourBytesOrWhatFits) {
     EXPECT_EQ(bs.code, 0x06070800U);
     EXPECT_EQ(bs.leftbits, 24);
     EXPECT_EQ(tavu_bsr_flush(&bs, 4), -1);
+}
+
+// A peek also asks for the bytes that owed bits stand for: 8 after a code of zeros, and 4 more with
+// every 12 hostile bytes. A refill that loads 4 keeps the position.
+TEST(Bsr, HostileBytesRaiseWhatAPeekAsksForWithoutBound) {
+    for (int rounds = 0; rounds < 100; rounds++) {
+        Bytes data(static_cast<size_t>(12 * rounds) + 20);
+        for (int i = 1; i <= rounds; i++) data[static_cast<size_t>(12 * i)] = 0x80;
+        ShortReader bs(data.data(), static_cast<int32_t>(data.size()), {4, 4, 4, 4});
+        tavu_bsr_peek(&bs, 1);
+        tavu_bsr_read_ue(&bs);
+        for (int i = 0; i < rounds; i++) {
+            do tavu_bsr_read_ue(&bs);
+            while (bs.code != 0);
+            tavu_bsr_read_ue(&bs);
+        }
+        ASSERT_EQ(bs.asked, 4);
+        const auto position = (bs.cur - bs.beg) * 8 - bs.leftbits;
+        tavu_bsr_peek(&bs, 8);
+        ASSERT_EQ(bs.asked, 8 + 4 * rounds);
+        ASSERT_EQ((bs.cur - bs.beg) * 8 - bs.leftbits, position);
+    }
+}
+
+// A run of ones to the end of the first word leaves the first bit of the second one owed.
+TEST(Bsr, EachFunctionHasItsWayWithAnOwedBit) {
+    enum { READ1, PEEK, SKIP, SKIP_PEEK, UN, READ_ALIGN8, UE, SE, TU, TE, ALIGN8, READ };
+    struct {
+        uint32_t word;
+        int op, n, most;
+        uint32_t value;
+        int moved;  // bits of the second word that count as consumed
+    } const cases[] = {
+        {0x60000000, READ, 4, 0, 0xC, 5},           // the owed bit is above those asked for
+        {0xE0000000, READ, 4, 0, 0x1C, 5},          //
+        {0xE0000000, READ, 0, 0, 1, 1},             //
+        {0xE0000001, READ, 31, 0, 0xE0000001, 32},  //
+        {0xE0000001, READ, 32, 0, 0, 33},           // one bit more than a word is lost
+        {0xE0000000, READ1, 0, 0, 0, 2},            // without a look
+        {0x00000000, TE, 0, 1, 1, 2},
+        {0x60000000, SKIP, 0, 0, 0, 1},
+        {0x60000000, SKIP_PEEK, 3, 0, 6, 1},
+        {0x60000000, SKIP_PEEK, 3, 1, 4, 2},
+        {0xFFFFFFFF, PEEK, 8, 0, 0, 1},  // the word becomes zeros
+        {0xFFFFFFFF, ALIGN8, 0, 0, 0, 8},
+        {0xFFFFFFFF, READ_ALIGN8, 0, 0, 7 * 256, 8},
+        {0x20000000, UE, 0, 0, 1, 4},  // right if the owed bit and the next are 0
+        {0x10000000, SE, 0, 0, 2, 6},
+        {0x60000000, UE, 0, 0, 0, 1},            // the code is not consumed
+        {0xA0000000, UE, 0, 0, UINT32_MAX, 0},   // nothing is
+        {0xA0000000, SE, 0, 0, 0, 0},            //
+        {0xD0000000, UN, 0, 0, 1, 3},            // right if the owed bit is 1
+        {0x60000000, UN, 0, 0, UINT32_MAX, 1},   //
+        {0xD0000000, TU, 1, 0, 1, 3},            //
+        {0x60000000, TU, 1, 0, UINT32_MAX, 1},   //
+        {0xF8000000, TU, 1, 0, 2, 2},            // the owed bit is taken for one of `max`
+    };
+    for (const auto &c : cases) {
+        Bytes data(12, 0xFF);
+        for (size_t i = 0; i < 4; i++) data[4 + i] = static_cast<uint8_t>(c.word >> (24 - 8 * i));
+        Reader r(data);
+        tavu_bsr_read1(&r);
+        ASSERT_EQ(tavu_bsr_read_un(&r), 31);
+        ASSERT_EQ(r.leftbits, -1);
+        ReaderModel m{r.copy.data(), 12, nullptr};
+        m.left = -1;
+        m.loaded = 4;
+        EXPECT_EQ(operate(&m, c.op, c.n, c.most), c.value) << c.op << ' ' << c.n;
+        EXPECT_EQ(operate(&r, c.op, c.n, c.most), c.value) << c.op << ' ' << c.n;
+        EXPECT_EQ(r.position(), 32 + c.moved) << c.op << ' ' << c.n;
+    }
+}
+
+TEST(Bsr, AnyCallsOnAnyDataFollowTheRules) {
+    std::mt19937 random(1);
+    const auto below = [&](unsigned n) { return static_cast<int>(random() % n); };
+    int asked = 0;  // the most, by a call with no bits owed
+    for (int round = 0; round < 20000; round++) {
+        Bytes data(random() % 40);
+        for (uint8_t &byte : data) byte = static_cast<uint8_t>(random() % 3 - 1 + random() % 2 * 77);
+        Loads loads{4, 4, 4, 4};
+        if (round % 4 > 1) loads[random() % 4] = static_cast<uint8_t>(random() % 4);
+        const auto size = static_cast<int32_t>(data.size());
+        ShortReader r(data.data(), size, loads);
+        if (round % 2 != 0) tavu_bsr_init(&r, data.data(), size, nullptr);
+        ReaderModel m{data.data(), size, round % 2 == 0 ? &loads : nullptr};
+        for (int i = 0; i < 25; i++) {
+            const int op = below(READER_OPERATIONS), n = below(33), most = below(33);
+            const bool owes = m.left < 0;
+            m.asked = r.asked = 0;
+            ASSERT_TRUE(step(&r, &m, op, n, most)) << "round " << round << ", operation " << op;
+            ASSERT_TRUE(round % 2 != 0 || (r.asked == m.asked && r.refills == m.refills));
+            if (!owes) asked = std::max(asked, m.asked);
+        }
+    }
+    EXPECT_EQ(asked, 7);  // tavu_bsr_skip_peek() when one byte is left
+}
+
+// A refill that notes the end of the data, as the header describes it.
+struct Noting {
+    tavu_bsr_t bits;
+    bool ended;
+    static int32_t refill(tavu_bsr_t *bs, int32_t bytes) {
+        const int32_t status = tavu_bsr_flush(bs, bytes);
+        if (status != 0) reinterpret_cast<Noting *>(bs)->ended = true;
+        return status;
+    }
+    bool cut_short() const { return ended || bits.leftbits < 0; }
+};
+
+// Of one header: fields, and where each of them ends.
+struct Header {
+    enum Kind { BITS, BIT, SKIP, UE, SE, ALIGN, KINDS };
+    struct Field {
+        int kind, size;
+        size_t end;
+    };
+    explicit Header(std::mt19937 *random) {
+        for (auto n = (*random)() % 20 + 1; n > 0; n--) {
+            const int kind = static_cast<int>((*random)() % KINDS);
+            const int size = static_cast<int>((*random)() % 31) + 1;
+            // Many single bits in a row owe more than a code can be long.
+            for (auto i = kind == BIT && size > 24 ? 90 : 1; i > 0; i--) add(kind, size, random);
+        }
+    }
+    void add(int kind, int size, std::mt19937 *random) {
+        if (kind == UE || kind == SE) {
+            bits += exp_golomb(static_cast<uint32_t>((*random)() % 65535 >> (*random)() % 16));
+        } else if (kind == ALIGN) {
+            bits.resize((bits.size() + 7) / 8 * 8, '0');
+        } else {
+            for (int i = kind == BIT ? 1 : size; i > 0; i--) bits += (*random)() % 2 ? '1' : '0';
+        }
+        fields.push_back({kind, size, bits.size()});
+    }
+    std::vector<Field> fields;
+    std::string bits;
+};
+
+int32_t read_field(tavu_bsr_t *r, const Header::Field &field) {
+    switch (field.kind) {
+        case Header::BITS: return tavu_bsr_read(r, field.size);
+        case Header::BIT: return tavu_bsr_read1(r);
+        case Header::SKIP: return tavu_bsr_skip(r, field.size), 0;
+        case Header::UE: return tavu_bsr_read_ue(r);
+        case Header::SE: return tavu_bsr_read_se(r), 0;
+        default: return tavu_bsr_skip_align8(r), 0;
+    }
+}
+
+TEST(Bsr, ARefillThatNotesTheEndFindsEveryHeaderCutShortAndNoOther) {
+    std::mt19937 random(1);
+    for (int round = 0; round < 500; round++) {
+        const Header header(&random);
+        const Bytes whole = pack(header.bits);
+        for (size_t size = 0; size <= whole.size(); size++) {
+            const Reader cut(Bytes(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size)));
+            Noting r{};
+            tavu_bsr_init(&r.bits, cut.beg, cut.size, Noting::refill);
+            bool missed = false;  // by a caller who tests each result
+            for (const Header::Field &field : header.fields) {
+                const bool failed = read_field(&r.bits, field) < 0 || r.bits.leftbits < 0;
+                const bool shows = field.kind != Header::SKIP && field.kind != Header::SE;
+                if (field.end <= 8 * size) {
+                    ASSERT_FALSE(failed || r.cut_short());
+                } else if (shows && field.kind != Header::ALIGN && !missed) {
+                    ASSERT_TRUE(failed);
+                    missed = true;
+                }
+            }
+            ASSERT_EQ(r.cut_short(), header.bits.size() > 8 * size) << "round " << round;
+        }
+    }
 }
 
 TEST(Bsr, CountsLeadingZeros) {

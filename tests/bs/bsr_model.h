@@ -1,0 +1,194 @@
+// The bit reader's rules spelt out bit by bit, and a reader with a refill of its own. Fuzzing shares
+// them.
+#ifndef TAVU_TESTS_BSR_MODEL_H
+#define TAVU_TESTS_BSR_MODEL_H
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
+#include "tavu.h"
+
+// The bits of a cache word, first one first. A shift takes its count modulo 256, and 32 or more
+// leave nothing.
+struct CacheBits {
+    std::array<bool, 32> bits{};
+
+    // The first `n`: the word shifted right by 32 - n.
+    uint32_t top(int n) const {
+        uint32_t value = 0;
+        for (int i = 0; i < 32 - ((32 - n) & 0xFF); i++) value = value << 1 | (bits[i] ? 1 : 0);
+        return value;
+    }
+    void drop(int n) {
+        const auto old = bits;
+        for (int i = 0; i < 32; i++) bits[i] = i + (n & 0xFF) < 32 && old[i + (n & 0xFF)];
+    }
+    int run(bool value) const {
+        return static_cast<int>(std::find(bits.begin(), bits.end(), !value) - bits.begin());
+    }
+};
+
+// How many bytes each of four refills may load, in turn.
+using Loads = std::array<uint8_t, 4>;
+
+// A reader whose refill loads no more than `loads` says, and fails with a positive code.
+struct ShortReader : tavu_bsr_t {
+    ShortReader(const uint8_t *data, int32_t bytes, const Loads &most) : loads(most) {
+        tavu_bsr_init(this, data, bytes, refill);
+    }
+    static int32_t refill(tavu_bsr_t *bs, int32_t bytes) {
+        auto *self = static_cast<ShortReader *>(bs);
+        self->asked = bytes;
+        return -tavu_bsr_flush(bs, std::min<int32_t>(bytes, self->loads[self->refills++ % 4]));
+    }
+    Loads loads;
+    unsigned refills = 0;
+    int32_t asked = 0;  // bytes, by the last refill
+};
+
+struct ReaderModel {
+    const uint8_t *data;
+    int size;
+    const Loads *loads;  // null for the default refill
+    CacheBits cache{};
+    int left = 0, loaded = 0, asked = 0;  // bits in the cache; bytes loaded, and last asked for
+    unsigned refills = 0;
+
+    bool refill(int bytes) {
+        asked = bytes;
+        const int most = loads != nullptr ? (*loads)[refills++ % 4] : bytes;
+        const int n = std::min({bytes, most, size - loaded});
+        for (int i = 0; i < 32; i++) {
+            cache.bits[i] = i / 8 < n && (data[loaded + i / 8] >> (7 - i % 8) & 1) != 0;
+        }
+        left = 8 * n;
+        loaded += n;
+        return n > 0;
+    }
+    void drop(int n) {
+        cache.drop(n);
+        left -= n;
+    }
+    uint32_t take(int n) {
+        const uint32_t value = cache.top(n);
+        drop(n);
+        return value;
+    }
+    uint32_t read(int n) {
+        if (left >= n) return take(n);
+        const uint32_t high = cache.top(n);
+        const int missing = n - left;
+        return refill(4) ? high | take(missing) : UINT32_MAX;
+    }
+    uint32_t read1() { return left != 0 || refill(4) ? take(1) : UINT32_MAX; }
+    bool skip(int n) {
+        const int missing = n - left;
+        if (missing > 0 && !refill(4)) return false;
+        drop(missing > 0 ? missing : n);
+        return true;
+    }
+    void top_up() {
+        const CacheBits old = cache;
+        const int valid = left, free_bytes = (32 - left) >> 3;
+        if (free_bytes <= 0) return;
+        refill(free_bytes);
+        const uint32_t moved = cache.top(32 - valid);  // the word shifted right by `valid`
+        for (int i = 0; i < 32; i++) cache.bits[i] = old.bits[i] || (moved >> (31 - i) & 1) != 0;
+        left += valid;
+    }
+    uint32_t peek(int n) {
+        if (left < n) top_up();
+        const int missing = n - left, unread = (8 - missing) & 0xFF;
+        const bool borrows = missing > 0 && loaded < size && unread < 8;
+        return cache.top(n) | (borrows ? data[loaded] >> unread : 0);
+    }
+    uint32_t read_ue() {
+        int dropped = 0;
+        if (cache.top(32) == 0) {
+            dropped = left;
+            refill(4);
+        }
+        const int zeros = cache.run(false);
+        if (zeros + dropped != 0) return read(2 * zeros + 1 + dropped) - 1;
+        drop(1);
+        return 0;
+    }
+    uint32_t read_se() {
+        const uint32_t v = read_ue();
+        const auto half = static_cast<uint32_t>(static_cast<int32_t>(v + v % 2) >> 1);
+        return v % 2 != 0 ? half : 0 - half;
+    }
+    uint32_t read_te(int range) {
+        return range < 1 ? 0 : range > 1 ? read_ue() : 1 - read1();
+    }
+    // Of the valid bits and the one that follows them, is any a 0?
+    bool run_ends() const {
+        CacheBits inverted = cache;
+        for (bool &bit : inverted.bits) bit = !bit;
+        return left != 0 && inverted.top(left + 1) != 0;
+    }
+    uint32_t read_un() { return read_tu(INT32_MAX); }
+    uint32_t read_tu(int most) {
+        int dropped = 0;
+        if (most == 0) return 0;
+        if (!run_ends()) {
+            if (left >= most) return drop(most), static_cast<uint32_t>(most);
+            dropped = left;
+            refill(4);
+        }
+        const int ones = cache.run(true);
+        const bool more = most < ones + dropped;
+        drop(more ? most : ones + 1);
+        return static_cast<uint32_t>(more ? most : ones + dropped);
+    }
+};
+
+// The operations, by number; what a function returns by pointer counts as part of its result.
+constexpr int READER_OPERATIONS = 12;
+
+inline uint32_t operate(tavu_bsr_t *r, int op, int n, int most) {
+    int32_t result = 0, bits = 0;
+    switch (op) {
+        case 0: result = tavu_bsr_read1(r); break;
+        case 1: return tavu_bsr_peek(r, n);
+        case 2: tavu_bsr_skip(r, n); break;
+        case 3: return tavu_bsr_skip_peek(r, most, n);
+        case 4: result = tavu_bsr_read_un(r); break;
+        case 5: result = tavu_bsr_read_align8(r, &bits); break;
+        case 6: result = tavu_bsr_read_ue(r); break;
+        case 7: result = tavu_bsr_read_se(r); break;
+        case 8: result = tavu_bsr_read_tu(r, 2 * n); break;
+        case 9: result = tavu_bsr_read_te(r, most % 3); break;
+        case 10: tavu_bsr_skip_align8(r); break;
+        default: result = tavu_bsr_read(r, n);
+    }
+    return static_cast<uint32_t>(result + 256 * bits);
+}
+
+inline uint32_t operate(ReaderModel *m, int op, int n, int most) {
+    const int align = m->left & 7;
+    switch (op) {
+        case 0: return m->read1();
+        case 1: return m->peek(n);
+        case 2: return m->skip(n), 0;
+        case 3: return m->skip(most) ? m->peek(n) : 0;
+        case 4: return m->read_un();
+        case 5: return m->take(align) + 256 * static_cast<uint32_t>(align);
+        case 6: return m->read_ue();
+        case 7: return m->read_se();
+        case 8: return m->read_tu(2 * n);
+        case 9: return m->read_te(most % 3);
+        case 10: return m->drop(align), 0;
+        default: return m->read(n);
+    }
+}
+
+// Does the same to both: are the results and the records equal?
+inline bool step(tavu_bsr_t *r, ReaderModel *m, int op, int n, int most) {
+    const uint32_t got = operate(r, op, n, most), wanted = operate(m, op, n, most);
+    return got == wanted && r->leftbits == m->left && r->code == m->cache.top(32) &&
+           r->cur - r->beg == m->loaded;
+}
+
+#endif
