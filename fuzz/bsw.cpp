@@ -8,14 +8,6 @@ namespace {
 
 enum { FIXED, SINGLE, UE, SE, TE, SINGLES, SINK, DEINIT, KINDS };
 
-// Odd sizes spill by this; the writer does not look at the result.
-int32_t failing_spill(tavu_bsw_t *bs) {
-    for (int n = (39 - bs->leftbits) >> 3; n > 0; n--, bs->code <<= 8) {
-        *bs->cur++ = static_cast<uint8_t>(bs->code >> 24);
-    }
-    return -1;
-}
-
 int code_length(uint32_t value) {
     int length = 1;
     for (uint32_t x = value + 1; x > 1; x /= 2) length += 2;
@@ -109,6 +101,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const Block memory(static_cast<size_t>(room) + 500);
     Block wanted(memory.size());
     tavu_bsw_t w;
+    // Odd sizes do not use the default spill.
     tavu_bsw_init(&w, memory.data(), room, room % 2 != 0 ? failing_spill : nullptr);
     WriterModel m{room};
     const bool fits = write_all(&w, &m, in, memory.size());

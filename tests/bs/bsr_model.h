@@ -119,9 +119,7 @@ struct ReaderModel {
         const auto half = static_cast<uint32_t>(static_cast<int32_t>(v + v % 2) >> 1);
         return v % 2 != 0 ? half : 0 - half;
     }
-    uint32_t read_te(int range) {
-        return range < 1 ? 0 : range > 1 ? read_ue() : 1 - read1();
-    }
+    uint32_t read_te(int range) { return range < 1 ? 0 : range > 1 ? read_ue() : 1 - read1(); }
     // Of the valid bits and the one that follows them, is any a 0?
     bool run_ends() const {
         CacheBits inverted = cache;

@@ -233,14 +233,14 @@ TEST(Bsr, EachFunctionHasItsWayWithAnOwedBit) {
         {0xFFFFFFFF, READ_ALIGN8, 0, 0, 7 * 256, 8},
         {0x20000000, UE, 0, 0, 1, 4},  // right if the owed bit and the next are 0
         {0x10000000, SE, 0, 0, 2, 6},
-        {0x60000000, UE, 0, 0, 0, 1},            // the code is not consumed
-        {0xA0000000, UE, 0, 0, UINT32_MAX, 0},   // nothing is
-        {0xA0000000, SE, 0, 0, 0, 0},            //
-        {0xD0000000, UN, 0, 0, 1, 3},            // right if the owed bit is 1
-        {0x60000000, UN, 0, 0, UINT32_MAX, 1},   //
-        {0xD0000000, TU, 1, 0, 1, 3},            //
-        {0x60000000, TU, 1, 0, UINT32_MAX, 1},   //
-        {0xF8000000, TU, 1, 0, 2, 2},            // the owed bit is taken for one of `max`
+        {0x60000000, UE, 0, 0, 0, 1},           // the code is not consumed
+        {0xA0000000, UE, 0, 0, UINT32_MAX, 0},  // nothing is
+        {0xA0000000, SE, 0, 0, 0, 0},           //
+        {0xD0000000, UN, 0, 0, 1, 3},           // right if the owed bit is 1
+        {0x60000000, UN, 0, 0, UINT32_MAX, 1},  //
+        {0xD0000000, TU, 1, 0, 1, 3},           //
+        {0x60000000, TU, 1, 0, UINT32_MAX, 1},  //
+        {0xF8000000, TU, 1, 0, 2, 2},           // the owed bit is taken for one of `max`
     };
     for (const auto &c : cases) {
         Bytes data(12, 0xFF);
@@ -264,7 +264,8 @@ TEST(Bsr, AnyCallsOnAnyDataFollowTheRules) {
     int asked = 0;  // the most, by a call with no bits owed
     for (int round = 0; round < 20000; round++) {
         Bytes data(random() % 40);
-        for (uint8_t &byte : data) byte = static_cast<uint8_t>(random() % 3 - 1 + random() % 2 * 77);
+        for (uint8_t &byte : data)
+            byte = static_cast<uint8_t>(random() % 3 - 1 + random() % 2 * 77);
         Loads loads{4, 4, 4, 4};
         if (round % 4 > 1) loads[random() % 4] = static_cast<uint8_t>(random() % 4);
         const auto size = static_cast<int32_t>(data.size());

@@ -1,4 +1,4 @@
-// The bit writer's rules spelt out bit by bit. Fuzzing shares them.
+// The bit writer's rules spelt out bit by bit, and a spill function of its own. Fuzzing shares them.
 #ifndef TAVU_TESTS_BSW_MODEL_H
 #define TAVU_TESTS_BSW_MODEL_H
 
@@ -8,6 +8,14 @@
 
 #include "bsr_model.h"
 #include "tavu.h"
+
+// A spill function like the default one whose result must not matter.
+inline int32_t failing_spill(tavu_bsw_t *bs) {
+    for (int n = (39 - bs->leftbits) >> 3; n > 0; n--, bs->code <<= 8) {
+        *bs->cur++ = static_cast<uint8_t>(bs->code >> 24);
+    }
+    return -1;
+}
 
 struct WriterModel {
     int size;

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 
 #include "bits.h"
+#include "bsw_model.h"
 #include "memory.h"
 #include "tavu.h"
 
@@ -102,6 +104,57 @@ TEST(Bsw, SingleBitsMayWriteThreeBytesBeyondTheEnd) {
     EXPECT_EQ(w.leftbits, -1);
     EXPECT_EQ(tavu_bsw_write(&w, 1, 1), -1);
     EXPECT_EQ(w.code, 0xFFFFFFFEU);
+}
+
+// Nothing bounds what tavu_bsw_deinit() writes. Full caches without a refused bit reach 7 bytes past
+// the end; refused bits count as 1 byte for each 8.
+TEST(Bsw, DeinitWritesBeyondTheEnd) {
+    for (const int refused : {0, 1, 2, 8, 9, 17, 1000}) {
+        Writer w(1, 7 + 125 + 1);
+        for (int i = 0; i < 63; i++) ASSERT_EQ(tavu_bsw_write1(&w, 1), 0);
+        for (int i = 0; i < refused; i++) ASSERT_EQ(tavu_bsw_write1(&w, 1), i == 0 ? -1 : 0);
+        if (refused > 0) {
+            ASSERT_EQ(tavu_bsw_sink(&w), -1);
+        }
+        ASSERT_EQ(tavu_bsw_deinit(&w), 0);
+        Bytes wanted(w.memory.bytes().size(), GuardedBytes::CANARY);
+        const int written = 8 + (std::max(refused, 1) + 6) / 8;
+        std::fill_n(wanted.begin(), written, uint8_t{0});
+        std::fill_n(wanted.begin(), 8, uint8_t{0xFF});
+        if (refused == 0) wanted[7] = 0xFE;
+        EXPECT_EQ(w.memory.bytes(), wanted) << refused;
+        EXPECT_EQ(w.cur - w.beg, written);
+    }
+}
+
+TEST(Bsw, AnyCallsOnAnySizeFollowTheRules) {
+    std::mt19937 random(1);
+    for (int round = 0; round < 5000; round++) {
+        Writer w(random() % 20, 200);
+        if (round % 2 != 0) w.flush = failing_spill;
+        WriterModel m{w.size};
+        for (int i = 0; i < 30; i++) {
+            const auto value = static_cast<uint32_t>(random());
+            const int length = static_cast<int>(random() % 33);
+            int got = 0, wanted = 0;
+            switch (random() % 8) {
+                case 0: got = tavu_bsw_sink(&w), wanted = m.sink(); break;
+                case 1:
+                case 2:
+                    for (int n = 0; n < length; n++) {
+                        got += tavu_bsw_write1(&w, static_cast<int32_t>(value >> n));
+                        wanted += m.write1(static_cast<int>(value >> n & 1));
+                    }
+                    break;
+                default: got = tavu_bsw_write(&w, value, length), wanted = m.write(value, length);
+            }
+            ASSERT_TRUE(got == wanted && m.equals(w)) << "round " << round;
+        }
+        tavu_bsw_deinit(&w);
+        m.spill();
+        m.written.resize(w.memory.bytes().size(), GuardedBytes::CANARY);
+        ASSERT_EQ(w.memory.bytes(), m.written) << "round " << round;
+    }
 }
 
 TEST(Bsw, SpillsThroughTheGivenFunction) {
