@@ -18,10 +18,11 @@ TEST_F(Buffers, AudioIsOneBlockOrOneForEachChannel) {
     } const cases[] = {{1, 2, 16, 1, 400}, {99, 9, 12, 1, 1800}, {50, 0, 8, 1, 0},
                        {0, 2, 12, 2, 200}, {100, 8, 8, 8, 100},  {-1, 1, 1, 1, 100},
                        {0, 0, 24, 0, 0},   {7, 1, 24, 1, 300},   {0, 3, 0, 3, 0}};
-    memory.second = 0x40;
+    memory.step = 0x100;
     for (const auto &c : cases) {
         SCOPED_TRACE(c.format);
         memory.allocated = memory.freed = 0;
+        memory.second = 0x40;
         tavu_audb_t *audio =
             tavu_audb_create(100, c.channels, c.bits, 77, c.format, 5, allocate, release, nullptr);
         ASSERT_NE(audio, nullptr);
@@ -32,7 +33,7 @@ TEST_F(Buffers, AudioIsOneBlockOrOneForEachChannel) {
             EXPECT_EQ(audio->samples[i], used ? 100 : 0);
             EXPECT_EQ(audio->bytes[i], used ? c.bytes : 0);
             EXPECT_EQ(audio->addr[i] != nullptr, used);
-            EXPECT_EQ(audio->paddr[i], used ? 0x40U : 0U);
+            EXPECT_EQ(audio->paddr[i], used ? 0x40U + 0x100U * static_cast<uint32_t>(i) : 0U);
         }
         EXPECT_EQ(audio->channels, c.channels);
         EXPECT_EQ(audio->bits, c.bits);
@@ -40,8 +41,7 @@ TEST_F(Buffers, AudioIsOneBlockOrOneForEachChannel) {
         EXPECT_EQ(audio->format, c.format);
         EXPECT_EQ(audio->release(audio), 0);
         EXPECT_EQ(memory.freed, c.blocks);
-        EXPECT_EQ(memory.freed_second, c.blocks > 0 ? 0x40U : 0U);
-        memory.freed_second = 0;
+        EXPECT_EQ(memory.mismatched, 0);
     }
     tavu_audb_t *aligned = tavu_audb_create(3, 2, 8, 0, 0, 0, nullptr, nullptr, nullptr);
     EXPECT_EQ(reinterpret_cast<uintptr_t>(aligned->addr[1]) % 32, 0U);

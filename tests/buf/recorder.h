@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <map>
 
 #include "memory.h"
 #include "tavu.h"
@@ -11,8 +12,10 @@
 struct Recorder {
     int allocated, freed;
     int32_t size;
-    uint32_t second, freed_second;
+    uint32_t second, step, freed_second;  // `step` from one second address to the next
     bool fail;
+    std::map<void *, uint32_t> seconds;  // of the payloads
+    int mismatched;                      // frees with another second address than was given
 };
 inline Recorder memory;
 
@@ -22,7 +25,9 @@ inline void *allocate(int32_t size, uint32_t *second) {
     memory.size = size;
     if (memory.fail) return nullptr;
     *second = memory.second;
+    memory.second += memory.step;
     void *payload = malloc(static_cast<size_t>(size) + 1);
+    memory.seconds[payload] = *second;
     if (payload != nullptr) memset(payload, 0xFF, static_cast<size_t>(size));
     return payload;
 }
@@ -30,6 +35,7 @@ inline void *allocate(int32_t size, uint32_t *second) {
 inline void release(void *payload, uint32_t second) {
     memory.freed++;
     memory.freed_second = second;
+    memory.mismatched += second != memory.seconds[payload] ? 1 : 0;
     free(payload);
 }
 

@@ -60,21 +60,42 @@ TEST(Md5, EveryLengthUpTo300InPiecesOfAnySizeAndAlignment) {
     }
 }
 
+// The padding, added by hand, must give the same: the length is that of all bytes, in two words.
 TEST(Md5, CountsBitsInTwoWordsAndForgetsEverythingAtTheEnd) {
     tavu_md5_t context;
     tavu_md5_init(&context);
     context.bits[0] = 0xFFFFFE00;
+    context.bits[1] = 0x12345677;
     const Bytes block(64, 0);
     tavu_md5_update(&context, block.data(), 64);
-    EXPECT_EQ(context.bits[0], 0U);
-    EXPECT_EQ(context.bits[1], 1U);
     tavu_md5_update(&context, nullptr, 0);
     tavu_md5_update(&context, block.data(), 3);
     EXPECT_EQ(context.bits[0], 24U);
+    EXPECT_EQ(context.bits[1], 0x12345678U);
+    Bytes padding(61, 0);
+    padding[0] = 0x80;
+    const uint8_t length[8] = {24, 0, 0, 0, 0x78, 0x56, 0x34, 0x12};
+    std::copy_n(length, 8, &padding[53]);
+    tavu_md5_t padded = context;
+    tavu_md5_update(&padded, padding.data(), 61);
     uint8_t digest[16];
     tavu_md5_finish(&context, digest);
+    for (int i = 0; i < 16; i++) EXPECT_EQ(digest[i], padded.state[i / 4] >> i % 4 * 8 & 0xFF);
     const tavu_md5_t zero{};
     EXPECT_EQ(memcmp(&context, &zero, sizeof zero), 0);
+}
+
+// 2^29 bytes in one call have 2^32 bits. The memory is one page that is never written.
+TEST(Md5, OneCallMayAddMoreBitsThanAWordCounts) {
+    constexpr size_t SIZE = size_t{1} << 29;
+    void *zeros = mmap(nullptr, SIZE, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(zeros, MAP_FAILED);
+    tavu_md5_t context;
+    tavu_md5_init(&context);
+    tavu_md5_update(&context, zeros, SIZE);
+    munmap(zeros, SIZE);
+    EXPECT_EQ(context.bits[0], 0U);
+    EXPECT_EQ(context.bits[1], 1U);
 }
 
 // An image buffer whose whole payload is filled, padding too.
@@ -122,6 +143,25 @@ TEST(Md5Imgb, RegionOfInterestStartsLowerAndShortensRows) {
     p.image->x = 3;
     p.image->y = 5;
     EXPECT_EQ(p.digest(), md5(p.region(0, 5, 3, 6) + p.region(1, 2, 2, 3) + p.region(2, 2, 2, 3)));
+}
+
+TEST(Md5Imgb, NegativeOriginsReachIntoThePadding) {
+    const uint32_t pad[] = {4 << 16 | 4, 4 << 16 | 4, 4 << 16 | 4};
+    const Picture p(5, 7, 11, pad);
+    p.image->x = -3;
+    p.image->y = -3;  // half of it, rounded down, is -2
+    EXPECT_EQ(p.digest(),
+              md5(p.region(0, -3, 10, 8) + p.region(1, -2, 6, 4) + p.region(2, -2, 6, 4)));
+}
+
+// The largest height has no successor in 32 bits. All rows are the same one.
+TEST(Md5Imgb, LargestHeight) {
+    const Picture p(5, 4, 11);
+    for (int32_t &stride : p.image->stride) stride = 0;
+    p.image->h = INT32_MAX;
+    p.image->y = INT32_MAX - 2;
+    EXPECT_EQ(p.digest(), md5(p.region(0, 0, 2, 5) + p.region(1, 0, 1, 3) + p.region(1, 0, 1, 3) +
+                              p.region(2, 0, 1, 3) + p.region(2, 0, 1, 3)));
 }
 
 TEST(Md5Imgb, RefusesPackedPictures) {
