@@ -2,20 +2,21 @@
  * @file tavu.h
  * libtavu: building blocks for codecs and players.
  *
- * The library keeps no state, starts no threads and needs only the C library. Failures are told by
- * return values; nothing is printed and the process is never aborted.
+ * The library starts no threads and needs only the C library. Its only state is the buffer that
+ * tavu_version() returns. Failures are reported by return values; nothing is printed, and the
+ * process is never aborted (only a target size of 0 raises SIGFPE, where stated).
  *
- * What holds unless a function or its section says otherwise:
+ * Unless a function or its section says otherwise:
  *
- * - Threads: a function may be called from any number of threads at once, as long as no two of them
- *   work on the same object or write the same memory.
- * - Units: sizes and strides are bytes, widths and heights pixels, unless the text says samples,
- *   pixels or bits. A stride is the distance between the starts of two rows.
- * - Memory needs no alignment, and nothing is read or written outside what the arguments describe.
- * - Pointers are not null. Where null is allowed, or is told by an error, the function says so.
- * - "Unchecked": no argument is tested at all. Pixel kernels and the bit reader and writer trust
- *   their caller and state what they demand.
- * - Null means a null pointer; a failure code is negative.
+ * - Threads: any number of threads may call a function at once, as long as no two of them use the
+ *   same object or write the same memory.
+ * - Units: sizes and strides are in bytes, widths and heights in pixels, unless the text says
+ *   samples, pixels or bits. A stride is the distance between the starts of two rows.
+ * - Memory needs no alignment, and nothing outside what the arguments describe is read or written.
+ * - Pointers must not be null. A function that accepts null, or reports it as an error, says so.
+ * - "Unchecked" means that no argument is tested. Pixel kernels and the bit reader and writer trust
+ *   their caller and state their requirements.
+ * - "Null" means a null pointer. Failure codes are negative.
  */
 #ifndef TAVU_H
 #define TAVU_H
@@ -39,8 +40,8 @@ extern "C" {
  * @defgroup core Core
  * Status codes, aligned memory, version, integer logarithms, atomic counters, fills and copies.
  *
- * Threads: all of it is reentrant but tavu_version(). The atomic counters and the wait and wake
- * pair are made for words that threads share.
+ * Threads: every function is reentrant except tavu_version(). The atomic counters and the wait and
+ * wake pair are made for words that threads share.
  * @{
  */
 
@@ -57,14 +58,14 @@ extern "C" {
 #define TAVU_VERSION_PATCH 0 /**< see #TAVU_VERSION_MAJOR */
 
 /**
- * Status codes: 0 is success, every failure is negative. Creators store theirs through a pointer
- * that may be null; other functions return it.
+ * Status codes: 0 is success, every failure is negative. Creators store the code through a pointer,
+ * which may be null; other functions return it.
  */
 enum {
     TAVU_OK = 0, /**< success */
     /** Generic failure. */
     TAVU_ERR = -1,
-    /** No memory for an object record; or an image payload too small for a rebirth. */
+    /** No memory for an object record, or an image payload too small for tavu_imgb_rebirth(). */
     TAVU_ERR_OUT_OF_MEMORY = -102,
     /** The operation does not exist for this object's format. */
     TAVU_ERR_UNSUPPORTED = -103,
@@ -81,18 +82,18 @@ enum {
 /**
  * Allocates memory aligned to 32 bytes.
  * @param size bytes; 0 is allowed and gives a pointer that must be freed
- * @return the block, or null when memory is short or `size` leaves no room for the header.
- *         Give it back with tavu_mfree_align32() or tavu_mfree_fast_align32(), never with free().
+ * @return the block, or null if memory is short or `size` plus the header exceeds 32 bits. Free it
+ *         with tavu_mfree_align32() or tavu_mfree_fast_align32(), never with free().
  */
 TAVU_API void *tavu_malloc_align32(uint32_t size);
 
 /**
  * Frees a block of either aligned allocator; null is ignored. Unchecked: a pointer from anywhere
- * else, malloc() included, corrupts the heap.
+ * else, including malloc(), corrupts the heap.
  */
 TAVU_API void tavu_mfree_align32(void *block);
 
-/** The same as tavu_malloc_align32(); blocks of the two are interchangeable. */
+/** The same as tavu_malloc_align32(); their blocks are interchangeable. */
 TAVU_API void *tavu_malloc_fast_align32(uint32_t size);
 
 /** The same as tavu_mfree_align32(). */
@@ -100,7 +101,7 @@ TAVU_API void tavu_mfree_fast_align32(void *block);
 
 /**
  * The build stamp "Dec 27 2013 13:23:55" followed by a line feed, 21 bytes and a zero byte.
- * @return a static buffer of the library that each call writes again: not thread-safe
+ * @return a static buffer that every call overwrites with the same bytes: not thread-safe
  */
 TAVU_API const char *tavu_version(void);
 
@@ -111,8 +112,8 @@ TAVU_API int32_t tavu_floor_log2(uint32_t value);
 TAVU_API int32_t tavu_ceil_log2(uint32_t value);
 
 /**
- * Adds 1 to a word atomically (relaxed: no ordering of other accesses); wraps at INT32_MAX.
- * Unchecked; safe from any number of threads on the same word, also beside tavu_atomic_dec().
+ * Adds 1 to a word atomically (relaxed: other accesses are not ordered); wraps at INT32_MAX.
+ * Unchecked. Any number of threads may call this and tavu_atomic_dec() on the same word.
  * @param word aligned to 4 bytes
  * @return the value after the addition
  */
@@ -126,14 +127,14 @@ TAVU_API int32_t tavu_atomic_dec(int32_t *word);
 
 /**
  * Waits until a word shared with another thread equals `value`; never times out. On ARM the core
- * sleeps between events, elsewhere it spins politely.
+ * sleeps between events; elsewhere it spins with pause instructions.
  *
- * No acquire barrier follows the final load: a caller that goes on to read data published by the
- * waker issues its own. Unchecked.
+ * No acquire barrier follows the final load: a caller that then reads data published by the waker
+ * must issue one. Unchecked.
  * @param word aligned to 4 bytes; any number of threads may wait on it
- * @param value what to wait for
- * @return 0 when the word equals `value`; #TAVU_ERR as soon as the word holds -1, the agreed sign
- *         to give up, even when -1 is the value waited for
+ * @param value the value to wait for
+ * @return 0 when the word equals `value`; #TAVU_ERR as soon as the word holds -1, the agreed signal
+ *         to give up, even if `value` is -1
  */
 TAVU_API int32_t tavu_sync_wait(int32_t *word, int32_t value);
 
@@ -141,29 +142,29 @@ TAVU_API int32_t tavu_sync_wait(int32_t *word, int32_t value);
  * Stores `value` into a word and wakes every waiter. All earlier writes of the caller are visible
  * before the word changes. Unchecked.
  * @param word aligned to 4 bytes
- * @param value what to store; -1 makes all waiters give up
+ * @param value the value to store; -1 makes all waiters give up
  * @return 0
  */
 TAVU_API int32_t tavu_sync_wake(int32_t *word, int32_t value);
 
 /**
  * @name Fills and block copies
- * For pixel memory. Unchecked; sizes, widths and strides are bytes. Each has a granularity of its
- * own and deals with the remainder in its own way, on which callers rely. Sizes below the first
- * block write nothing, unless said otherwise. Source and target must not overlap.
+ * For pixel memory. Unchecked; sizes, widths and strides are in bytes. Each routine has its own
+ * granularity and its own treatment of the remainder, which callers rely on. Sizes below the first
+ * block write nothing unless stated otherwise. Source and target must not overlap.
  * @{
  */
 
 /**
  * Fills with a 32-bit value in blocks of 128 bytes, at least one: writes `size` rounded up to a
- * multiple of 128 bytes, and 128 for a size below 1. Up to 127 bytes behind `size` must be
- * writable.
+ * multiple of 128 bytes, and 128 bytes for a size below 1. The bytes after `size` up to that
+ * multiple must be writable.
  */
 TAVU_API void tavu_mset_x128(void *dst, uint32_t value, int32_t size);
 
 /**
- * Fills with a byte in whole blocks of 128, despite its name; the last `size` % 128 bytes stay as
- * they are.
+ * Fills with a byte in whole blocks of 128, despite its name; the last `size` % 128 bytes are left
+ * unchanged.
  */
 TAVU_API void tavu_mset_x64(void *dst, uint8_t value, int32_t size);
 
@@ -171,7 +172,7 @@ TAVU_API void tavu_mset_x64(void *dst, uint8_t value, int32_t size);
 TAVU_API void tavu_mset_x64a(void *dst, int32_t value, int32_t size);
 
 /**
- * Fills with a 32-bit value in whole blocks of 32; the last `size` % 32 bytes stay as they are.
+ * Fills with a 32-bit value in whole blocks of 32; the last `size` % 32 bytes are left unchanged.
  * @param dst aligned to 4 bytes
  */
 TAVU_API void tavu_mset_x32(void *dst, uint32_t value, int32_t size);
@@ -185,14 +186,14 @@ TAVU_API void tavu_mset_x32ax4(void *dst, uint32_t value, int32_t size);
 /**
  * Zeroes 32-bit words.
  * @param dst aligned to 4 bytes
- * @param words a positive multiple of 64; of other counts only whole blocks of 64 are zeroed
+ * @param words a positive multiple of 64; for other counts only whole blocks of 64 are zeroed
  */
 TAVU_API void tavu_mclr_x64(void *dst, int32_t words);
 
 /**
- * Copies rows. When `width` equals both strides the rows are copied as one run of `width` *
- * `height` bytes: its whole blocks of 64 and only the first byte of what remains.
- * @param width bytes of a row, at least 64; of one run the total is at least 64
+ * Copies rows. If `width` equals both strides, the rows are copied as one run of `width` * `height`
+ * bytes: its whole blocks of 64 and only the first byte of the remainder.
+ * @param width bytes per row, at least 64; for a single run the total must be at least 64
  * @param height rows; below 1 copies nothing
  */
 TAVU_API void tavu_mcpy_pic(void *dst, const void *src, int32_t dst_stride, int32_t src_stride,
@@ -200,8 +201,8 @@ TAVU_API void tavu_mcpy_pic(void *dst, const void *src, int32_t dst_stride, int3
 
 /**
  * Copies a block of rows.
- * @param width 2, 4, 6, 8, 12, 16 or 24 bytes; every other width, 32 and 48 too, copies nothing
- * @param height rows, a multiple of 2, of 4 for widths of 16 and 24
+ * @param width 2, 4, 6, 8, 12, 16 or 24 bytes; any other width, including 32 and 48, copies nothing
+ * @param height rows, a multiple of 2; for widths of 16 and 24 a multiple of 4
  */
 TAVU_API void tavu_mcpy_blk(void *dst, const void *src, int32_t dst_stride, int32_t src_stride,
                             int32_t width, int32_t height);
@@ -214,17 +215,19 @@ TAVU_API void tavu_mcpy_blk(void *dst, const void *src, int32_t dst_stride, int3
 
 /**
  * @defgroup imgb Image buffer
- * The library's picture: planes, their strides and their memory, counted by references.
+ * The library's picture: planes, their strides and their memory, with a reference count.
  *
- * Threads: only the count is atomic. Several threads may read a picture and add or drop references;
- * tavu_imgb_rebirth(), tavu_imgb_option(), tavu_imgb_expand() and writers need it for themselves.
+ * Threads: only the count is atomic. Several threads may read a picture and add or drop references.
+ * Writers, tavu_imgb_rebirth(), tavu_imgb_option() and tavu_imgb_expand() need exclusive use of it.
+ * The last `release` frees the picture after all accesses that other owners made before theirs;
+ * `addref` and `getref` order no other access.
  * @{
  */
 
 /**
- * Colour-space codes. An image buffer takes 10, 11, 12, 13, 18, 43 (planar, 8 bits a sample) and
- * the packed families 100..299 (2 bytes a pixel), 300..399 (4 bytes), 400..499 (3 bytes) and
- * 500..599 (4 bytes); the codes from 600 on exist for conversions only.
+ * Colour-space codes. An image buffer takes 10, 11, 12, 13, 18, 43 (planar, 8 bits per sample) and
+ * the packed families 100..299 (2 bytes per pixel), 300..399 (4 bytes), 400..499 (3 bytes) and
+ * 500..599 (4 bytes). The codes from 600 on are for conversions only.
  *
  * Bytes of a packed pixel are named in memory order. A 5-6-5 unit is 16 bits, little-endian, with
  * the first colour in bits 15..11.
@@ -235,7 +238,7 @@ enum {
     TAVU_CS_YUV422 = 12,    /**< chroma of half width, rounded up */
     TAVU_CS_YUV444 = 13,    /**< Y, U, V planes of full size */
     TAVU_CS_YUV440 = 18,    /**< chroma of half height, rounded up */
-    TAVU_CS_YUV444A8 = 43,  /**< the same as 13 and an alpha plane of full size */
+    TAVU_CS_YUV444A8 = 43,  /**< the same as 13, plus an alpha plane of full size */
     TAVU_CS_RGB565 = 200,   /**< 5-6-5 units */
     TAVU_CS_RGB888 = 400,   /**< R, G, B */
     TAVU_CS_BGR888 = 401,   /**< B, G, R */
@@ -247,41 +250,41 @@ enum {
     TAVU_CS_R8G8B8A8 = 700  /**< four planes R, G, B, A */
 };
 
-/** Clearing options of image buffers, to be or-ed. */
+/** Clearing options of image buffers; combine them with |. */
 enum {
-    TAVU_IMGB_OPT_CLEAR_ALIGN = 1, /**< zero what alignment adds beyond the visible picture */
+    TAVU_IMGB_OPT_CLEAR_ALIGN = 1, /**< zero the columns and rows that alignment adds */
     TAVU_IMGB_OPT_CLEAR_PAD = 2    /**< zero the padding */
 };
 
 /**
  * Payload allocator of a buffer object, called at creation only.
- * @param size bytes wanted; may be 0
- * @param second where to store the payload's address in a second address space, for example a
- *        device's. It holds 0, which means none
- * @return the payload, of any alignment, or null, which makes the creation fail
+ * @param size bytes to allocate; may be 0
+ * @param second where to store the payload's address in a second address space, for example that of
+ *        a device. It holds 0, which means none
+ * @return the payload, with any alignment, or null to make the creation fail
  */
 typedef void *(*tavu_imgb_alloc_fn)(int32_t size, uint32_t *second);
 
 /**
- * Frees what the matching tavu_imgb_alloc_fn returned, given both of its addresses. Called by the
+ * Frees a payload of the matching tavu_imgb_alloc_fn; gets both of its addresses. Called on the
  * thread that drops the last reference.
  */
 typedef void (*tavu_imgb_free_fn)(void *payload, uint32_t second);
 
 /**
  * A reference-counted picture: up to four planes in one payload. Planes that `cs` does not have
- * are zero in every array. Callers may write `x` and `y`; all else is read-only for them.
+ * are zero in every array. Callers may write `x` and `y`; all other fields are read-only for them.
  */
 typedef struct tavu_imgb_t tavu_imgb_t;
 struct tavu_imgb_t {
-    int32_t refcnt;                    /**< reference count; changed by the methods only */
+    int32_t refcnt;                    /**< reference count; only the methods change it */
     int32_t (*addref)(tavu_imgb_t *);  /**< adds a reference; returns the new count */
     int32_t (*getref)(tavu_imgb_t *);  /**< returns the count */
     int32_t (*release)(tavu_imgb_t *); /**< drops a reference; at 0 frees payload and record */
     int32_t w,                         /**< visible width in pixels */
         h;                             /**< visible height in pixels */
     int32_t x,                    /**< left column of the region of interest, see tavu_md5_imgb() */
-        y;                        /**< upper row of the region of interest */
+        y;                        /**< top row of the region of interest */
     int32_t cs;                   /**< colour-space code */
     int32_t stride[4];            /**< bytes per row, alignment and both paddings included */
     int32_t rows[4];              /**< rows, alignment and both paddings included */
@@ -299,15 +302,15 @@ struct tavu_imgb_t {
 };
 
 /**
- * Creates an image buffer with reference count 1. Give it back with its `release` method; all three
+ * Creates an image buffer with reference count 1. Free it with its `release` method; all three
  * methods return #TAVU_ERR_INVALID_ARGUMENT for null.
  *
- * Planes lie back to back in one payload. Each is its visible size, rounded up to the alignment,
- * with the padding around it. The default payload is aligned to 32 bytes and not initialised. A
- * stride is (aligned width + 2 * padding) * bytes per pixel; rows are aligned to 32 bytes only if
- * `align` and `pad` make the stride a multiple of 32.
+ * The planes are stored back to back in one payload. A plane has its visible size, rounded up to
+ * the alignment, and padding on all sides. The default payload is aligned to 32 bytes and not
+ * initialised. A stride is (aligned width + 2 * padding) * bytes per pixel; rows are aligned to 32
+ * bytes only if `align` and `pad` make the stride a multiple of 32.
  *
- * The second addresses of later planes advance from that of the payload even when it is 0: with the
+ * The second addresses of later planes advance from that of the payload even if it is 0: with the
  * default allocator `pbase[p]` is the plane's byte offset in the payload.
  *
  * @param w,h visible size in pixels; 0 is allowed
@@ -317,8 +320,8 @@ struct tavu_imgb_t {
  *        rows, each a power of two, at least 1
  * @param pad null, or one entry per plane: pixels added on the left and on the right << 16 | rows
  *        added above and below
- * @param mem_alloc,mem_free payload callbacks. Without an allocator the default pair is used,
- *        whatever `mem_free` is
+ * @param mem_alloc,mem_free payload callbacks. If the allocator is null, the default pair is used
+ *        and `mem_free` is ignored
  * @param status null, or where to store #TAVU_OK, #TAVU_ERR_INVALID_ARGUMENT (an allocator without
  *        a free function, a negative size, an alignment that is no power of two, or a picture
  *        whose rows or payload exceed INT32_MAX bytes), #TAVU_ERR_OUT_OF_MEMORY,
@@ -331,25 +334,26 @@ TAVU_API tavu_imgb_t *tavu_imgb_create(int32_t w, int32_t h, int32_t cs, int32_t
                                        int32_t *status);
 
 /**
- * Lays an existing buffer out anew over its payload, which is never allocated again. Needs
- * exclusive use of the buffer. `x` and `y` become 0; `size`, callbacks and count stay. The
+ * Changes the layout of a buffer within its payload, which is never reallocated. Needs exclusive
+ * use of the buffer. `x` and `y` become 0; `size`, the callbacks and the count are kept. The
  * arguments are those of tavu_imgb_create().
- * @return #TAVU_OK; #TAVU_ERR_OUT_OF_MEMORY when the payload is too small;
- *         #TAVU_ERR_INVALID_ARGUMENT for a null buffer, else for the reasons of tavu_imgb_create();
+ * @return #TAVU_OK; #TAVU_ERR_OUT_OF_MEMORY if the payload is too small; #TAVU_ERR_INVALID_ARGUMENT
+ *         for a null buffer and for the reasons given at tavu_imgb_create();
  *         #TAVU_ERR_UNSUPPORTED_CS. On failure the buffer is unchanged.
  */
 TAVU_API int32_t tavu_imgb_rebirth(tavu_imgb_t *imgb, int32_t w, int32_t h, int32_t cs, int32_t opt,
                                    const uint32_t *align, const uint32_t *pad);
 
 /**
- * Applies clearing options to a laid-out buffer; creation and rebirth call it when `opt` is not 0.
+ * Applies clearing options to a laid-out buffer. tavu_imgb_create() and tavu_imgb_rebirth() do the
+ * same if `opt` is not 0.
  *
- * #TAVU_IMGB_OPT_CLEAR_ALIGN zeroes what follows the visible pixels of each row up to the aligned
- * width, then the first `aw[p]` *bytes* of each row between `h[p]` and `ah[p]`, whatever the size
- * of a pixel. #TAVU_IMGB_OPT_CLEAR_PAD zeroes the padding rows, then `pad[p] >> 16` *bytes* at the
- * start of each other row and as many from byte `(pad[p] >> 16) + aw[p]` on.
+ * #TAVU_IMGB_OPT_CLEAR_ALIGN zeroes the bytes after the visible pixels of each row, up to the
+ * aligned width, then the first `aw[p]` *bytes* of each row between `h[p]` and `ah[p]`, whatever
+ * the size of a pixel. #TAVU_IMGB_OPT_CLEAR_PAD zeroes the padding rows, then `pad[p] >> 16`
+ * *bytes* at the start of every other row and as many from byte `(pad[p] >> 16) + aw[p]` on.
  *
- * The arrays are trusted; only the buffer is tested.
+ * Only the buffer is checked; the arrays are trusted.
  *
  * @param planes number of planes; all arrays have one entry per plane
  * @param w,h visible plane size in pixels
@@ -365,31 +369,31 @@ TAVU_API int32_t tavu_imgb_option(tavu_imgb_t *imgb, int32_t opt, int32_t planes
 /**
  * Fills the padding of a planar 8-bit picture by repeating its edges, corners included.
  *
- * The edges are those of the *aligned* picture, `aw` x `ah`: what alignment adds beyond the visible
- * pixels is repeated, not replaced. Planes 1 and 2 are taken as half as wide and high (rounded up)
- * whatever the layout: of codes 12, 13 and 18 they are larger, and the strips are written inside.
- * If a picture of code 11 is aligned, give planes 1 and 2 half the alignment of plane 0.
+ * The edges are those of the *aligned* picture, `aw` x `ah`: pixels that alignment adds are
+ * repeated, not replaced. Planes 1 and 2 are treated as half as wide and high (rounded up) in every
+ * layout; for codes 12, 13 and 18 they are larger, and the strips are written inside them. If a
+ * picture of code 11 is aligned, give planes 1 and 2 half the alignment of plane 0.
  *
  * @param pad one entry per plane, as given at creation: bytes on each side << 16 | rows above and
  *        below. The left strip begins as many *bytes* left of the picture as there are *rows*
- *        above; give equal numbers for a filled strip. Larger entries than at creation write
- *        outside the payload
+ *        above, so the padding is filled only if both numbers are equal. Entries larger than those
+ *        given at creation write outside the payload
  * @return #TAVU_OK; #TAVU_ERR_UNSUPPORTED for codes other than 10, 11, 12, 13 and 18;
  *         #TAVU_ERR_INVALID_ARGUMENT for null
  */
 TAVU_API int32_t tavu_imgb_expand(tavu_imgb_t *imgb, const uint32_t *pad);
 
 /**
- * Writes `width` copies of the byte at `src` to `dst`, then steps both on by `stride` bytes, `rows`
+ * Writes `width` copies of the byte at `src` to `dst` and advances both by `stride` bytes, `rows`
  * times. Unchecked; a width or row count below 1 writes nothing.
  */
 TAVU_API void tavu_imgb_expand_ver(const uint8_t *src, uint8_t *dst, int32_t rows, int32_t stride,
                                    int32_t width);
 
 /**
- * Copies the `len` bytes at `src` to `rows` rows that follow each other at `dst`, `len` bytes
- * apart. Unchecked; a length or row count below 1 writes nothing. With a `len` that is a multiple
- * of 4 but not of 16 the row count is rounded up to a multiple of 8.
+ * Copies the `len` bytes at `src` to `rows` consecutive rows at `dst`, `len` bytes apart.
+ * Unchecked; a length or row count below 1 writes nothing. If `len` is a multiple of 4 but not of
+ * 16, the row count is rounded up to a multiple of 8: 9 rows write 16.
  */
 TAVU_API void tavu_imgb_expand_hor(const uint8_t *src, uint8_t *dst, int32_t len, int32_t rows);
 
@@ -399,21 +403,22 @@ TAVU_API void tavu_imgb_expand_hor(const uint8_t *src, uint8_t *dst, int32_t len
 
 /**
  * @defgroup buffers Other buffers
- * Audio, bitstream and frame-list buffers, counted like pictures; and a holder of bytes.
+ * Audio, bitstream and frame-list buffers with a reference count like pictures, and a copy of
+ * arbitrary bytes.
  *
- * The buffers begin with the same counted header as tavu_imgb_t; their methods return
- * #TAVU_ERR_INVALID_ARGUMENT for null. A null allocator stands for the default pair. A free
- * function of null is taken as it is: then the payload is not freed.
+ * The buffers begin with the same header as tavu_imgb_t; their methods return
+ * #TAVU_ERR_INVALID_ARGUMENT for null. A null allocator selects the default pair. With an allocator
+ * and a null free function the payload is never freed.
  *
- * Threads: as for pictures, only the count is atomic. A tavu_vdata_t belongs to one thread at a
- * time.
+ * Threads: as for pictures, only the count is atomic, and `release` orders accesses in the same
+ * way. A tavu_vdata_t must not be used by two threads at once.
  * @{
  */
 
-/** A reference-counted buffer of audio samples; read-only for callers but for the payload. */
+/** A reference-counted buffer of audio samples. Callers may write `value` and the blocks only. */
 typedef struct tavu_audb_t tavu_audb_t;
 struct tavu_audb_t {
-    int32_t refcnt;                    /**< reference count; changed by the methods only */
+    int32_t refcnt;                    /**< reference count; only the methods change it */
     int32_t (*addref)(tavu_audb_t *);  /**< adds a reference; returns the new count */
     int32_t (*getref)(tavu_audb_t *);  /**< returns the count */
     int32_t (*release)(tavu_audb_t *); /**< drops a reference; at 0 frees blocks and record */
@@ -423,7 +428,7 @@ struct tavu_audb_t {
     uint32_t paddr[8];                 /**< the same in the second address space */
     int32_t channels;                  /**< number of channels */
     int32_t bits;                      /**< bits per sample */
-    int32_t value;                     /**< the caller's */
+    int32_t value;                     /**< for the caller's use */
     int32_t interleaved;               /**< 1: one block; 0: a block per channel */
     int32_t format;                    /**< format code */
     uint32_t reserved[8];              /**< zero */
@@ -432,13 +437,13 @@ struct tavu_audb_t {
 };
 
 /**
- * Creates an audio buffer with reference count 1; give it back with its `release` method. The
- * default blocks are aligned to 32 bytes and not initialised.
- * @param samples samples per channel; 0 is allowed, as for the next two
- * @param channels number of channels, at most 8 unless interleaved
- * @param bits bits per sample; each takes (bits + 7) / 8 bytes
- * @param value kept for the caller
- * @param format 1..99: one block with the channels interleaved; any other: a block per channel
+ * Creates an audio buffer with reference count 1; free it with its `release` method. The default
+ * blocks are aligned to 32 bytes and not initialised.
+ * @param samples samples per channel; 0 is allowed
+ * @param channels number of channels, 0 or more, at most 8 unless interleaved
+ * @param bits bits per sample, 0 or more; a sample takes (bits + 7) / 8 bytes
+ * @param value stored for the caller
+ * @param format 1..99: one block with interleaved channels; any other code: a block per channel
  * @param unused ignored
  * @param mem_alloc,mem_free payload callbacks; both null for the default
  * @param status null, or where to store #TAVU_OK, #TAVU_ERR_INVALID_ARGUMENT (negative counts, more
@@ -454,25 +459,25 @@ TAVU_API tavu_audb_t *tavu_audb_create(int32_t samples, int32_t channels, int32_
 /** A reference-counted buffer of coded data. */
 typedef struct tavu_bitb_t tavu_bitb_t;
 struct tavu_bitb_t {
-    int32_t refcnt;                    /**< reference count; changed by the methods only */
+    int32_t refcnt;                    /**< reference count; only the methods change it */
     int32_t (*addref)(tavu_bitb_t *);  /**< adds a reference; returns the new count */
     int32_t (*getref)(tavu_bitb_t *);  /**< returns the count */
     int32_t (*release)(tavu_bitb_t *); /**< drops a reference; at 0 frees payload and record */
     uint8_t *addr;                     /**< payload */
     uint32_t paddr;                    /**< the same in the second address space */
     uint32_t reserved0[2];             /**< zero */
-    int32_t value;                     /**< the caller's */
+    int32_t value;                     /**< for the caller's use */
     uint32_t reserved1[8];             /**< zero */
     tavu_imgb_alloc_fn mem_alloc;      /**< payload allocator */
     tavu_imgb_free_fn mem_free;        /**< payload free function or null */
 };
 
 /**
- * Creates a bitstream buffer with reference count 1; give it back with its `release` method. The
- * default payload is malloc()'s, aligned as malloc() does and not initialised.
- * @param size payload bytes; the default allocator refuses a negative size, another gets it as
- *        it is
- * @param value kept for the caller
+ * Creates a bitstream buffer with reference count 1; free it with its `release` method. The default
+ * payload comes from malloc() and is not initialised.
+ * @param size payload bytes; the default allocator refuses a negative size, a custom one is called
+ *        with it
+ * @param value stored for the caller
  * @param unused ignored
  * @param mem_alloc,mem_free payload callbacks; both null for the default
  * @param status null, or where to store #TAVU_OK, #TAVU_ERR_OUT_OF_MEMORY or #TAVU_ERR_BITB_ALLOC
@@ -482,10 +487,10 @@ TAVU_API tavu_bitb_t *tavu_bitb_create(int32_t size, int32_t value, int32_t unus
                                        tavu_imgb_alloc_fn mem_alloc, tavu_imgb_free_fn mem_free,
                                        int32_t *status);
 
-/** A reference-counted record whose body is its users'. */
+/** A reference-counted record; `body` is for the caller's use. */
 typedef struct tavu_mfal_t tavu_mfal_t;
 struct tavu_mfal_t {
-    int32_t refcnt;                    /**< reference count; changed by the methods only */
+    int32_t refcnt;                    /**< reference count; only the methods change it */
     int32_t (*addref)(tavu_mfal_t *);  /**< adds a reference; returns the new count */
     int32_t (*getref)(tavu_mfal_t *);  /**< returns the count */
     int32_t (*release)(tavu_mfal_t *); /**< drops a reference; at 0 frees the record */
@@ -493,29 +498,29 @@ struct tavu_mfal_t {
 };
 
 /**
- * Creates a frame-list record with reference count 1; give it back with its `release` method.
+ * Creates a frame-list record with reference count 1; free it with its `release` method.
  * @param unused ignored
  * @param status null, or where to store #TAVU_OK or #TAVU_ERR_OUT_OF_MEMORY
  * @return the record or null
  */
 TAVU_API tavu_mfal_t *tavu_mfal_create(int32_t unused, int32_t *status);
 
-/** Bytes of any kind; the caller owns the record, which must be zero before its first use. */
+/** Arbitrary bytes; the caller owns the record, which must be zero before its first use. */
 typedef struct {
-    int32_t type;  /**< the caller's */
-    int32_t len;   /**< bytes, without the two zero bytes that follow them */
+    int32_t type;  /**< for the caller's use */
+    int32_t len;   /**< bytes, not counting the two zero bytes that follow them */
     uint8_t *data; /**< heap copy of the bytes */
 } tavu_vdata_t;
 
 /**
- * Stores a copy of `len` bytes, with two zero bytes behind them. A copy that the record holds
- * already is not freed: call tavu_vdata_free() first. `type` is kept for the caller.
+ * Stores a copy of `len` bytes followed by two zero bytes. A copy that the record already holds is
+ * not freed: call tavu_vdata_free() first. `type` is stored for the caller.
  * @return #TAVU_OK; #TAVU_ERR_INVALID_ARGUMENT for null or a length below 1;
  *         #TAVU_ERR_OUT_OF_MEMORY. On failure the record is unchanged.
  */
 TAVU_API int32_t tavu_vdata_set(tavu_vdata_t *vd, const void *src, int32_t len, int32_t type);
 
-/** tavu_vdata_set() with the bytes, length and type of `src`; results are the same. */
+/** Calls tavu_vdata_set() with the bytes, length and type of `src` and returns its result. */
 TAVU_API int32_t tavu_vdata_cpy(tavu_vdata_t *dst, const tavu_vdata_t *src);
 
 /** Frees the copy, if any, and zeroes the record; null is ignored. */
@@ -527,16 +532,52 @@ TAVU_API void tavu_vdata_free(tavu_vdata_t *vd);
 
 /**
  * @defgroup bsr Bitstream reader
- * Reads a byte buffer most significant bit first through a 32-bit cache word.
+ * Reads a byte buffer, most significant bit first, through a 32-bit cache word.
  *
- * Unchecked: the record must have been initialised and bit counts must be 0..32. A hostile buffer
- * is safe all the same: nothing beyond its `size` bytes is read, whatever they hold.
+ * Unchecked: the record must be initialised, and bit counts must be 0..32. Hostile data is safe all
+ * the same: whatever the bytes are, nothing beyond the `size` bytes of the buffer is read. The
+ * position of the next bit is (cur - beg) bytes minus `leftbits` bits.
  *
- * The position of the next bit is (cur - beg) bytes less `leftbits` bits. At the end of the data
- * `leftbits` may become negative, and results differ from function to function; test `leftbits` < 0
- * after a header for one that was cut short.
+ * **Was a header cut short?** Bits that are missing from a field read as 0 and leave `leftbits`
+ * negative, but a refill that fails leaves it 0, as a field that ends with the data does: the
+ * record does not show it afterwards. tavu_bsr_read() of up to 31 bits, tavu_bsr_read1() and
+ * tavu_bsr_read_ue() show it at once, by a negative result or a negative `leftbits`;
+ * tavu_bsr_skip() and tavu_bsr_read_se() may not. To test a whole header at its end, note the
+ * failed refills:
+ * @code
+ * struct reader { tavu_bsr_t bits; int ended; };
+ * static int32_t refill(tavu_bsr_t *bits, int32_t bytes) {
+ *     const int32_t status = tavu_bsr_flush(bits, bytes);
+ *     if (status != 0) ((struct reader *)bits)->ended = 1;
+ *     return status;
+ * }
+ * @endcode
+ * The header was cut short if and only if `ended` is set or `leftbits` < 0 after its last field.
+ * This holds for fixed-length fields, skips, Exp-Golomb codes of up to 31 bits and alignment; peeks
+ * past the last byte and unary codes may set either in a complete header.
  *
- * Threads: a record must not be shared.
+ * **Owed bits.** While `leftbits` is negative, `code` is 0 and -`leftbits` bits of the next refill
+ * count as consumed. That happens at the end of the data and, in the middle of it, when a unary
+ * code ends with the cache, see tavu_bsr_read_un(). Settle these bits with tavu_bsr_skip(bs, 0)
+ * before you go on. Otherwise, with k owed bits:
+ * - tavu_bsr_skip() and tavu_bsr_skip_peek() drop them first.
+ * - tavu_bsr_skip_align8() and tavu_bsr_read_align8() find the right boundary and owe the bits up
+ *   to it too; the value that is read is 0.
+ * - tavu_bsr_read() consumes them and returns them above the `size` bits asked for; 0 if `size` + k
+ *   exceeds 32.
+ * - tavu_bsr_read1() returns 0 and owes another bit; tavu_bsr_read_te() of range 1 returns 1.
+ * - tavu_bsr_peek() loads (32 + k) / 8 bytes, 4 or more, as zeros. The position stays, but the data
+ *   is lost.
+ * - tavu_bsr_read_ue() is right if k is 1 and the owed bit and the next one are 0. If the next one
+ *   is 1, it returns 0 and consumes the owed bit only; if the owed bit is 1, it returns -1
+ *   (tavu_bsr_read_se() 0) and consumes nothing.
+ * - tavu_bsr_read_un() and tavu_bsr_read_tu() are right if k is 1 and the owed bit is 1, except
+ *   that the latter consumes a bit too few of more than `max` ones. If the owed bit is 0, they
+ *   consume only that and return -1.
+ *
+ * With more owed bits the values of codes may be wrong, and `leftbits` may exceed 32.
+ *
+ * Threads: two threads must not use the same record at once.
  * @{
  */
 
@@ -544,16 +585,25 @@ TAVU_API void tavu_vdata_free(tavu_vdata_t *vd);
 typedef struct tavu_bsr_t tavu_bsr_t;
 
 /**
- * Refills the cache of a reader. A custom one must replace the cache by up to `bytes` bytes
+ * Refills the cache of a reader. A custom one must replace the cache by 1 to `bytes` bytes
  * (big-endian from bit 31 down, zeros below), set `leftbits` to 8 times their number, advance
- * `cur`, and return 0; with nothing left it empties the cache and returns non-zero.
+ * `cur`, and return 0. With nothing left it must set `code` and `leftbits` to 0 and return
+ * non-zero.
+ *
+ * If it loads fewer bytes than a field needs, the missing bits read as 0 and are owed, as at the
+ * end of the data.
+ *
+ * @param bytes 4, or the (32 - leftbits) >> 3 bytes that a peek tops the cache up with: 1 to 4, but
+ *        more while bits are owed, whose bytes are then included. tavu_bsr_skip_peek() asks for up
+ *        to 7 when it skips past the last byte. A peek after an Exp-Golomb code of only zeros asks
+ *        for 8, and each 12 hostile bytes may raise that by 4: there is no upper bound. Load no
+ *        more than 4, all that the cache holds; the position then stays right
  */
 typedef int32_t (*tavu_bsr_flush_fn)(tavu_bsr_t *bs, int32_t bytes);
 
 struct tavu_bsr_t {
     uint32_t code;           /**< cache: the next bits, left-justified, zeros below */
-    int32_t leftbits;        /**< valid bits in `code`; negative after reading past the end: that
-                                  many bits of the next refill count as consumed */
+    int32_t leftbits;        /**< valid bits in `code`; if negative, the number of owed bits */
     const uint8_t *cur;      /**< next byte to load */
     const uint8_t *end;      /**< last byte of the buffer */
     const uint8_t *beg;      /**< first byte of the buffer */
@@ -562,48 +612,50 @@ struct tavu_bsr_t {
 };
 
 /**
- * Starts a reader over `size` bytes, which must stay valid while it is used. Loads nothing yet.
- * There is nothing to give back.
- * @param buf first byte; may be null with size 0
+ * Starts a reader on `size` bytes, which must stay valid while it is used. Nothing is loaded yet,
+ * and nothing needs to be freed.
+ * @param buf first byte; may be null if `size` is 0
  * @param size bytes, 0 or more
  * @param flush refill function, or null for tavu_bsr_flush()
  */
 TAVU_API void tavu_bsr_init(tavu_bsr_t *bs, const void *buf, int32_t size, tavu_bsr_flush_fn flush);
 
 /**
- * The default refill: replaces the cache by what is left of the data, at most `bytes` bytes.
- * @param bytes 1..4
- * @return 0, or -1 with an empty cache when no byte remains
+ * The default refill: replaces the cache by the next `bytes` bytes of the data, or as many as are
+ * left.
+ * @param bytes see #tavu_bsr_flush_fn. Of more than 4, `code` holds the first 4; `leftbits` and
+ *        `cur` count all
+ * @return 0, or -1 with an empty cache if no byte is left
  */
 TAVU_API int32_t tavu_bsr_flush(tavu_bsr_t *bs, int32_t bytes);
 
 /**
  * Reads `size` bits, 0..32. Bits missing at the end of the data read as 0 and leave `leftbits`
  * negative; the next read that needs a refill then fails.
- * @return the bits (all 32 bits for a size of 32), or -1 when a needed refill fails, which a 32-bit
- *         value of all ones cannot be told from
+ * @return the bits (all 32 bits for a size of 32), or -1 if a required refill fails. A 32-bit value
+ *         of all ones is -1, too
  */
 TAVU_API int32_t tavu_bsr_read(tavu_bsr_t *bs, int32_t size);
 
-/** Reads one bit; -1 when a needed refill fails. With a negative `leftbits` it returns 0. */
+/** Reads one bit; -1 if a required refill fails. While bits are owed it returns 0. */
 TAVU_API int32_t tavu_bsr_read1(tavu_bsr_t *bs);
 
 /**
- * Drops `size` bits, 0..32. When a needed refill fails the cache is left empty, and nothing tells;
- * when bits are missing `leftbits` becomes negative.
+ * Drops `size` bits, 0..32. If a required refill fails, the cache is left empty; no error is
+ * reported. If bits are missing, `leftbits` becomes negative. A size of 0 drops the owed bits.
  */
 TAVU_API void tavu_bsr_skip(tavu_bsr_t *bs, int32_t size);
 
 /**
- * The next `size` bits, 0..32, without consuming them; bits beyond the end are 0. May move whole
- * bytes into the cache, which does not change the position.
+ * Returns the next `size` bits, 0..32, without consuming them; bits past the end are 0. May load
+ * whole bytes into the cache, which does not change the position.
  */
 TAVU_API uint32_t tavu_bsr_peek(tavu_bsr_t *bs, int32_t size);
 
-/** Drops `skip` bits, then peeks `size`; 0 when the refill for the skip fails. */
+/** Drops `skip` bits, then peeks at `size` bits; 0 if the refill for the skip fails. */
 TAVU_API uint32_t tavu_bsr_skip_peek(tavu_bsr_t *bs, int32_t skip, int32_t size);
 
-/** Drops the 0..7 bits up to the next byte boundary. */
+/** Skips the 0..7 bits up to the next byte boundary. */
 TAVU_API void tavu_bsr_skip_align8(tavu_bsr_t *bs);
 
 /**
@@ -614,45 +666,47 @@ TAVU_API void tavu_bsr_skip_align8(tavu_bsr_t *bs);
 TAVU_API int32_t tavu_bsr_read_align8(tavu_bsr_t *bs, int32_t *bits);
 
 /**
- * Reads an unsigned Exp-Golomb code (ITU-T H.264, 9.1): n zeros, a 1 and n bits i stand for
- * 2^n - 1 + i. Codes of up to 31 bits, values 0..65534, always decode; longer ones may not.
+ * Reads an unsigned Exp-Golomb code (ITU-T H.264, 9.1): n zeros, a 1 and n bits of value i encode
+ * 2^n - 1 + i. Codes of up to 31 bits, values 0..65534, are always decoded. A longer one may give
+ * any value, and owe bits in the middle of the data.
  * @return the value, or -2 at the end of the data
  */
 TAVU_API int32_t tavu_bsr_read_ue(tavu_bsr_t *bs);
 
 /**
- * Reads a signed Exp-Golomb code (ITU-T H.264, 9.1.1): codes 0, 1, 2, 3, 4 stand for 0, 1, -1, 2,
- * -2.
+ * Reads a signed Exp-Golomb code (ITU-T H.264, 9.1.1): the unsigned codes 0, 1, 2, 3, 4 mean 0, 1,
+ * -1, 2, -2.
  * @return the value; +1 at the end of the data
  */
 TAVU_API int32_t tavu_bsr_read_se(tavu_bsr_t *bs);
 
 /**
- * Reads a truncated Exp-Golomb code (ITU-T H.264, 9.1) of values 0..range: the inverted next bit
- * for a range of 1 (2 when no bit is left), tavu_bsr_read_ue() above, with its result at the end of
- * the data; below 1 it returns 0 and reads nothing. The value is not held against `range`.
+ * Reads a truncated Exp-Golomb code (ITU-T H.264, 9.1) of values 0..range. With a range of 1 it
+ * returns the next bit inverted, 2 if none is left; with a larger one the result of
+ * tavu_bsr_read_ue(); below 1 it returns 0 and reads nothing. The value is not checked against
+ * `range`.
  */
 TAVU_API int32_t tavu_bsr_read_te(tavu_bsr_t *bs, int32_t range);
 
 /**
  * Reads a unary code: the number of 1 bits before a 0 bit, which is consumed too.
  *
- * A run that fills the cache to its last valid bit ends there: its 0 is taken from beyond, and
- * `leftbits` becomes -1 although data may be left. tavu_bsr_read() and tavu_bsr_skip() then consume
- * the bit that is owed, and a read leaves it above the bits asked for; other functions do not know
- * of it. A full cache of 32 bits is skipped and counted as 32 ones; the cache is full after
- * tavu_bsr_peek() or tavu_bsr_skip_peek() at a byte boundary.
+ * A run of ones that reaches the last valid bit of the cache ends there. Its 0 is taken from the
+ * position after the cache: a bit is owed, `leftbits` is -1, although data may be left and the run
+ * may go on. Call tavu_bsr_skip(bs, 0) before anything else if `leftbits` is negative. A full cache
+ * of 32 bits is skipped and counted as 32 ones; the cache is full after tavu_bsr_peek() or
+ * tavu_bsr_skip_peek() at a byte boundary.
  */
 TAVU_API int32_t tavu_bsr_read_un(tavu_bsr_t *bs);
 
 /**
- * Reads a truncated unary code of at most `max` ones. After exactly `max` ones a 0 that follows is
- * consumed too; of more than `max` ones exactly `max` are consumed. `max` of 0 reads nothing.
+ * Reads a truncated unary code of at most `max` ones. A 0 that follows exactly `max` ones is
+ * consumed, too; of more than `max` ones exactly `max` are consumed. A `max` of 0 reads nothing.
  *
- * As with tavu_bsr_read_un() a run ends with the cache. Of a full cache of 32 bits the next `max`
- * bits are dropped unseen and `max` is returned; if `max` is larger, all 32 count as ones. If ones
- * were counted in a cache that was then refilled, a result of `max` drops `max` bits of the new
- * one.
+ * As with tavu_bsr_read_un(), a run ends with the cache and may owe a bit. If the cache is full, 32
+ * bits, the next `max` of them are dropped without a look and `max` is returned; if `max` is
+ * larger, all 32 count as ones. If ones were counted in a cache that was then refilled and more
+ * than `max` are found in all, `max` bits of the new cache are dropped.
  */
 TAVU_API int32_t tavu_bsr_read_tu(tavu_bsr_t *bs, int32_t max);
 
@@ -665,13 +719,16 @@ TAVU_API int32_t tavu_bsr_clz_in_code(uint32_t code);
 
 /**
  * @defgroup bsw Bitstream writer
- * Writes a byte buffer most significant bit first through a 32-bit cache word.
+ * Writes a byte buffer, most significant bit first, through a 32-bit cache word.
  *
- * Unchecked but for room in the buffer. After tavu_bsw_sink() cur - beg bytes are written. A stream
- * fits if the buffer has one byte more than it. A longer one is refused, but tavu_bsw_write1() may
- * by then have written 3 bytes beyond the buffer.
+ * Unchecked, except for space in the buffer. After tavu_bsw_sink() `cur` - `beg` bytes are written.
+ * A stream fits if the buffer is one byte larger. A longer one is refused, at the latest by
+ * tavu_bsw_sink(); by then tavu_bsw_write1() may have written 3 bytes past the end.
  *
- * Threads: a record must not be shared.
+ * A call that returns -1 has lost bits: stop there, and start again with a larger buffer. Later
+ * calls may succeed and write wrong bits, and tavu_bsw_deinit() writes past the end.
+ *
+ * Threads: two threads must not use the same record at once.
  * @{
  */
 
@@ -679,14 +736,17 @@ TAVU_API int32_t tavu_bsr_clz_in_code(uint32_t code);
 typedef struct tavu_bsw_t tavu_bsw_t;
 
 /**
- * Spills the cache of a writer. A custom one must write out the (39 - leftbits) / 8 bytes of the
- * cache that hold bits, from bit 31 down, and advance `cur`; the writer then empties the cache.
+ * Spills the cache of a writer. A custom one must write the (39 - leftbits) >> 3 bytes of the cache
+ * that hold bits, from bit 31 down, and advance `cur`; the writer then empties the cache. These are
+ * at most 4, except in tavu_bsw_deinit() after refused bits. Only tavu_bsw_deinit() looks at the
+ * result.
  */
 typedef int32_t (*tavu_bsw_flush_fn)(tavu_bsw_t *bs);
 
 struct tavu_bsw_t {
     uint32_t code;           /**< cache: bits not yet spilled, left-justified, zeros below */
-    int32_t leftbits;        /**< free bits in `code`: 32 empty, 0 full */
+    int32_t leftbits;        /**< free bits in `code`: 32 if empty, 0 if full; minus the number of
+                                  single bits dropped since a full one was refused */
     uint8_t *cur;            /**< next byte to write */
     uint8_t *end;            /**< last byte of the buffer */
     uint8_t *beg;            /**< first byte of the buffer */
@@ -695,56 +755,62 @@ struct tavu_bsw_t {
 };
 
 /**
- * Starts a writer on a buffer of `size` bytes, which must stay valid while it is used. There is
- * nothing to give back.
- * @param buf first byte; may be null with size 0
+ * Starts a writer on a buffer of `size` bytes, which must stay valid while it is used. Nothing
+ * needs to be freed.
+ * @param buf first byte; may be null if `size` is 0
  * @param size bytes, 0 or more
  * @param flush spill function, or null for the default
  */
 TAVU_API void tavu_bsw_init(tavu_bsw_t *bs, void *buf, int32_t size, tavu_bsw_flush_fn flush);
 
 /**
- * Writes the low bit of `bit`. A full cache is spilled as long as one byte of the buffer is left:
- * up to 3 bytes are then written past its end, so leave that much room behind it.
- * @return 0; -1 when the buffer is full. The bit is then in the cache, and later calls drop theirs
- *         and return 0
+ * Writes the low bit of `bit`. A full cache is spilled if one byte of the buffer is left: that
+ * writes up to 3 bytes past the end, which must be writable.
+ * @return 0; -1 if the buffer is full. The bit is then in the cache, but later calls drop their
+ *         bits and return 0
  */
 TAVU_API int32_t tavu_bsw_write1(tavu_bsw_t *bs, int32_t bit);
 
 /**
- * Writes the low bits of `value`; its other bits do not matter.
+ * Writes the low `len` bits of `value`; the other bits are ignored.
  * @param len number of bits, 0..32
- * @return 0; -1 when the cache is full and the buffer has less than 5 bytes left, one more than is
- *         needed. What fitted into the cache is then in it
+ * @return 0; -1 if the cache is full and the buffer has less than 5 bytes left, one more than
+ *         needed. The cache then holds the bits that fitted, but does not count them
  */
 TAVU_API int32_t tavu_bsw_write(tavu_bsw_t *bs, uint32_t value, int32_t len);
 
 /**
  * Writes an unsigned Exp-Golomb code (ITU-T H.264, 9.1) of 0..65534; larger values give no valid
- * code. The result is that of tavu_bsw_write().
+ * code. Returns the result of tavu_bsw_write().
  */
 TAVU_API int32_t tavu_bsw_write_ue(tavu_bsw_t *bs, uint32_t value);
 
 /**
- * Writes a signed Exp-Golomb code (ITU-T H.264, 9.1.1) of -32767..32767; the result is that of
+ * Writes a signed Exp-Golomb code (ITU-T H.264, 9.1.1) of -32767..32767. Returns the result of
  * tavu_bsw_write().
  */
 TAVU_API int32_t tavu_bsw_write_se(tavu_bsw_t *bs, int32_t value);
 
 /**
- * Writes a truncated Exp-Golomb code of values 0..range: the inverted bit for a range of 1, with
- * the result of tavu_bsw_write1(), an unsigned code above, with that of tavu_bsw_write_ue(); below
- * 1 it writes nothing and returns 0.
+ * Writes a truncated Exp-Golomb code of values 0..range: with a range of 1 the inverted bit, by
+ * tavu_bsw_write1(); with a larger one an unsigned code, by tavu_bsw_write_ue(); below 1 it writes
+ * nothing. Returns the result of that function, or 0.
  */
 TAVU_API int32_t tavu_bsw_write_te(tavu_bsw_t *bs, int32_t value, int32_t range);
 
 /**
- * Spills what is in the cache, the last byte filled up with 0 bits.
- * @return 0; -1, with nothing changed, unless the buffer has a byte more room than is needed
+ * Spills the cache, with the last byte padded with 0 bits.
+ * @return 0; -1, with nothing changed, unless the buffer has one byte more left than needed
  */
 TAVU_API int32_t tavu_bsw_sink(tavu_bsw_t *bs);
 
-/** Calls the spill function without testing room or emptying the cache; returns its result. */
+/**
+ * Calls the spill function without checking for space or emptying the cache; returns its result.
+ * The default one writes (39 - leftbits) >> 3 bytes, up to 4, which may reach 7 bytes past the end
+ * even if no call was refused. After tavu_bsw_write1() was refused it writes 4, and one more for
+ * every 8 bits dropped since, without bound: 100,000 of them write 12,504 bytes past the end. Use
+ * tavu_bsw_sink(), which refuses instead, and do not call this after a -1.
+ */
 TAVU_API int32_t tavu_bsw_deinit(tavu_bsw_t *bs);
 
 /** Bits of the unsigned Exp-Golomb code of 0..65534: 1..31. */
@@ -759,21 +825,22 @@ TAVU_API int32_t tavu_bsw_size_se(int32_t value);
 
 /**
  * @defgroup media Media types, key frames, digests
- * Which codec a FourCC names, whether decoding can start at a unit, MD5 of bytes and pictures.
+ * Which codec a FourCC names, whether decoding can start at an access unit, and MD5 digests of
+ * bytes and pictures.
  *
- * Threads: an MD5 context must not be shared; all else is reentrant.
+ * Threads: two threads must not use the same MD5 context at once; everything else is reentrant.
  * @{
  */
 
 /**
  * Media-type codes: video 100..299, audio 300..499, DRM 1100..1299, subtitle 3000..3199. The last
- * code of each family means "not in this family". The values are stored and exchanged by callers.
- * Each is named with the FourCCs and numeric wave-format tags that map to it.
+ * code of each family means "not in this family". Callers store and exchange the values. Each code
+ * is listed with the FourCCs and numeric wave-format tags that map to it.
  */
 enum {
     TAVU_MT_NONE = 0, /**< unknown to tavu_fcc2mt() */
 
-    /** MPEG-4 Visual: mp4v, xvid, divx, dx50, div4, m4s2, and these in capitals; FMP4. */
+    /** MPEG-4 Visual: mp4v, xvid, divx, dx50, div4, m4s2, the same in capitals, and FMP4. */
     TAVU_MT_VID_MPEG4 = 102,
     TAVU_MT_VID_H263 = 103,    /**< H.263: h263, H263, d263, s263 */
     TAVU_MT_VID_H264 = 104,    /**< H.264: avc1, AVC1, H264, h264, x264, avcC */
@@ -823,8 +890,8 @@ enum {
 };
 
 /**
- * Maps a FourCC or a numeric wave-format tag to a media-type code, asking audio, video, subtitle
- * and DRM in this order. A FourCC holds its first character in the lowest byte; matching is exact
+ * Maps a FourCC or a numeric wave-format tag to a media-type code; searches audio, video, subtitle
+ * and DRM in this order. The first character of a FourCC is in its lowest byte. Matching is exact
  * and case-sensitive.
  * @return the code, or #TAVU_MT_NONE
  */
@@ -839,24 +906,24 @@ TAVU_API int32_t tavu_fcc2mt_vid(uint32_t fcc);
 /** The subtitle code of a FourCC, or #TAVU_MT_SUB_UNKNOWN. */
 TAVU_API int32_t tavu_fcc2mt_sub(uint32_t fcc);
 
-/** The DRM code of a FourCC, or #TAVU_MT_DRM_UNKNOWN; tavu_fcc2mt() calls "DIVX" video instead. */
+/** The DRM code of a FourCC, or #TAVU_MT_DRM_UNKNOWN; for tavu_fcc2mt() "DIVX" is video. */
 TAVU_API int32_t tavu_fcc2mt_drm(uint32_t fcc);
 
 /**
- * Tells whether a coded video access unit is a key frame, from its start codes and first header
- * bits alone (ISO/IEC 14496-2; ITU-T H.263, 5.1; H.264 and H.265, table 7-1).
+ * Determines whether a coded video access unit is a key frame, from its start codes and first
+ * header bits alone (ISO/IEC 14496-2; ITU-T H.263, 5.1; H.264 and H.265, table 7-1).
  *
- * MPEG-4 Visual: the first VOP (or short-header picture) is intra. H.263: the first picture is
- * intra. H.264: an IDR slice comes before any other slice. HEVC: the first NAL unit is an IDR
- * slice; a unit that begins with a parameter set gives 0. WMV1, WMV2, DIV3: the picture type.
- * HuffYUV: always 1. Every other codec: 0. H.264 and HEVC units need start codes, not length
- * fields. A start code counts if from its first byte on 5 bytes are left (MPEG-4 Visual), 7 (H.263)
- * or 4 (H.264, HEVC).
+ * The unit is a key frame if: MPEG-4 Visual: the first VOP (or short-header picture) is intra.
+ * H.263: the first picture is intra. H.264: an IDR slice comes before any other slice. HEVC: the
+ * first NAL unit is an IDR slice; a unit that begins with a parameter set gives 0. WMV1, WMV2,
+ * DIV3: the picture type is intra. HuffYUV: always. Any other codec: never. H.264 and HEVC units
+ * need start codes, not length fields. A start code is recognised if at least 5 bytes (MPEG-4
+ * Visual), 7 (H.263) or 4 (H.264, HEVC) are left, including itself.
  *
  * @param codec video media-type code
- * @param data  the unit. WMV1, WMV2 and DIV3 read the first byte whatever `size` is; an H.263 unit
- *        with extended picture type reads up to one byte beyond `size`
- * @param size  bytes; below 1 there is nothing to scan
+ * @param data  the unit. For WMV1, WMV2 and DIV3 the first byte is read whatever `size` is; of an
+ *        H.263 unit with extended picture type one byte past `size` may be read
+ * @param size  bytes; below 1 nothing is scanned
  * @return 1 for a key frame, 0 otherwise
  */
 TAVU_API int32_t tavu_is_vkeyfrm(int32_t codec, const void *data, int32_t size);
@@ -868,10 +935,10 @@ typedef struct tavu_md5_t {
     uint32_t bits[2];  /**< message length in bits, low word first */
 } tavu_md5_t;
 
-/** Starts a digest. A context that was finished is started anew by this, too. */
+/** Starts a digest. A finished context can be used again after this. */
 TAVU_API void tavu_md5_init(tavu_md5_t *md5);
 
-/** Adds `size` bytes, up to 2^61 - 1 in all; null is allowed with size 0. */
+/** Adds `size` bytes, up to 2^61 - 1 in total; null is allowed if `size` is 0. */
 TAVU_API void tavu_md5_update(tavu_md5_t *md5, const void *data, uint32_t size);
 
 /** Writes the 16 bytes of the digest in the order of RFC 1321 and zeroes the context. */
@@ -880,15 +947,16 @@ TAVU_API void tavu_md5_finish(tavu_md5_t *md5, uint8_t digest[16]);
 /**
  * Digest of the visible picture of a planar image buffer, whatever its strides and padding.
  *
- * Luma rows `y` to `h` - 1 contribute their first `w - x` bytes. Then planes 1 and 2, unless `cs`
- * is 10, contribute rows `y / 2` to `(h + 1) / 2 - 1` with `(w + 1 - x) / 2` bytes each: always as
- * if chroma were halved both ways, so that other layouts are covered in part and alpha is left out.
- * Hence pictures of equal codes, sizes and samples have equal digests.
+ * Luma rows `y` to `h` - 1 contribute their first `w - x` bytes. Unless `cs` is 10, rows `y >> 1`
+ * to `(h + 1) / 2 - 1` of planes 1 and 2 follow with `(w + 1 - x) / 2` bytes each. Chroma is always
+ * treated as halved both ways, so other layouts are covered in part, and alpha is left out.
+ * Pictures of equal codes, sizes and samples have equal digests.
  *
- * @param imgb the picture; `x` and `y` are not negative
+ * @param imgb the picture; if `x` or `y` is negative, its padding must hold the longer rows on the
+ *        right and the additional rows above
  * @param digest 16 bytes
- * @return 0, or with nothing written #TAVU_ERR_UNSUPPORTED_CS when `cs` is above 99 or negative,
- *         #TAVU_ERR_INVALID_ARGUMENT for a null buffer
+ * @return 0; #TAVU_ERR_UNSUPPORTED_CS if `cs` is above 99 or negative, or
+ *         #TAVU_ERR_INVALID_ARGUMENT for a null buffer, with nothing written
  */
 TAVU_API int32_t tavu_md5_imgb(const tavu_imgb_t *imgb, uint8_t digest[16]);
 
