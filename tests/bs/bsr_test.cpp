@@ -325,14 +325,16 @@ struct Header {
     std::string bits;
 };
 
+// Odd sizes are read by the other function of the kind.
 int32_t read_field(tavu_bsr_t *r, const Header::Field &field) {
+    const bool other = field.size % 2 != 0;
     switch (field.kind) {
         case Header::BITS: return tavu_bsr_read(r, field.size);
-        case Header::BIT: return tavu_bsr_read1(r);
+        case Header::BIT: return other ? 1 - tavu_bsr_read_te(r, 1) : tavu_bsr_read1(r);
         case Header::SKIP: return tavu_bsr_skip(r, field.size), 0;
-        case Header::UE: return tavu_bsr_read_ue(r);
+        case Header::UE: return other ? tavu_bsr_read_te(r, 2) : tavu_bsr_read_ue(r);
         case Header::SE: return tavu_bsr_read_se(r), 0;
-        default: return tavu_bsr_skip_align8(r), 0;
+        default: return other ? tavu_bsr_read_align8(r, nullptr) : (tavu_bsr_skip_align8(r), 0);
     }
 }
 
