@@ -83,8 +83,8 @@ void lay_out(tavu_imgb_t *imgb, const Geometry &geometry, uint8_t *base, uint32_
     for (int p = 0; p < geometry.planes; p++) {
         const uint32_t padding = geometry.pad[p];
         const auto stride = static_cast<uint32_t>(imgb->stride[p]);
-        // Half of the padding rows and columns: at most half the plane and half a stride, which both
-        // fit in 31 bits. (The plane itself may have no rows.)
+        // The padding on one side: at most half of the plane and half of a stride, so the sum fits in
+        // 31 bits.
         const uint32_t offset =
             (padding & 0xFFFF) * stride + (padding >> 16) * (geometry.unit[p] >> 16);
         imgb->base[p] = base;

@@ -296,7 +296,7 @@ struct Noting {
     bool cut_short() const { return ended || bits.leftbits < 0; }
 };
 
-// Of one header: fields, and where each of them ends.
+// A header: its fields, and the bit after each.
 struct Header {
     enum Kind { BITS, BIT, SKIP, UE, SE, ALIGN, KINDS };
     struct Field {
