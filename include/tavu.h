@@ -725,8 +725,8 @@ TAVU_API int32_t tavu_bsr_clz_in_code(uint32_t code);
  * A stream fits if the buffer is one byte larger. A longer one is refused, at the latest by
  * tavu_bsw_sink(); by then tavu_bsw_write1() may have written 3 bytes past the end.
  *
- * A call that returns -1 has lost bits: stop there, and start again with a larger buffer. Later
- * calls may succeed and write wrong bits, and tavu_bsw_deinit() writes past the end.
+ * Stop at the first -1 and start again with a larger buffer: later calls may succeed and write
+ * wrong bits, and tavu_bsw_deinit() would write past the end.
  *
  * Threads: two threads must not use the same record at once.
  * @{
@@ -745,8 +745,8 @@ typedef int32_t (*tavu_bsw_flush_fn)(tavu_bsw_t *bs);
 
 struct tavu_bsw_t {
     uint32_t code;           /**< cache: bits not yet spilled, left-justified, zeros below */
-    int32_t leftbits;        /**< free bits in `code`: 32 if empty, 0 if full; minus the number of
-                                  single bits dropped since a full one was refused */
+    int32_t leftbits;        /**< free bits in `code`: 32 if empty, 0 if full; if negative, the
+                                  number of single bits that a full buffer dropped */
     uint8_t *cur;            /**< next byte to write */
     uint8_t *end;            /**< last byte of the buffer */
     uint8_t *beg;            /**< first byte of the buffer */
