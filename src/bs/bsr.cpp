@@ -42,7 +42,8 @@ int32_t read1(tavu_bsr_t *bs) {
     return static_cast<int32_t>(bit);
 }
 
-// Tops the cache up with whole bytes, keeping what it holds.
+// Tops the cache up with whole bytes. With owed bits it asks for more than 4 and ends up with zeros;
+// callers rely on it.
 void top_up(tavu_bsr_t *bs) {
     const int32_t free_bytes = (32 - bs->leftbits) >> 3;
     if (free_bytes <= 0) return;
@@ -76,7 +77,7 @@ TAVU_RARE int32_t read_ue_across_refill(tavu_bsr_t *bs) {
     return static_cast<int32_t>(static_cast<uint32_t>(value) - 1);
 }
 
-// A code of at most 15 zeros, all of it in the cache, needs nothing but the cache.
+// A code of at most 15 zeros that is completely in the cache needs no refill.
 int32_t read_ue(tavu_bsr_t *bs) {
     const uint32_t code = bs->code;
     if (code >> 16 == 0) return read_ue_across_refill(bs);
@@ -88,9 +89,9 @@ int32_t read_ue(tavu_bsr_t *bs) {
     return static_cast<int32_t>((code >> (32 - size)) - 1);
 }
 
-// Whether a run of ones ends within the cache. The test spans one bit beyond the valid ones, where
-// a 0 always stands, so it fails for 0 and 32 valid bits only; callers rely on the counts that
-// follow.
+// Whether a run of ones ends within the cache. The test includes the bit after the valid ones, which
+// is always 0, so it fails only for 0 or 32 valid bits and for owed bits; callers rely on the
+// resulting counts.
 bool run_ends_in_cache(const tavu_bsr_t *bs) {
     return bs->leftbits != 0 && shift_right(~bs->code, 31 - bs->leftbits) != 0;
 }
@@ -119,7 +120,7 @@ int32_t read_tu(tavu_bsr_t *bs, int32_t max) {
     }
     const int32_t ones = count_leading_zeros(~bs->code);
     if (max < ones + dropped) {
-        consume(bs, max);  // of the new cache, although the dropped ones counted; kept as it is
+        consume(bs, max);  // from the new cache, although old ones count; callers rely on it
         return max;
     }
     consume(bs, ones + 1);

@@ -7,7 +7,7 @@
 namespace tavu {
 namespace {
 
-// Bytes of the cache that hold bits.
+// Bytes of the cache that hold bits; more than 4 after refused single bits, which callers rely on.
 int32_t pending_bytes(const tavu_bsw_t *bs) { return (39 - bs->leftbits) >> 3; }
 
 int32_t spill(tavu_bsw_t *bs) {
@@ -30,9 +30,10 @@ void spill_all(tavu_bsw_t *bs) {
     bs->leftbits = 32;
 }
 
-// Of the left-justified `bits`, which the cache already holds as far as they fit.
+// Spills the cache, which already holds as many of the left-justified `bits` as fit, and keeps the
+// others.
 TAVU_RARE int32_t spill_and_keep(tavu_bsw_t *bs, uint32_t bits, int32_t len) {
-    if (remaining(bs) < 5) return -1;  // one more than is written; callers rely on it
+    if (remaining(bs) < 5) return -1;  // one more than written; callers rely on it
     const int32_t free_bits = bs->leftbits;
     bs->leftbits = 0;
     bs->flush(bs);
@@ -54,7 +55,7 @@ int32_t write1(tavu_bsw_t *bs, int32_t bit) {
     bs->leftbits--;
     bs->code |= shift_left(bit & 1, bs->leftbits);
     if (bs->leftbits != 0) return 0;
-    if (remaining(bs) < 1) return -1;  // three bytes may go beyond the end; callers rely on it
+    if (remaining(bs) < 1) return -1;  // may write 3 bytes past the end; callers rely on it
     spill_all(bs);
     return 0;
 }

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
-// Out of line, so that the usual way saves no registers.
+// Kept out of line so that the common path saves no registers.
 #define TAVU_RARE __attribute__((noinline))
 
 namespace tavu {
@@ -13,7 +13,7 @@ namespace {
 
 constexpr int32_t CACHE_BYTES = 4;
 
-// Takes over a buffer, by integers, for an empty one may be null.
+// Sets the buffer. Computes with integers because an empty buffer may be null.
 template <class Bs, class Byte>
 void set_buffer(Bs *bs, Byte *buf, int32_t size) {
     const uintptr_t last = reinterpret_cast<uintptr_t>(buf) + static_cast<uintptr_t>(size) - 1;
@@ -30,7 +30,7 @@ intptr_t remaining(const Bs *bs) {
                                  reinterpret_cast<uintptr_t>(bs->cur));
 }
 
-// The conversion of a word between the processor's order of bytes and the stream's.
+// Converts a word between native and big-endian byte order.
 inline uint32_t big_endian(uint32_t word) {
 #if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
     word = __builtin_bswap32(word);

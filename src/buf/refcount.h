@@ -21,8 +21,8 @@ int32_t getref(Object *object) {
     return __atomic_load_n(&object->refcnt, __ATOMIC_RELAXED);
 }
 
-// Drops a reference; the last one hands the object to Free. Ordered, so that what other owners did to
-// the payload before they let go comes before its memory is given back.
+// Drops a reference and frees the object with the last one. The decrement is ordered: the accesses
+// that every owner made to the payload come before it is freed.
 template <class Object, void (*Free)(Object *)>
 int32_t release(Object *object) {
     if (object == nullptr) return TAVU_ERR_INVALID_ARGUMENT;

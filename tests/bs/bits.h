@@ -1,4 +1,4 @@
-// Bits as strings of 0 and 1, the plain form that reader and writer are held against.
+// Bits as strings of 0 and 1, the plain form that the reader and the writer are compared with.
 #ifndef TAVU_TESTS_BITS_H
 #define TAVU_TESTS_BITS_H
 
