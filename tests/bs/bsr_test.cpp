@@ -61,7 +61,7 @@ TEST(Bsr, EndOfData) {
     tavu_bsr_skip(&none, 5);
     EXPECT_EQ(none.leftbits, 0);
 
-    // Missing bits are zeros, and the next bits count as read; only then a read fails.
+    // Missing bits read as zeros and are owed; the next read that needs a refill fails.
     Reader byte({0xAB});
     EXPECT_EQ(tavu_bsr_read(&byte, 12), 0xAB0);
     EXPECT_EQ(byte.leftbits, -4);
@@ -117,7 +117,7 @@ TEST(Bsr, UnaryRunsEndWithinTheCache) {
     EXPECT_EQ(r.position(), 16);
 }
 
-// A run that fills the cache takes its 0 from the empty position behind it.
+// A run that fills the cache takes its 0 from the empty position after the cache.
 TEST(Bsr, UnaryRunsToTheEndOfTheCacheStopThere) {
     Reader r({0x00, 0x00, 0x00, 0x03, 0xE0, 0, 0, 0, 0});
     tavu_bsr_skip(&r, 30);
@@ -151,7 +151,7 @@ TEST(Bsr, TruncatedUnary) {
         EXPECT_EQ(r.position(), 1 + c.consumed) << c.bits;
     }
 
-    // A full cache is not looked at when it holds enough bits, else dropped and counted as ones.
+    // A full cache is not examined: it is consumed if it holds enough bits, else counted as ones.
     Reader full({0, 0, 0, 0, 0xF0, 0, 0, 0});
     tavu_bsr_peek(&full, 32);
     EXPECT_EQ(tavu_bsr_read_tu(&full, 3), 3);
@@ -160,7 +160,7 @@ TEST(Bsr, TruncatedUnary) {
     tavu_bsr_peek(&refilled, 32);
     EXPECT_EQ(tavu_bsr_read_tu(&refilled, 40), 36);
     EXPECT_EQ(refilled.leftbits, 27);
-    // With more ones than `max`, that many bits of the new cache are consumed all the same.
+    // With more ones than `max`, `max` bits of the new cache are consumed.
     Reader over({0, 0, 0, 0, 0xFF, 0xFF, 0, 0});
     tavu_bsr_peek(&over, 32);
     EXPECT_EQ(tavu_bsr_read_tu(&over, 33), 33);
@@ -218,12 +218,12 @@ TEST(Bsr, EachFunctionHasItsWayWithAnOwedBit) {
         uint32_t value;
         int moved;  // bits of the second word that count as consumed
     } const cases[] = {
-        {0x60000000, READ, 4, 0, 0xC, 5},           // the owed bit is above those asked for
-        {0xE0000000, READ, 4, 0, 0x1C, 5},          //
-        {0xE0000000, READ, 0, 0, 1, 1},             //
-        {0xE0000001, READ, 31, 0, 0xE0000001, 32},  //
-        {0xE0000001, READ, 32, 0, 0, 33},           // one bit more than a word is lost
-        {0xE0000000, READ1, 0, 0, 0, 2},            // without a look
+        {0x60000000, READ, 4, 0, 0xC, 5},  // the owed bit is above those asked for
+        {0xE0000000, READ, 4, 0, 0x1C, 5},
+        {0xE0000000, READ, 0, 0, 1, 1},
+        {0xE0000001, READ, 31, 0, 0xE0000001, 32},
+        {0xE0000001, READ, 32, 0, 0, 33},  // one bit more than a word is lost
+        {0xE0000000, READ1, 0, 0, 0, 2},   // without a look
         {0x00000000, TE, 0, 1, 1, 2},
         {0x60000000, SKIP, 0, 0, 0, 1},
         {0x60000000, SKIP_PEEK, 3, 0, 6, 1},
@@ -235,12 +235,12 @@ TEST(Bsr, EachFunctionHasItsWayWithAnOwedBit) {
         {0x10000000, SE, 0, 0, 2, 6},
         {0x60000000, UE, 0, 0, 0, 1},           // the code is not consumed
         {0xA0000000, UE, 0, 0, UINT32_MAX, 0},  // nothing is
-        {0xA0000000, SE, 0, 0, 0, 0},           //
-        {0xD0000000, UN, 0, 0, 1, 3},           // right if the owed bit is 1
-        {0x60000000, UN, 0, 0, UINT32_MAX, 1},  //
-        {0xD0000000, TU, 1, 0, 1, 3},           //
-        {0x60000000, TU, 1, 0, UINT32_MAX, 1},  //
-        {0xF8000000, TU, 1, 0, 2, 2},           // the owed bit is taken for one of `max`
+        {0xA0000000, SE, 0, 0, 0, 0},
+        {0xD0000000, UN, 0, 0, 1, 3},  // right if the owed bit is 1
+        {0x60000000, UN, 0, 0, UINT32_MAX, 1},
+        {0xD0000000, TU, 1, 0, 1, 3},
+        {0x60000000, TU, 1, 0, UINT32_MAX, 1},
+        {0xF8000000, TU, 1, 0, 2, 2},  // the owed bit is taken for one of `max`
     };
     for (const auto &c : cases) {
         Bytes data(12, 0xFF);
@@ -347,15 +347,15 @@ TEST(Bsr, ARefillThatNotesTheEndFindsEveryHeaderCutShortAndNoOther) {
             const Reader cut(Bytes(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size)));
             Noting r{};
             tavu_bsr_init(&r.bits, cut.beg, cut.size, Noting::refill);
-            bool missed = false;  // by a caller who tests each result
+            bool noticed = false;  // by a caller who tests each result
             for (const Header::Field &field : header.fields) {
                 const bool failed = read_field(&r.bits, field) < 0 || r.bits.leftbits < 0;
                 const bool shows = field.kind != Header::SKIP && field.kind != Header::SE;
                 if (field.end <= 8 * size) {
                     ASSERT_FALSE(failed || r.cut_short());
-                } else if (shows && field.kind != Header::ALIGN && !missed) {
+                } else if (shows && field.kind != Header::ALIGN && !noticed) {
                     ASSERT_TRUE(failed);
-                    missed = true;
+                    noticed = true;
                 }
             }
             ASSERT_EQ(r.cut_short(), header.bits.size() > 8 * size) << "round " << round;

@@ -10,7 +10,7 @@
 
 namespace {
 
-// A writer on a guarded buffer beside what it should be: all bits as a string.
+// A writer on a guarded buffer; compares it with all bits written so far, as a string.
 struct Writer : tavu_bsw_t {
     explicit Writer(size_t bytes, size_t slack = 0) : memory(bytes + slack) {
         tavu_bsw_init(this, memory.data(), static_cast<int32_t>(bytes), nullptr);
@@ -58,7 +58,7 @@ TEST(Bsw, LongestCodesAndTheirSizes) {
     w.expect(exp_golomb(65534) + exp_golomb(65533) + exp_golomb(65534) + "1");
 }
 
-// A full cache is spilled only if a byte more than it needs is left.
+// A full cache is spilled only if one byte more than needed is left.
 TEST(Bsw, WritesWantASpareByte) {
     Writer five(5);
     EXPECT_EQ(tavu_bsw_write(&five, 0x12345678, 32), 0);
@@ -84,7 +84,7 @@ TEST(Bsw, WritesWantASpareByte) {
     EXPECT_EQ(tavu_bsw_sink(&none), -1);
 }
 
-// Single bits ask for one byte only, so that three may go beyond the end.
+// Single bits require one byte only, so three may go past the end.
 TEST(Bsw, SingleBitsMayWriteThreeBytesBeyondTheEnd) {
     Writer w(1, 3);
     std::string bits;
@@ -94,7 +94,7 @@ TEST(Bsw, SingleBitsMayWriteThreeBytesBeyondTheEnd) {
     }
     w.expect(bits);
 
-    // Without a byte the full cache stays; further bits are lost without a word.
+    // Without a byte the full cache stays; further bits are dropped without an error.
     for (int i = 0; i < 31; i++) EXPECT_EQ(tavu_bsw_write1(&w, 1), 0);
     EXPECT_EQ(tavu_bsw_write1(&w, 0), -1);
     EXPECT_EQ(w.code, 0xFFFFFFFEU);
@@ -178,7 +178,7 @@ TEST(Bsw, SpillsThroughTheGivenFunction) {
     EXPECT_EQ(tavu_bsw_deinit(&w), 77);
     EXPECT_EQ(Bytes(w.beg, w.cur), (Bytes{0xFF, 0xFF, 0xFF, 0xFE, 0x7F}));
 
-    // The default one writes whole bytes, tests nothing, and leaves the count of free bits.
+    // The default one writes whole bytes, checks nothing, and keeps the count of free bits.
     Writer own(4);
     EXPECT_EQ(tavu_bsw_deinit(&own), 0);
     EXPECT_EQ(own.cur, own.beg);
