@@ -2,8 +2,13 @@
 
 #include <algorithm>
 #include <memory>
+#include <numeric>
+#include <random>
+#include <set>
 #include <string>
+#include <utility>
 
+#include "container/ring_model.h"
 #include "memory.h"
 #include "tavu.h"
 
@@ -58,6 +63,116 @@ TEST(Rbuf, CompletesLinesAndMovesTheTailByTheirLength) {
     // At the end of the storage the size is not looked at, and a line end split by it counts for 3.
     expect_line("ab\r\nc", 4, 1, "ab\r\n", 8);
     expect_line("a\r\nb", 6, 12, "a\r\n#", 1);
+}
+
+// Runs every operation in every state that they lead to from the empty ring.
+class States {
+  public:
+    explicit States(int32_t size) : size_(size), pair_(size) { visit(0, 0); }
+
+    void explore() {
+        for (size_t i = 0; i < reached_.size() && !testing::Test::HasFailure(); i++) {
+            const auto [head, tail] = reached_[i];
+            for (const RingOp op :
+                 {RingOp::EMPTY, RingOp::GET, RingOp::SKIP_HEAD, RingOp::SKIP_TAIL, RingOp::PUT}) {
+                run(head, tail, distinct('A'), op);
+            }
+            // All contents of a small storage, some of a larger one.
+            for (int digits = 0; digits < 1 << 2 * size_; digits += size_ < 5 ? 1 : 7) {
+                run(head, tail, text(digits), RingOp::LINE);
+            }
+        }
+    }
+
+  private:
+    static constexpr int32_t FEWEST = -3;  // the lowest count, and position to start from
+
+    Bytes distinct(uint8_t first) const {
+        Bytes bytes(static_cast<size_t>(size_ + 8));
+        std::iota(bytes.begin(), bytes.end(), first);
+        return bytes;
+    }
+    Bytes text(int digits) const {
+        Bytes bytes(static_cast<size_t>(size_));
+        for (uint8_t &byte : bytes) {
+            byte = static_cast<uint8_t>("a\r\n\0"[digits % 4]);
+            digits /= 4;
+        }
+        return bytes;
+    }
+    void visit(int64_t head, int64_t tail) {
+        const std::pair state(head, tail);
+        if (std::min(head, tail) < FEWEST || !known_.insert(state).second) return;
+        reached_.push_back(state);
+    }
+    void run(int64_t head, int64_t tail, const Bytes &content, RingOp op) {
+        for (int32_t n : {-3, -2, -1, 0, 1, 2, 3, 4, 5, 6, 7, 8, INT32_MAX, INT32_MIN / 2}) {
+            pair_.set(head, tail, content);
+            ASSERT_TRUE(pair_.step(op, n, distinct('a')))
+                << "size " << size_ << ", head " << head << ", tail " << tail << ", operation "
+                << static_cast<int>(op) << ", count " << n;
+            visit(pair_.model.h, pair_.model.t);
+        }
+    }
+
+    int32_t size_;
+    RingPair pair_;
+    std::set<std::pair<int64_t, int64_t>> known_;
+    std::vector<std::pair<int64_t, int64_t>> reached_;  // heads and tails
+};
+
+TEST(Rbuf, FollowsItsRulesInEveryState) {
+    for (int32_t size = 1; size <= 6; size++) States(size).explore();
+}
+
+TEST(Rbuf, FollowsItsRulesInLargeRings) {
+    const Bytes kinds = {'x', 'x', 'x', '\r', '\n', '\n', '\0'};
+    std::mt19937 random(1);
+    const auto below = [&](int32_t n) {
+        return static_cast<int>(random() % static_cast<unsigned>(n));
+    };
+    for (int i = 0; i < 300; i++) {
+        const int32_t size = below(1024) + 1, most = size / (i % 4 + 1) + 4;
+        RingPair pair(size);
+        for (int j = 0; j < 100; j++) {
+            Bytes src(static_cast<size_t>(most), 'x');
+            for (size_t k = 0; k < src.size(); k += 1 + static_cast<size_t>(below(i % 50 + 1))) {
+                src[k] = kinds[random() % kinds.size()];
+            }
+            const auto op = static_cast<RingOp>(std::min(below(9), 5));
+            ASSERT_TRUE(pair.step(op, below(most + 4) - 3, src)) << i << " " << j;
+        }
+    }
+}
+
+TEST(Rbuf, TouchesNothingButItsStorageAtTheExtremes) {
+    for (const RingOp mover : {RingOp::SKIP_HEAD, RingOp::SKIP_TAIL}) {
+        for (const RingOp op : {RingOp::GET, RingOp::LINE, RingOp::PUT}) {
+            RingPair pair(4);
+            EXPECT_TRUE(pair.step(RingOp::PUT, 4, {'a', 'b', 'c', 'd'}));
+            // Back to 0, to the lowest position, to 0 again, below it, and from there to the highest.
+            for (const int32_t count : {-4, INT32_MIN, INT32_MIN, -1, INT32_MIN}) {
+                EXPECT_TRUE(pair.step(mover, count) && pair.step(op, 16, Bytes(16, 'x'))) << count;
+            }
+        }
+    }
+}
+
+// Vectors must stop at the last byte of the storage, and start at the tail.
+TEST(Rbuf, LooksForLineEndsInTheStoredBytesOnly) {
+    constexpr int32_t BEFORE = 40;
+    for (int32_t length = 1; length < 100; length++) {
+        Bytes content(static_cast<size_t>(BEFORE), '\n');
+        content.resize(static_cast<size_t>(BEFORE + length), 'x');
+        GuardedBytes storage(content), line(static_cast<size_t>(length + 3));
+        for (const int32_t head : {0, BEFORE + length}) {
+            tavu_rbuf_t ring{head, BEFORE, BEFORE + length, storage.data()};
+            EXPECT_EQ(tavu_rbuf_get_one_line(&ring, line.data(), length + 1), 0);
+            storage.data()[BEFORE + length - 1] = '\n';
+            EXPECT_EQ(tavu_rbuf_get_one_line(&ring, line.data(), length + 1), length + 1);
+            storage.data()[BEFORE + length - 1] = 'x';
+        }
+    }
 }
 
 TEST(Rbuf, RefusesWhatItCannotHold) {

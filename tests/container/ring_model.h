@@ -1,0 +1,270 @@
+// The rules of the ring buffer, step by step, over memory in which bytes may be missing: there is none
+// outside the storage and none in front of the caller's buffer.
+#ifndef TAVU_TESTS_CONTAINER_RING_MODEL_H
+#define TAVU_TESTS_CONTAINER_RING_MODEL_H
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "tavu.h"
+
+enum class RingOp { EMPTY, GET, SKIP_HEAD, SKIP_TAIL, LINE, PUT };
+
+// Bytes at the positions 0 to size - 1, with a margin on both sides that nothing may write to.
+class RingMemory {
+  public:
+    static constexpr int64_t NONE = -1, MARGIN = 8;
+
+    explicit RingMemory(int64_t size) : bytes_(static_cast<size_t>(size + 2 * MARGIN), 0xA5) {}
+    int64_t size() const { return static_cast<int64_t>(bytes_.size()) - 2 * MARGIN; }
+    uint8_t *data() { return bytes_.data() + MARGIN; }
+    bool holds(const uint8_t *bytes) const {
+        return std::equal(bytes, bytes + size(), bytes_.begin() + MARGIN);
+    }
+    bool operator==(const RingMemory &other) const { return bytes_ == other.bytes_; }
+
+    int64_t read(int64_t at) const {
+        return at < 0 || at >= size() ? NONE : bytes_[static_cast<size_t>(at + MARGIN)];
+    }
+    void write(int64_t at, int64_t byte) {
+        beyond_ = beyond_ || at >= size();
+        if (at >= 0 && at < size() && byte != NONE) data()[at] = static_cast<uint8_t>(byte);
+    }
+    bool written_beyond() const { return beyond_; }
+    void copy(int64_t to, const RingMemory &src, int64_t from, int64_t count) {
+        for (int64_t i = 0; i < count; i++) write(to + i, src.read(from + i));
+    }
+
+  private:
+    std::vector<uint8_t> bytes_;
+    bool beyond_ = false;
+};
+
+struct RingModel {
+    explicit RingModel(int64_t size) : s(size), storage(size) {
+        for (int64_t i = 0; i < size; i++) storage.write(i, 0);
+    }
+
+    bool empty() const { return h == t; }
+    bool full() const { return h == mod(t + s - 1); }
+    int64_t fill_len() const { return h >= t ? h - t : h + s - 1 - t; }
+    int64_t fillc_len() const { return h >= t ? h - t : s - t; }
+    int64_t free_len() const { return h >= t ? t + s + 1 - h : t - 1 - h; }
+    int64_t freec_len() const { return h < t ? t - 1 - h : t != 0 ? s - h : s - 1 - h; }
+
+    int64_t skip_head(int64_t n) {
+        if (full()) return 0;
+        if (h < t) {
+            const int64_t k = std::min(n, t - 1 - h);
+            h += k;
+            return k;
+        }
+        const int64_t room = s - h;
+        if (n < room) {
+            h += n;
+            return n;
+        }
+        if (t == 0) return std::min(n, room - 1);
+        int64_t r = n - room;
+        if (t <= r) r = t - 1;
+        h = r;
+        return room + r;
+    }
+
+    int64_t skip_tail(int64_t n) {
+        if (empty()) return 0;
+        if (h > t) {
+            const int64_t k = std::min(n, h - t);
+            t += k;
+            return k;
+        }
+        const int64_t room = s - t;
+        if (n < room) {
+            t += n;
+            return n;
+        }
+        const int64_t k = std::min(n - room, h);
+        t = k;
+        return room + k;
+    }
+
+    int64_t put(const RingMemory &src, int64_t n) {
+        if (n < 0 || full()) return 0;
+        const int64_t room = s - h;
+        if (h < t ? t - h > n : n < room || (t == 0 && n == room)) {
+            storage.copy(h, src, 0, n);
+            h += n;
+            return n;
+        }
+        if (h < t || t == 0) return 0;
+        storage.copy(h, src, 0, room);
+        const int64_t r = n - room;
+        if (t <= r) return 0;
+        storage.copy(0, src, room, r);
+        h = r;
+        return room + r;
+    }
+
+    int64_t get(RingMemory *dst, int64_t n) {
+        if (n < 0 || empty()) return 0;
+        if (h > t) {
+            const int64_t k = std::min(n, h - t);
+            dst->copy(0, storage, t, k);
+            t += k;
+            return k;
+        }
+        const int64_t first = s - t;
+        dst->copy(0, storage, t, std::min(n, first));
+        if (n <= first) {
+            t = mod(t + n);
+            return n;
+        }
+        const int64_t k = std::min(n - first, h);
+        dst->copy(first, storage, 0, k);
+        t = k;
+        return first + k;
+    }
+
+    int64_t get_one_line(RingMemory *dst, int64_t z) {
+        if (empty()) return 0;
+        const int64_t first = s - t;
+        const int64_t n = copy_line(dst, 0, t, h > t ? std::min(z - 1, h - t) : first);
+        if (n > 0) return finish_line(dst, n, t + n);
+        if (h > t || z <= first) return n;
+        if (storage.read(s - 1) == '\r' && storage.read(0) == '\n') {
+            dst->write(first, '\n');
+            return finish_line(dst, first + 2, 1);
+        }
+        const int64_t m = copy_line(dst, first, 0, std::min(z - first, h));
+        return m > 0 ? finish_line(dst, first + m, m) : m;
+    }
+
+    int64_t s, h = 0, t = 0;
+    RingMemory storage;
+
+  private:
+    int64_t mod(int64_t position) const { return static_cast<uint32_t>(position) % s; }
+
+    int64_t copy_line(RingMemory *dst, int64_t to, int64_t from, int64_t m) const {
+        for (int64_t i = 0; i < m; i++) {
+            const int64_t byte = storage.read(from + i);
+            dst->write(to + i, byte);
+            if (byte == RingMemory::NONE || byte == 0) return 0;
+            if (byte != '\n') continue;
+            if (i > 0 && storage.read(from + i - 1) == '\r') return i + 1;
+            dst->write(to + i, '\r');
+            dst->write(to + i + 1, '\n');
+            return i + 2;
+        }
+        return 0;
+    }
+    int64_t finish_line(RingMemory *dst, int64_t length, int64_t tail) {
+        dst->write(length, 0);
+        t = tail;
+        return length;
+    }
+};
+
+// A ring buffer and its model.
+class RingPair {
+  public:
+    explicit RingPair(int32_t size)
+        : model(size), ring_(tavu_rbuf_create(size), tavu_rbuf_delete) {}
+
+    // `storage` may be longer than the ring's.
+    void set(int64_t head, int64_t tail, const std::vector<uint8_t> &storage) {
+        model.h = ring_->head = narrow(head);
+        model.t = ring_->tail = narrow(tail);
+        std::copy_n(storage.begin(), model.s, ring_->buf);
+        std::copy_n(storage.begin(), model.s, model.storage.data());
+    }
+
+    // One operation on both; false if they differ in the result, in what they write to a buffer of
+    // the size that the header demands, or in their state.
+    bool step(RingOp op, int32_t n, const std::vector<uint8_t> &src = {}) {
+        RingMemory ours(room(op, n)), wanted = ours;
+        const int32_t result = call(op, n, src.data(), ours.data());
+        const bool same = result == narrow(call_model(op, n, src, &wanted));
+        model.h = narrow(model.h);
+        model.t = narrow(model.t);
+        return same && ours == wanted && !wanted.written_beyond() && same_state();
+    }
+
+    // Fills the bytes that may be written in place.
+    void write_in_place() {
+        uint8_t *at;
+        int32_t len;
+        tavu_rbuf_get_head(ring_.get(), &at, &len);
+        for (int64_t i = 0; i < len; i++) {
+            if (model.storage.read(model.h + i) == RingMemory::NONE) continue;
+            model.storage.write(model.h + i, '+');
+            at[i] = '+';
+        }
+    }
+
+    RingModel model;
+
+  private:
+    // Positions and results have 32 bits.
+    static int32_t narrow(int64_t value) { return static_cast<int32_t>(value); }
+
+    // Bytes of a destination, as in the header; it is longer than anything delivered.
+    int64_t room(RingOp op, int64_t n) const {
+        const int64_t wanted = std::clamp<int64_t>(n, 0, 2 * model.s + 8);
+        if (op == RingOp::GET) return wanted;
+        return op == RingOp::LINE ? std::max(wanted, model.h < model.t ? model.s - model.t : 0) + 2
+                                  : 0;
+    }
+
+    int32_t call(RingOp op, int32_t n, const uint8_t *src, uint8_t *dst) {
+        tavu_rbuf_t *ring = ring_.get();
+        switch (op) {
+            case RingOp::GET: return tavu_rbuf_get(ring, dst, n);
+            case RingOp::LINE: return tavu_rbuf_get_one_line(ring, dst, n);
+            case RingOp::PUT: return tavu_rbuf_put(ring, src, n);
+            case RingOp::SKIP_HEAD: return tavu_rbuf_skip_head(ring, n);
+            case RingOp::SKIP_TAIL: return tavu_rbuf_skip_tail(ring, n);
+            default: tavu_rbuf_empty(ring); return 0;
+        }
+    }
+
+    int64_t call_model(RingOp op, int64_t n, const std::vector<uint8_t> &src, RingMemory *dst) {
+        RingMemory from(static_cast<int64_t>(src.size()));
+        std::copy(src.begin(), src.end(), from.data());
+        switch (op) {
+            case RingOp::GET: return model.get(dst, n);
+            case RingOp::LINE: return model.get_one_line(dst, n);
+            case RingOp::PUT: return model.put(from, n);
+            case RingOp::SKIP_HEAD: return model.skip_head(n);
+            case RingOp::SKIP_TAIL: return model.skip_tail(n);
+            default: model.t = model.h; return 0;
+        }
+    }
+
+    bool same_state() const {
+        tavu_rbuf_t *r = ring_.get();
+        return r->head == model.h && r->tail == model.t && model.storage.holds(r->buf) &&
+               tavu_rbuf_is_empty(r) == model.empty() && tavu_rbuf_is_full(r) == model.full() &&
+               tavu_rbuf_get_tot_len(r) == model.s - 1 &&
+               tavu_rbuf_get_fill_len(r) == narrow(model.fill_len()) &&
+               tavu_rbuf_get_fillc_len(r) == narrow(model.fillc_len()) &&
+               tavu_rbuf_get_free_len(r) == narrow(model.free_len()) &&
+               tavu_rbuf_get_freec_len(r) == narrow(model.freec_len()) &&
+               same_place(tavu_rbuf_get_head, model.full(), model.h, model.freec_len()) &&
+               same_place(tavu_rbuf_get_tail, model.empty(), model.t, model.fillc_len());
+    }
+
+    template <class Get>
+    bool same_place(Get get, bool none, int64_t position, int64_t length) const {
+        uint8_t *at, *const wanted = none ? nullptr : ring_->buf + position;
+        int32_t len;
+        const int32_t status = get(ring_.get(), &at, &len);
+        return status == 0 && at == wanted && len == (none ? 0 : narrow(length));
+    }
+
+    std::unique_ptr<tavu_rbuf_t, void (*)(tavu_rbuf_t *)> ring_;
+};
+
+#endif
