@@ -63,11 +63,33 @@ std::pair<uint32_t, uint32_t> step(tavu_list_t *list, Model *m, unsigned random)
     }
 }
 
+tavu_list_t *watched;
 Values released;
 
-void on_release(void *data) { released.push_back(value(data)); }
+// The element is no longer linked, but still counted.
+void on_release(void *data) {
+    released.push_back(value(data));
+    int32_t linked = 0;
+    for (auto *n = watched->head->next; n != watched->tail; n = n->next, linked++) {
+        require(n + 1 != data);
+    }
+    require(tavu_list_get_cnt(watched) == linked + 1);
+}
+
+// Both directions meet the values, between markers that point at themselves at the outer ends.
+void check_links(const tavu_list_t *list, const Values &values) {
+    require(list->head->prev == list->head && list->tail->next == list->tail);
+    tavu_list_node_t *before = list->head;
+    for (const uint32_t v : values) {
+        require(before->next->prev == before);
+        before = before->next;
+        require(value(before + 1) == v);
+    }
+    require(before->next == list->tail && list->tail->prev == before);
+}
 
 void check(tavu_list_t *list, const Model &m) {
+    check_links(list, m.values);
     require(tavu_list_get_cnt(list) == m.cnt());
     require(value(tavu_list_get_cur(list)) == m.at(m.cur));
     require(value(tavu_list_get_first(list)) == m.at(0));
@@ -80,8 +102,9 @@ void check(tavu_list_t *list, const Model &m) {
 int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     Input in(data, size);
     released.clear();
-    tavu_list_t *list = tavu_list_create(4, on_release);
+    tavu_list_t *list = watched = tavu_list_create(4, on_release);
     Model model;
+    check(list, model);
     while (!in.empty()) {
         const uint8_t op = in.byte();
         // The position is from the byte's upper bits; only a few operations look at it.

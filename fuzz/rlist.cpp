@@ -6,18 +6,28 @@
 
 namespace {
 
-using Queue = std::deque<uint8_t *>;
+struct Filled {
+    uint8_t *slot, value;  // all bytes of the slot have that value
+};
 
-// Takes a slot, checks that it is the one whose turn it is, and fills it.
+using Queue = std::deque<Filled>;
+
+void require_kept(const Filled &filled, uint32_t size) {
+    for (uint32_t i = 0; i < size; i++) require(filled.slot[i] == filled.value);
+}
+
+// Takes a slot, checks that it is the one whose turn it is and holds what it held, and refills it.
 void take(tavu_rlist_t *pool, Queue *free, Queue *used, uint8_t value) {
     auto *slot = static_cast<uint8_t *>(tavu_rlist_get_buf(pool));
     require((slot != nullptr) == (static_cast<int32_t>(used->size()) < pool->capacity));
     if (slot == nullptr) return;
     // A slot that was never taken before is in no queue yet.
-    const bool fresh = static_cast<int32_t>(free->size() + used->size()) < pool->capacity;
-    require(fresh || slot == free->front());
-    if (!fresh) free->pop_front();
-    used->push_back(slot);
+    if (static_cast<int32_t>(free->size() + used->size()) == pool->capacity) {
+        require(slot == free->front().slot);
+        require_kept(free->front(), pool->slot_size);
+        free->pop_front();
+    }
+    used->push_back({slot, value});
     memset(slot, value, pool->slot_size);
 }
 
@@ -48,8 +58,8 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
             for (size_t n = used.size(); n > 0; n--) give_back(capacity, &free, &used);
         }
         const auto *oldest = static_cast<uint8_t *>(tavu_rlist_get_data(pool));
-        require(oldest == (used.empty() ? nullptr : used.front()));
-        for (uint32_t i = 0; oldest != nullptr && i < slot_size; i++) require(oldest[i] == *oldest);
+        require(oldest == (used.empty() ? nullptr : used.front().slot));
+        if (oldest != nullptr) require_kept(used.front(), slot_size);
         require(tavu_rlist_get_used_cnt(pool) == static_cast<int32_t>(used.size()));
         require(tavu_rlist_get_free_cnt(pool) == capacity - static_cast<int32_t>(used.size()));
     }

@@ -19,7 +19,11 @@ Values released;
 
 void on_release(void *data) {
     released.push_back(value(data));
-    for (auto *n = watched->head; n != watched->tail; n = n->next) EXPECT_NE(n + 1, data);
+    int32_t linked = 0;
+    for (auto *n = watched->head->next; n != watched->tail; n = n->next, linked++) {
+        EXPECT_NE(n + 1, data);
+    }
+    EXPECT_EQ(tavu_list_get_cnt(watched), linked + 1);
 }
 
 List list_of(const Values &values) {
@@ -32,6 +36,8 @@ List list_of(const Values &values) {
 TEST(List, InsertsAtTheEndsOnlyAndTakesNegativePositionsForTheFirst) {
     EXPECT_EQ(tavu_list_get_at(list_of({}).get(), -5), nullptr);
     const List list = list_of({1, 2, 3});
+    EXPECT_EQ(list->head->prev, list->head);
+    EXPECT_EQ(list->tail->next, list->tail);
     const uint32_t four = 4;
     for (int i : {0, 1, 2, 4}) EXPECT_EQ(tavu_list_insert_at(list.get(), &four, i), nullptr);
     EXPECT_EQ(value(tavu_list_insert_at(list.get(), &four, 3)), 4U);

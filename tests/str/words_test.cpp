@@ -84,7 +84,10 @@ TEST(Words, OneLine) {
 
 TEST(Words, TokensWithoutAskingForWhatFollows) {
     int32_t len = 99;
-    EXPECT_EQ(tavu_str_parse_by_ctok(Text("a\xE9z"), -0x17, &len, nullptr) + len, 1);
+    // Only the low 8 bits of a delimiter count.
+    for (const int delim : {0xE9, -0x17, 0x1E9, INT32_MAX - 0x16}) {
+        EXPECT_EQ(tavu_str_parse_by_ctok(Text("a\xE9z"), delim, &len, nullptr) + len, 1) << delim;
+    }
     EXPECT_EQ(tavu_str_parse_by_stok(Text("ab:c"), ":", &len, nullptr) + len, 2);
 }
 
