@@ -1,6 +1,7 @@
-# Runs PROGRAM (a list) and compares its output with PRINTS and, if given, the file that it WRITES
-# with a digest.
-execute_process(COMMAND ${PROGRAM} OUTPUT_VARIABLE output RESULT_VARIABLE result)
+# Runs PROGRAM (a list) with INPUT, whose escapes printf resolves, as its standard input. Compares its
+# output with PRINTS and, if given, the file that it WRITES with a digest.
+execute_process(COMMAND printf "${INPUT}" COMMAND ${PROGRAM} OUTPUT_VARIABLE output
+                RESULT_VARIABLE result TIMEOUT 60)
 if(NOT result EQUAL 0)
   message(FATAL_ERROR "The program ended with ${result}")
 endif()

@@ -1,39 +1,57 @@
 /*
- * Takes lines out of a ring buffer that is fed with chunks, as from a socket.
+ * Prints the lines of standard input, which a ring buffer receives in chunks, as from a socket. What
+ * does not end in a line feed, or is longer than the ring, is printed in pieces that end in "...".
  * Build: cc lines.c $(pkg-config --cflags --libs tavu)
  *
- * Lines must end in CR LF. Of a stream whose lines end in LF alone each line but the first would
- * lose its first byte, for CR LF is delivered and as many bytes are taken out.
+ * tavu_rbuf_get_one_line() needs lines without zero bytes that end in CR LF, and these two stored
+ * together: feed() drops every zero byte and carriage return and stores a line feed as CR LF.
  */
 #include <stdio.h>
 #include <string.h>
 #include <tavu.h>
 
-enum { STORAGE = 48, LONGEST_LINE = 40 };
+enum { STORAGE = 48, CHUNK = 16 };
 
-static const char *const chunks[] = {
-    "PLAY rtsp://cam", ":554/live RTSP",          "/1.0\r\nCSe",
-    "q: 3\r\n\r",      "\nTEARDOWN * RTSP/1.0\r", "\nCSeq: 4\r\nrest"};
-
-static void print_lines(tavu_rbuf_t *ring) {
-    char line[LONGEST_LINE + 3];
+/* Returns the number of lines. */
+static int print_lines(tavu_rbuf_t *ring) {
+    char line[STORAGE + 3]; /* the size passed and 2 bytes more */
+    int count = 0;
     int32_t length;
-    while ((length = tavu_rbuf_get_one_line(ring, line, sizeof line)) > 0) {
-        length -= 2; /* CR LF */
-        printf("[%.*s]\n", length, line);
+    /* A size of STORAGE + 1 admits every line that the ring can hold. */
+    while ((length = tavu_rbuf_get_one_line(ring, line, STORAGE + 1)) > 0) {
+        /* Where the end of the storage splits CR LF, the last byte of `length` is not written. */
+        const char *line_feed = memchr(line, '\n', (size_t)length);
+        printf("[%.*s]\n", (int)(line_feed - line) - 1, line);
+        count++;
+    }
+    return count;
+}
+
+static void print_piece(tavu_rbuf_t *ring) {
+    char piece[STORAGE];
+    const int32_t length = tavu_rbuf_get(ring, piece, STORAGE);
+    if (length > 0) printf("[%.*s...\n", length, piece);
+}
+
+static void feed(tavu_rbuf_t *ring, char byte) {
+    const int32_t length = byte == '\n' ? 2 : 1;
+    if (byte == '\0' || byte == '\r') return;
+    /* All or nothing: 0 when there is too little space. */
+    while (tavu_rbuf_put(ring, byte == '\n' ? "\r\n" : &byte, length) == 0) {
+        if (print_lines(ring) == 0) print_piece(ring);
     }
 }
 
 int main(void) {
+    char chunk[CHUNK];
+    size_t count;
     tavu_rbuf_t *ring = tavu_rbuf_create(STORAGE);
     if (ring == NULL) return 1;
-    int failed = 0;
-    for (size_t i = 0; i < sizeof chunks / sizeof chunks[0] && !failed; i++) {
-        const int32_t length = (int32_t)strlen(chunks[i]);
-        failed = tavu_rbuf_put(ring, chunks[i], length) != length; /* all or nothing */
+    while ((count = fread(chunk, 1, sizeof chunk, stdin)) > 0) {
+        for (size_t i = 0; i < count; i++) feed(ring, chunk[i]);
         print_lines(ring);
     }
-    printf("%d bytes without a line end\n", tavu_rbuf_get_fill_len(ring));
+    print_piece(ring);
     tavu_rbuf_delete(ring);
-    return failed;
+    return 0;
 }

@@ -18,6 +18,10 @@ class RingMemory {
     static constexpr int64_t NONE = -1, MARGIN = 8;
 
     explicit RingMemory(int64_t size) : bytes_(static_cast<size_t>(size + 2 * MARGIN), 0xA5) {}
+    explicit RingMemory(const std::vector<uint8_t> &content)
+        : RingMemory(static_cast<int64_t>(content.size())) {
+        for (size_t i = 0; i < content.size(); i++) write(static_cast<int64_t>(i), content[i]);
+    }
     int64_t size() const { return static_cast<int64_t>(bytes_.size()) - 2 * MARGIN; }
     uint8_t *data() { return bytes_.data() + MARGIN; }
     bool holds(const uint8_t *bytes) const {
@@ -231,12 +235,10 @@ class RingPair {
     }
 
     int64_t call_model(RingOp op, int64_t n, const std::vector<uint8_t> &src, RingMemory *dst) {
-        RingMemory from(static_cast<int64_t>(src.size()));
-        std::copy(src.begin(), src.end(), from.data());
         switch (op) {
             case RingOp::GET: return model.get(dst, n);
             case RingOp::LINE: return model.get_one_line(dst, n);
-            case RingOp::PUT: return model.put(from, n);
+            case RingOp::PUT: return model.put(RingMemory(src), n);
             case RingOp::SKIP_HEAD: return model.skip_head(n);
             case RingOp::SKIP_TAIL: return model.skip_tail(n);
             default: model.t = model.h; return 0;
