@@ -61,7 +61,7 @@ void check_escaping(const char *src, Text text) {
     require(Text(escaped.text(), len + 1) == Text(wanted.data(), wanted.size()));
 }
 
-// `src` has a byte behind the zero where its last one is "%".
+// `src` has a byte after the zero if its last one is "%".
 void check_unescaping(const Block &src, Text text) {
     const auto digit = [&](size_t i) {
         const uint8_t c = src.data()[i];

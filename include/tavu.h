@@ -1517,43 +1517,42 @@ TAVU_API tavu_csc_routine_t tavu_csc_rsz_yuv444a8_to_rgba8888;
 
 /**
  * @defgroup list Doubly linked list
- * Keeps copies of elements of one size. An element is reached by position, by handle, or by the
+ * Keeps copies of elements of one size. An element is reached by position, by handle or by the
  * cursor. Positions count from 0. Pointers to elements and handles are valid until the element is
- * removed. An element is aligned to two pointers. No function but tavu_list_delete() takes a null
- * list.
+ * removed. Elements are aligned to two pointers. Only tavu_list_delete() accepts a null list.
  *
- * Threads: a list must not be used by two threads at once.
+ * Threads: two threads must not use the same list at once.
  * @{
  */
 
 /**
- * Called with each element that is removed, after it is unlinked and before it is freed. It must
- * not use the list, which still counts the element.
+ * Called with each element that is removed, after it is unlinked and before it is freed. The
+ * callback must not use the list, whose count still includes the element.
  */
 typedef void (*tavu_list_release_fn)(void *data);
 
-/** An element's links; its bytes follow at once. The node's address is the element's handle. */
+/** An element's links, immediately followed by its bytes. The node's address is the handle. */
 typedef struct tavu_list_node_t tavu_list_node_t;
 struct tavu_list_node_t {
-    tavu_list_node_t *prev, /**< the element before, or the head marker */
-        *next;              /**< the element after, or the tail marker */
+    tavu_list_node_t *prev, /**< the previous element, or the head marker */
+        *next;              /**< the next element, or the tail marker */
 };
 
 /** A list; read-only for callers. */
 typedef struct {
     uint32_t elem_size;           /**< bytes of an element */
     int32_t cnt;                  /**< number of elements */
-    tavu_list_node_t *head;       /**< marker before the first element */
-    tavu_list_node_t *tail;       /**< marker after the last element */
+    tavu_list_node_t *head;       /**< marker before the first element; its `prev` is itself */
+    tavu_list_node_t *tail;       /**< marker after the last element; its `next` is itself */
     tavu_list_node_t *cur;        /**< current element or null */
     tavu_list_release_fn release; /**< callback or null */
 } tavu_list_t;
 
 /**
- * Creates an empty list without a current element; give it back with tavu_list_delete().
+ * Creates an empty list without a current element; free it with tavu_list_delete().
  * @param elem_size bytes of an element; 0 is allowed
  * @param release null, or called for each element that is removed
- * @return the list, or null when memory is short
+ * @return the list; null when memory is short
  */
 TAVU_API tavu_list_t *tavu_list_create(uint32_t elem_size, tavu_list_release_fn release);
 
@@ -1562,30 +1561,31 @@ TAVU_API void tavu_list_delete(tavu_list_t *list);
 
 /**
  * Appends a copy of the `elem_size` bytes at `elem`. Adding and inserting never move the cursor.
- * @return the copy, or null when memory is short
+ * @return the copy; null when memory is short
  */
 TAVU_API void *tavu_list_add(tavu_list_t *list, const void *elem);
 
-/** Prepends a copy of an element; otherwise as tavu_list_add(). */
+/** Prepends a copy of an element; otherwise like tavu_list_add(). */
 TAVU_API void *tavu_list_add_first(tavu_list_t *list, const void *elem);
 
 /**
- * Appends a copy if `index` equals the count, prepends one if it is negative; inserts nothing for
- * every other index.
+ * Appends a copy if `index` equals the count, prepends one if it is negative, and inserts nothing
+ * for any other index.
  * @return the copy, or null
  */
 TAVU_API void *tavu_list_insert_at(tavu_list_t *list, const void *elem, int32_t index);
 
 /**
- * The element at a position; a negative one stands for the first. Walks from the nearer end.
- * @return the element; null when the index is not below the count, or the list is empty
+ * Returns the element at a position; a negative position means the first. Walks from the nearer
+ * end.
+ * @return the element; null when the index is not below the count or the list is empty
  */
 TAVU_API void *tavu_list_get_at(tavu_list_t *list, int32_t index);
 
 /** Handle of the element at a position; null when the index is negative or not below the count. */
 TAVU_API void *tavu_list_get_id(tavu_list_t *list, int32_t index);
 
-/** The element with a handle, which must be one of this list; null for null. */
+/** The element with a handle of this list; null for null. */
 TAVU_API void *tavu_list_get_atid(tavu_list_t *list, const void *id);
 
 /** The first element, or null. */
@@ -1596,23 +1596,23 @@ TAVU_API void *tavu_list_get_last(tavu_list_t *list);
 TAVU_API int32_t tavu_list_get_cnt(tavu_list_t *list);
 
 /**
- * Removes the element at a position; nothing when there is none. Walks from the first. Whenever a
- * removed element was the current one, the cursor goes on to the next element, or to none behind
- * the last.
+ * Removes the element at a position, if there is one. Walks from the first element. Whenever the
+ * current element is removed, the next element becomes the current one; after the last there is
+ * none.
  */
 TAVU_API void tavu_list_rem_at(tavu_list_t *list, int32_t index);
 
-/** Removes the element with a handle, which must be one of this list; nothing for null. */
+/** Removes the element with a handle of this list; null is ignored. */
 TAVU_API void tavu_list_rem_atid(tavu_list_t *list, void *id);
 
 /** Removes the first element, if any. */
 TAVU_API void tavu_list_rem_first(tavu_list_t *list);
 /** Removes the last element, if any. */
 TAVU_API void tavu_list_rem_last(tavu_list_t *list);
-/** Removes all elements from first to last; there is no current element then. */
+/** Removes all elements from first to last; no element is current afterwards. */
 TAVU_API void tavu_list_rem_all(tavu_list_t *list);
 
-/** The current element, or null when there is none. */
+/** The current element; null when there is none. */
 TAVU_API void *tavu_list_get_cur(tavu_list_t *list);
 
 /** Makes the first element the current one and returns it, or null. */
@@ -1621,18 +1621,18 @@ TAVU_API void *tavu_list_move_first(tavu_list_t *list);
 TAVU_API void *tavu_list_move_last(tavu_list_t *list);
 
 /**
- * Moves the cursor to the next element and returns it. Behind the last element there is no current
- * element and null is returned, also by every further step in either direction.
+ * Moves the cursor to the next element and returns it. After the last element there is no current
+ * element: this step and every further one, in either direction, return null.
  */
 TAVU_API void *tavu_list_move_next(tavu_list_t *list);
-/** Moves the cursor to the previous element; otherwise as tavu_list_move_next(). */
+/** Moves the cursor to the previous element; otherwise like tavu_list_move_next(). */
 TAVU_API void *tavu_list_move_prev(tavu_list_t *list);
 
 /** Removes the current element, if any. */
 TAVU_API void tavu_list_rem_cur(tavu_list_t *list);
-/** Removes the element before the current one; without a current one the last of the list. */
+/** Removes the element before the current one; without a current one, the last of the list. */
 TAVU_API void tavu_list_rem_prev(tavu_list_t *list);
-/** Removes the element after the current one; without a current one nothing. */
+/** Removes the element after the current one; without a current one, nothing. */
 TAVU_API void tavu_list_rem_next(tavu_list_t *list);
 
 /** @} */
@@ -1641,16 +1641,30 @@ TAVU_API void tavu_list_rem_next(tavu_list_t *list);
 
 /**
  * @defgroup rbuf Ring buffer
- * A byte queue in a ring, which also hands out text lines.
+ * A byte queue in a ring that also delivers text lines.
  *
- * Of the `size` bytes one stays free: the ring is empty when head equals tail and full when head
- * stands one before tail. Some operations leave the head one past the storage, and line feeds
- * without carriage return the tail even two; the length functions follow their formulas and may be
- * negative there, while an operation that would move a negative number of bytes does nothing and
- * returns 0. Negative counts do nothing. Only tavu_rbuf_delete() takes null.
+ * `head` is the index of the next byte to write, `tail` that of the next byte to read. The ring is
+ * empty when they are equal. One byte of the storage stays free: the ring is full when head is one
+ * before tail on the circle. While head is below tail the data *wraps*: it continues from the end
+ * of the storage to its start.
  *
- * Threads: a ring buffer must not be used by two threads at once, not even by one that writes and
- * one that reads.
+ * Positions advance by plain addition and can leave the storage:
+ * - tavu_rbuf_put() can leave the head at `size`, as it says.
+ * - tavu_rbuf_get_one_line() moves the tail one byte too far after a line that was stored without
+ *   CR. The tail can pass the head, so that the ring looks nearly full of old bytes, and it can
+ *   reach `size` + 1. With the head at 0 the ring then looks full and delivers no line.
+ * - Negative counts of the skip functions move a position back, even below 0.
+ *
+ * The formulas of all functions hold in these states too; lengths, results and positions that are
+ * handed out can then be negative or outside the storage. No function accesses a byte outside the
+ * storage or before the start of a caller's buffer: tavu_rbuf_put() and tavu_rbuf_get() count such
+ * a byte without copying it, and tavu_rbuf_get_one_line() takes it for a zero byte.
+ * tavu_rbuf_empty() leaves every such state, unless the head is below 0.
+ *
+ * Only tavu_rbuf_delete() accepts null.
+ *
+ * Threads: two threads must not use the same ring buffer at once, not even one that only writes and
+ * one that only reads.
  * @{
  */
 
@@ -1663,8 +1677,8 @@ typedef struct {
 } tavu_rbuf_t;
 
 /**
- * Creates an empty ring buffer; give it back with tavu_rbuf_delete().
- * @param size bytes of storage, one more than it shall hold; at least 2 to be of use
+ * Creates an empty ring buffer; free it with tavu_rbuf_delete().
+ * @param size bytes of storage: the capacity plus 1, at least 2 to be useful
  * @return the ring buffer; null when memory is short or `size` is below 1
  */
 TAVU_API tavu_rbuf_t *tavu_rbuf_create(int32_t size);
@@ -1672,68 +1686,104 @@ TAVU_API tavu_rbuf_t *tavu_rbuf_create(int32_t size);
 /** Frees a ring buffer; null is ignored. */
 TAVU_API void tavu_rbuf_delete(tavu_rbuf_t *rbuf);
 
-/** Discards all data. */
+/** Discards all data: moves the tail to the head. */
 TAVU_API void tavu_rbuf_empty(tavu_rbuf_t *rbuf);
 
 /** 1 if nothing is stored, else 0. */
 TAVU_API int32_t tavu_rbuf_is_empty(tavu_rbuf_t *rbuf);
-/** 1 if nothing more can be stored, else 0. */
+/** 1 if head = (tail + size - 1) mod size, else 0. */
 TAVU_API int32_t tavu_rbuf_is_full(tavu_rbuf_t *rbuf);
 
-/** Bytes that can be stored in all: size - 1. */
+/** The capacity in bytes: size - 1. */
 TAVU_API int32_t tavu_rbuf_get_tot_len(tavu_rbuf_t *rbuf);
-/** Stored bytes, but one less while the data wraps around the end of the storage. */
+/** Stored bytes: head - tail; while the data wraps head + size - 1 - tail, which is one too few. */
 TAVU_API int32_t tavu_rbuf_get_fill_len(tavu_rbuf_t *rbuf);
-/** Stored bytes that lie in one piece from the tail on. */
+/** Stored bytes in one piece from the tail on: head - tail; while the data wraps size - tail. */
 TAVU_API int32_t tavu_rbuf_get_fillc_len(tavu_rbuf_t *rbuf);
-/** Free bytes, but two more while the data does not wrap: size + 1 when empty. */
+/**
+ * Free bytes: tail - 1 - head while the data wraps. Otherwise tail + size + 1 - head, which is two
+ * more than can be put: size + 1 when empty.
+ */
 TAVU_API int32_t tavu_rbuf_get_free_len(tavu_rbuf_t *rbuf);
-/** Free bytes that lie in one piece from the head on. */
+/**
+ * Free bytes in one piece from the head on: tail - 1 - head while the data wraps. Otherwise
+ * size - head, one less with the tail at index 0.
+ */
 TAVU_API int32_t tavu_rbuf_get_freec_len(tavu_rbuf_t *rbuf);
 
 /**
  * Where to write in place; follow with tavu_rbuf_skip_head().
  * @param pos write position; null when full
- * @param len bytes that can be written there; 0 when full
+ * @param len tavu_rbuf_get_freec_len(), the bytes that can be written there; 0 when full. It is -1
+ *        with the head at `size` and the tail at 0
  * @return 0
  */
 TAVU_API int32_t tavu_rbuf_get_head(tavu_rbuf_t *rbuf, uint8_t **pos, int32_t *len);
 
-/** Where to read in place, null and 0 when empty; follow with tavu_rbuf_skip_tail(). Returns 0. */
+/**
+ * Where to read in place; follow with tavu_rbuf_skip_tail().
+ * @param pos read position; null when empty
+ * @param len tavu_rbuf_get_fillc_len(), the bytes that can be read there; 0 when empty. It is -1
+ *        with the tail at `size` + 1
+ * @return 0
+ */
 TAVU_API int32_t tavu_rbuf_get_tail(tavu_rbuf_t *rbuf, uint8_t **pos, int32_t *len);
 
 /**
- * Commits bytes written in place, also across the end of the storage.
- * @return bytes committed, at most what is free. With the tail at index 0, a count that reaches the
- *         end of the storage commits nothing although a number is returned
+ * Commits bytes written in place, also across the end of the storage. A negative count moves the
+ * head back. A full ring stays as it is.
+ * @return bytes committed, at most those free. With the tail at index 0, a count that reaches the
+ *         end of the storage commits nothing, although the lesser of it and size - head - 1 is
+ *         returned
  */
 TAVU_API int32_t tavu_rbuf_skip_head(tavu_rbuf_t *rbuf, int32_t count);
 
-/** Consumes up to `count` bytes; returns their number. */
+/**
+ * Consumes up to `count` bytes. A negative count moves the tail back, so that bytes can be read
+ * again. An empty ring stays as it is.
+ * @return bytes consumed
+ */
 TAVU_API int32_t tavu_rbuf_skip_tail(tavu_rbuf_t *rbuf, int32_t count);
 
 /**
- * Stores all bytes or none. An empty or partly filled buffer with its tail at index 0 takes as many
- * bytes as lie up to the end of the storage, one more than tavu_rbuf_get_tot_len() says.
+ * Stores all bytes or none; a negative count stores none. With its tail at index 0, a ring that is
+ * not full takes as many bytes as fit before the end of the storage, one more than its capacity.
  * @return `count` or 0
  */
 TAVU_API int32_t tavu_rbuf_put(tavu_rbuf_t *rbuf, const void *src, int32_t count);
 
-/** Takes out up to `count` bytes; returns their number. */
+/**
+ * Takes out up to `count` bytes; none for a negative count.
+ * @param dst space for `count` bytes
+ * @return number of bytes; with the tail at `size` + 1 one less than stored, at worst -1
+ */
 TAVU_API int32_t tavu_rbuf_get(tavu_rbuf_t *rbuf, void *dst, int32_t count);
 
 /**
- * Takes out one line that ends in LF, and writes it with CR LF and a zero byte behind it.
+ * Takes out one line that ends in a line feed (LF) and writes it with CR LF and a zero byte.
  *
- * The tail moves by the length delivered: for a line that was stored without CR one byte beyond the
- * line, so a stream of such lines loses the first byte of each next one. Incomplete lines stay.
+ * Store lines that end in CR LF and hold no zero byte, each CR LF with one call of tavu_rbuf_put().
+ * examples/lines.c turns any input into such lines. Then only the split line end below matters.
  *
- * @param dst room for `size` + 2 bytes. Of data that wraps around the end of the storage all bytes
- *        up to that end may be written whatever `size` is: then room for them and 3 bytes
- * @param size about the longest line wanted; longer ones count as incomplete
- * @return length with CR LF, without the zero byte; 0 when there is no complete line or a zero byte
- *         comes before its end. A CR LF that the end of the storage splits counts as three bytes,
- *         of which the last is not written, before the zero byte
+ * - Split line end: if the data wraps and CR is the last byte of the storage and LF the first, the
+ *   line end counts as three bytes. The third one, before the zero byte, is not written. An old LF
+ *   at the start of the storage is taken for the line's when its own is not stored yet.
+ * - LF without CR: the missing CR is delivered and counted, and the tail moves by the length
+ *   delivered, one byte too far. The next line loses its first byte; after the last line see the
+ *   introduction of this section.
+ * - Zero byte: the line does not end, and stays until the caller removes it. However, if the data
+ *   wraps and the zero byte is before the end of the storage, the search goes on at the start of
+ *   the storage. A line end there completes the line: all bytes up to the end of the storage are
+ *   counted, those after the zero byte are not written.
+ *
+ * @param dst space for `size` + 2 bytes; if the data wraps and tavu_rbuf_get_fillc_len() is larger
+ *        than `size`, for that length + 2 bytes. rbuf->size + 3 bytes suffice for a `size` of
+ *        rbuf->size + 1 or less. An incomplete line may be written there too
+ * @param size one more than the longest line, with its stored line end, to look for; longer lines
+ *        count as incomplete. If the data wraps, `size` does not limit a line that ends before the
+ *        end of the storage, and one that ends after it may have `size` bytes. rbuf->size + 1 finds
+ *        every line
+ * @return length with CR LF, without the zero byte; 0 when there is no complete line
  */
 TAVU_API int32_t tavu_rbuf_get_one_line(tavu_rbuf_t *rbuf, void *dst, int32_t size);
 
@@ -1744,14 +1794,15 @@ TAVU_API int32_t tavu_rbuf_get_one_line(tavu_rbuf_t *rbuf, void *dst, int32_t si
 /**
  * @defgroup rlist Recycling list
  * A pool of slots of one size, used as a queue: the producer takes free slots and fills them in
- * place, the consumer reads the oldest and gives it back. Slots are aligned as the elements of a
- * list. Only tavu_rlist_delete() takes null.
+ * place, the consumer reads the oldest one and gives it back. Every call takes constant time,
+ * except creating, deleting and tavu_rlist_rem_all(). Slots are aligned like list elements. Only
+ * tavu_rlist_delete() accepts null.
  *
- * Threads: a pool must not be used by two threads at once; a producer and a consumer need a lock.
+ * Threads: two threads must not use the same pool at once; a producer and a consumer need a lock.
  * @{
  */
 
-/** A slot's links; its bytes follow at once. */
+/** A slot's links, immediately followed by its bytes. */
 typedef struct tavu_rlist_slot_t tavu_rlist_slot_t;
 struct tavu_rlist_slot_t {
     tavu_rlist_slot_t *prev, /**< towards the start of the chain, or null */
@@ -1768,31 +1819,37 @@ typedef struct {
 } tavu_rlist_t;
 
 /**
- * Creates a pool; later calls allocate nothing. Give it back with tavu_rlist_delete().
+ * Creates a pool; later calls allocate nothing. Free it with tavu_rlist_delete().
  * @param slot_size bytes of a slot; 0 is allowed
- * @param count number of slots; at least 2, for a single slot can be taken but not given back
- * @return the pool, or null, with nothing kept, when memory is short
+ * @param count number of slots; at least 2, because a single slot can be taken but not given back
+ * @return the pool; null, with nothing kept, when memory is short
  */
 TAVU_API tavu_rlist_t *tavu_rlist_create(uint32_t slot_size, int32_t count);
 
 /** Frees a pool with all its slots; null is ignored. */
 TAVU_API void tavu_rlist_delete(tavu_rlist_t *rlist);
 
-/** Takes the next free slot, not cleared; null when all are used. Walks past the used ones. */
+/**
+ * Takes the next free slot; null when all are used. The slot holds the bytes that it held when it
+ * was given back; before its first use they are undefined.
+ */
 TAVU_API void *tavu_rlist_get_buf(tavu_rlist_t *rlist);
 
 /** The oldest used slot, or null. */
 TAVU_API void *tavu_rlist_get_data(tavu_rlist_t *rlist);
 
-/** Gives the oldest used slot back, if any; it is taken again after every slot now free. */
+/**
+ * Gives the oldest used slot back, if any. Its bytes stay, and it is taken again after every slot
+ * that is free now.
+ */
 TAVU_API void tavu_rlist_rem_data(tavu_rlist_t *rlist);
 
-/** Gives every used slot back, but for the only one of a pool. */
+/** Gives every used slot back, except the only slot of a pool. */
 TAVU_API void tavu_rlist_rem_all(tavu_rlist_t *rlist);
 
 /** Number of used slots. */
 TAVU_API int32_t tavu_rlist_get_used_cnt(tavu_rlist_t *rlist);
-/** Number of free slots: capacity less used ones, negative for a negative capacity. */
+/** Number of free slots: capacity minus used ones, negative for a negative capacity. */
 TAVU_API int32_t tavu_rlist_get_free_cnt(tavu_rlist_t *rlist);
 
 /** @} */
@@ -1801,13 +1858,13 @@ TAVU_API int32_t tavu_rlist_get_free_cnt(tavu_rlist_t *rlist);
 
 /**
  * @defgroup str Words, tokens, lines and URIs
- * Scanners over strings that end in a zero byte. They never change the string: results point into
+ * Scanners over strings that end in a zero byte. They never change the string; results point into
  * it. White space is tab, line feed, carriage return and space, whatever the locale. A line ends at
- * a line feed, or at a carriage return and line feed. A null string counts as empty. Lengths are
- * bytes, and strings have less than 2^31 of them. What is written has no bound but the one stated:
- * the caller makes room.
+ * a line feed, or at a carriage return followed by a line feed. A null string counts as empty.
+ * Lengths are in bytes, and strings have less than 2^31 of them. Output is not bounded: the caller
+ * provides the space stated.
  *
- * Threads: all is reentrant.
+ * Threads: all functions are reentrant.
  * @{
  */
 
@@ -1815,18 +1872,18 @@ TAVU_API int32_t tavu_rlist_get_free_cnt(tavu_rlist_t *rlist);
 TAVU_API const char *tavu_str_move_to_validw(const char *str);
 
 /**
- * The last byte of the first word, behind leading white space. Null when no white space follows it
- * before the string's last byte, which is never looked at; but a string of one byte, or one byte
- * behind leading white space, is returned as it is.
+ * The last byte of the first word. Leading white space is skipped. Null when no white space follows
+ * the word before the string's last byte, which is not examined. However, a string of one byte, or
+ * one byte after leading white space, is returned as it is.
  */
 TAVU_API const char *tavu_str_move_to_eow(const char *str);
 
-/** The first byte that is not white, if it lies before the string's last byte; else null. */
+/** The first byte that is not white, if it is before the string's last byte; else null. */
 TAVU_API const char *tavu_str_move_to_nextw(const char *str);
 
 /**
- * The last byte of the first line end (here also a carriage return alone), if it lies before the
- * string's last byte; else null. The next line begins one byte further.
+ * The last byte of the first line end, if it is before the string's last byte; else null. Here a
+ * carriage return alone ends a line too. The next line begins one byte after the result.
  */
 TAVU_API const char *tavu_str_move_to_nextl(const char *str);
 
@@ -1843,7 +1900,7 @@ TAVU_API int32_t tavu_str_parse_by_ctok(const char *str, int32_t delim, int32_t 
 
 /**
  * Finds the end of a token: the first occurrence of `delim`, or a line feed or carriage return
- * before it. Unlike tavu_str_parse_by_ctok() it does not take the end of the string for one.
+ * before it. Unlike with tavu_str_parse_by_ctok(), the end of the string does not end a token.
  * @param delim the delimiter; an empty one is found at once
  * @param len bytes before it
  * @param next null, or where to store the byte after it; null when nothing follows
@@ -1857,8 +1914,8 @@ TAVU_API int32_t tavu_str_parse_by_stok(const char *str, const char *delim, int3
  * @param str the string
  * @param len its bytes without the line end
  * @param next null, or where to store the next line; null when nothing follows
- * @return 0; -1 when no line end is found (`len` is then the length of the string) or a carriage
- *         return stands alone (`len` is then 0)
+ * @return 0; -1 when there is no line end (`len` is then the length of the string) or a carriage
+ *         return is not followed by a line feed (`len` is then 0)
  */
 TAVU_API int32_t tavu_str_parse_one_line(const char *str, int32_t *len, const char **next);
 
@@ -1866,35 +1923,40 @@ TAVU_API int32_t tavu_str_parse_one_line(const char *str, int32_t *len, const ch
 TAVU_API int32_t tavu_str_get_one_az09(void);
 
 /**
- * Splits scheme "://" host ":" port "/" path. Leading white space is dropped; the port is required;
- * a line end ends scheme, host and port too; nothing is unescaped.
+ * Splits scheme "://" host ":" port "/" path. Leading white space is skipped, the port is required,
+ * and nothing is unescaped.
  *
- * The path is meant for a URI inside a request: when another line follows that of the URI, the path
+ * A line feed or carriage return ends scheme, host and port like their delimiter, and the next part
+ * begins with the byte after it. A line feed directly after the port is therefore taken for the
+ * "/": the text after it is the path. Of CR LF the line feed begins the next part, so the path is
+ * empty.
+ *
+ * The path is meant for a URI inside a request: when another line follows the URI's line, the path
  * is copied from *that* line, as many bytes as the URI's own path has (fewer if the string ends).
- * It begins with "/"; it is empty when nothing follows the "/" of the URI, or a carriage return
- * stands alone there.
+ * It begins with "/". It is empty when nothing or a line end follows the "/" of the URI, or its
+ * line holds a carriage return that no line feed follows.
  *
- * @param scheme,host,port,path room for each part and a zero byte; the length of the whole string
+ * @param scheme,host,port,path space for each part and a zero byte; the length of the whole string
  *        plus 2 is always enough
- * @param rest the line behind that of the URI; null when there is none
- * @return 0; -1 for a null or blank string, no "://" or nothing behind it, no port. What was found
- *         before stays written
+ * @param rest the line after the URI's line; null when there is none
+ * @return 0; -1 for a null or blank string, when neither "://" nor a line end is found or nothing
+ *         follows it, and without a port. Parts found before the failure stay written
  */
 TAVU_API int32_t tavu_str_parse_uri(const char *uri, char *scheme, char *host, char *port,
                                     char *path, const char **rest);
 
 /**
  * Copies a string with each space written as "%20"; nothing else is escaped.
- * @param dst room for 3 bytes per source byte and a zero byte
+ * @param dst space for 3 bytes per source byte and a zero byte
  * @return length written
  */
 TAVU_API int32_t tavu_str_conv_a2uri(const char *src, char *dst);
 
 /**
- * Copies a string with each "%" and the two bytes behind it replaced by one byte: 16 times the
- * first plus the second *decimal* digit, where every other byte, A to F included, counts as 0.
- * @param src a "%" as its last byte needs a readable byte behind the terminating zero
- * @param dst room for the source's length and a zero byte
+ * Copies a string and replaces each "%" and the two bytes after it by one byte: 16 times the first
+ * plus the second *decimal* digit. Any other byte, A to F included, counts as 0.
+ * @param src if its last byte is "%", the byte after the terminating zero must be readable
+ * @param dst space for the source's length and a zero byte
  * @return length written
  */
 TAVU_API int32_t tavu_str_conv_uri2a(const char *src, char *dst);

@@ -1,4 +1,4 @@
-// Links with bytes of a caller's size right behind them, in one allocation.
+// Links immediately followed by bytes of a caller's size, in one allocation.
 #ifndef TAVU_CONTAINER_LINKS_H
 #define TAVU_CONTAINER_LINKS_H
 

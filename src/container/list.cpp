@@ -13,7 +13,7 @@ using Node = tavu_list_node_t;
 
 void *data(Node *node) { return node != nullptr ? node + 1 : nullptr; }
 
-// The elements beside a node, null at the ends.
+// The neighbours of a node, null at the ends.
 Node *next(const tavu_list_t *list, const Node *node) {
     return node->next != list->tail ? node->next : nullptr;
 }
@@ -44,7 +44,7 @@ Node *node_at(const tavu_list_t *list, int32_t index) {
     return forward(list->head->next, index);
 }
 
-// A pointer or two at most, as most elements are, without a call.
+// Most elements have the size of one or two pointers; these are copied without a call.
 void copy_element(void *dst, const void *src, uint32_t size) {
     auto *to = static_cast<char *>(dst);
     const auto *from = static_cast<const char *>(src);
@@ -63,7 +63,7 @@ Node *make_node(const tavu_list_t *list, const void *elem) {
     return node;
 }
 
-// Null for null.
+// Returns null for null.
 void *link_after(tavu_list_t *list, Node *before, Node *node) {
     if (node == nullptr) return nullptr;
     *node = {before, before->next};
@@ -73,7 +73,7 @@ void *link_after(tavu_list_t *list, Node *before, Node *node) {
     return data(node);
 }
 
-// Does nothing for null. The cursor leaves the element before the callback can look at it.
+// Does nothing for null. The cursor leaves the element before the callback runs.
 void remove_node(tavu_list_t *list, Node *node) {
     if (node == nullptr) return;
     if (node == list->cur) list->cur = next(list, node);
@@ -94,7 +94,7 @@ void free_list(tavu_list_t *list) {
     free(list);
 }
 
-// To a node or, from the outermost element, to a marker, which leaves no cursor.
+// Moves the cursor to a node. A step from the outermost element reaches `marker` and clears it.
 void *step_to(tavu_list_t *list, Node *node, const Node *marker) {
     list->cur = node != marker ? node : nullptr;
     return node != marker ? node + 1 : nullptr;
@@ -133,7 +133,7 @@ void *tavu_list_add_first(tavu_list_t *list, const void *elem) {
 }
 
 void *tavu_list_insert_at(tavu_list_t *list, const void *elem, int32_t index) {
-    // Only the two ends: callers rely on an index within the list being refused.
+    // An index within the list is refused; callers rely on it.
     if (index >= 0 && index != list->cnt) return nullptr;
     Node *node = make_node(list, elem);
     return link_after(list, index < 0 ? list->head : list->tail->prev, node);
@@ -141,7 +141,7 @@ void *tavu_list_insert_at(tavu_list_t *list, const void *elem, int32_t index) {
 
 void *tavu_list_get_at(tavu_list_t *list, int32_t index) {
     if (index >= list->cnt) return nullptr;
-    // A negative index stands for the first element; callers rely on it.
+    // A negative index means the first element; callers rely on it.
     return data(list->cnt > 0 ? node_at(list, index) : nullptr);
 }
 

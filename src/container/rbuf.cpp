@@ -1,8 +1,7 @@
-// Positions advance by plain addition and wrap only where the functions say so. The head may come to
-// equal the size, the tail to exceed it by one after a line feed without carriage return, and negative
-// counts of the skip functions move both back, even below 0. All formulas hold in these states too,
-// so lengths may be negative; callers rely on it. A position outside the storage holds no byte: the
-// copies leave it out.
+// Positions advance by plain addition. The head can reach the size, the tail can exceed it by one after
+// a line feed without carriage return, and negative counts of the skip functions move both back, even
+// below 0. All formulas hold in these states too, so lengths can be negative; callers rely on it. A
+// position outside the storage holds no byte: copies leave it out.
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -253,7 +252,7 @@ int32_t tavu_rbuf_put(tavu_rbuf_t *rbuf, const void *src, int32_t count) {
     if (wraps(rbuf)) return count < Int{rbuf->tail} - rbuf->head ? append(rbuf, src, count) : 0;
     const Int space = Int{rbuf->size} - rbuf->head, rest = count - space;
     if (rest < 0) return append(rbuf, src, count);
-    // The head may come to equal the size, with no byte kept free; callers rely on it.
+    // The head reaches the size, and no byte stays free; callers rely on it.
     if (rbuf->tail == 0) return rest == 0 ? append(rbuf, src, count) : 0;
     return put_across(rbuf, src, space, rest);
 }
@@ -274,7 +273,7 @@ int32_t tavu_rbuf_get_one_line(tavu_rbuf_t *rbuf, void *dst, int32_t size) {
     auto *line = static_cast<uint8_t *>(dst);
     const Int piece = contiguous_fill(rbuf);
     if (!wraps(rbuf)) return take_line(rbuf, line, std::min(Int{size} - 1, piece));
-    // Up to the end of the storage whatever the size; callers rely on it.
+    // A line may end before the end of the storage whatever the size; callers rely on it.
     const int32_t len = take_line(rbuf, line, piece);
     return len > 0 || size <= piece ? len : take_line_rest(rbuf, line, size, piece);
 }

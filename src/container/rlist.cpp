@@ -9,7 +9,7 @@ namespace {
 
 using Slot = tavu_rlist_slot_t;
 
-// What is allocated as the record: behind it the slot taken last, if any is used.
+// The record as allocated, followed by the slot taken last (if any is used).
 struct Pool : tavu_rlist_t {
     Slot *newest;
 };

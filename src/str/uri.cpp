@@ -11,7 +11,7 @@ void copy_text(char *dst, const char *src, int32_t len) {
     *dst = '\0';
 }
 
-// The text behind the path's line; null when there is none.
+// Returns the text after the path's line; null when there is none.
 const char *copy_path(char *path, const char *str) {
     const Piece line = first_line(str);
     if (line.len <= 0) return line.next;
@@ -23,7 +23,7 @@ const char *copy_path(char *path, const char *str) {
     return line.next;
 }
 
-// What is missing is a null string, and scanned as an empty one.
+// A missing part is a null string, which is scanned as an empty one.
 int32_t parse_uri(const char *uri, char *scheme, char *host, char *port, char *path,
                   const char **rest) {
     const char *start = first_word(uri);
@@ -62,7 +62,7 @@ int32_t unescape(const char *src, char *dst) {
     for (int32_t i = 0; i < n; i++) {
         char c = src[i];
         if (c == '%') {
-            // Both bytes are read whatever is left: the caller provides one behind the zero.
+            // Both bytes are read whatever is left: the caller provides one after the zero.
             c = static_cast<char>(digit_value(src[i + 1]) * 16 + digit_value(src[i + 2]));
             i += 2;
         }

@@ -3,7 +3,7 @@
 namespace tavu {
 namespace {
 
-// The last byte of the string is never looked at, here and in end_of_line(); callers rely on it.
+// White space in the last byte of the string does not end a word; callers rely on it.
 const char *end_of_word(const char *str) {
     if (length(str) == 1) return str;
     const char *word = first_word(str);
@@ -15,6 +15,7 @@ const char *end_of_word(const char *str) {
     return nullptr;
 }
 
+// A line end that includes the last byte of the string is not found; callers rely on it.
 const char *end_of_line(const char *str) {
     const int32_t last = length(str) - 1;
     for (int32_t i = 0; i < last; i++) {

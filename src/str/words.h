@@ -8,7 +8,7 @@
 
 namespace tavu {
 
-// What a scanner found: `len` bytes, and the text behind what ended them (null if there is none).
+// `len` bytes, and the text after the bytes that ended them (null if there is none).
 struct Piece {
     int32_t status;
     int32_t len;
@@ -38,7 +38,7 @@ inline const char *text_at(const char *str, int32_t at, int32_t n) {
     return at < n ? str + at : nullptr;
 }
 
-// Stops at the terminating zero of `str` at the latest, for the prefix has none.
+// Stops at the terminating zero of `str` at the latest, because the prefix has none.
 inline bool starts_with(const char *str, const char *prefix, int32_t prefix_len) {
     int32_t i = 0;
     while (i < prefix_len && str[i] == prefix[i]) i++;

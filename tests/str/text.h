@@ -6,7 +6,7 @@
 
 #include "memory.h"
 
-// A string whose terminating zero is the last readable byte; from null it is the null string.
+// A string whose terminating zero is the last readable byte; null makes the null string.
 class Text {
   public:
     explicit Text(const char *text)
@@ -22,7 +22,7 @@ class Text {
     const char *text_;
 };
 
-// Room for a string that ends at an unreadable page and holds no zero yet.
+// Space for a string that ends at an unreadable page and holds no zero yet.
 struct Room : GuardedBytes {
     using GuardedBytes::GuardedBytes;
     char *get() { return reinterpret_cast<char *>(data()); }

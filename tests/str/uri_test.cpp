@@ -42,7 +42,14 @@ TEST(Uri, SplitsIntoItsParts) {
     expect_parts(cases);
 }
 
-TEST(Uri, PathIsItsOwnWithoutALineBehindIt) {
+TEST(Uri, LineEndsCountAsDelimiters) {
+    expect_parts({{"a://b:1\nc/d", "0|a|b|1|/c/d|-"},
+                  {"a://b:1\nc\nde", "0|a|b|1|/d|10"},
+                  {"a://b:1\r\nc", "0|a|b|1||9"},
+                  {"a\nb\r1/c", "0|a|b|1|/c|-"}});
+}
+
+TEST(Uri, PathIsItsOwnWithoutALineAfterIt) {
     expect_parts({{"rtsp://cam:554/a%20b/c", "0|rtsp|cam|554|/a%20b/c|-"},
                   {"a://b:1//live\r\n", "0|a|b|1|/live|-"},
                   {"a://b:1/c\rd", "0|a|b|1||-"}});
@@ -75,7 +82,7 @@ TEST(Uri, UnescapesDecimalDigitsOnly) {
     expect_conversion(cases, tavu_str_conv_uri2a);
 }
 
-TEST(Uri, PercentSignAsLastByteReadsOneByteBehindTheZero) {
+TEST(Uri, PercentSignAsLastByteReadsOneByteAfterTheZero) {
     Room src(Bytes{'a', '%', '\0', '7'}), dst(3);
     EXPECT_EQ(tavu_str_conv_uri2a(src.get(), dst.get()), 2);
     EXPECT_STREQ(dst.get(), "a\x07");

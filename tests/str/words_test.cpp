@@ -44,7 +44,7 @@ TEST(Words, StringOrRemainderOfOneByteIsAWord) {
     expect_bounds({{" ", "- 0 - -"}, {"\n", "- 0 - -"}, {"a", "0 0 - -"}, {" a", "1 1 - -"}});
 }
 
-TEST(Words, LastByteIsNeverLookedAt) {
+TEST(Words, LastByteEndsNothing) {
     const Cases cases = {{"ab", "0 - 0 -"},    {"a ", "0 - 0 -"},      {"abc ", "0 - 0 -"},
                          {"abc  ", "0 2 0 -"}, {"  abc\n", "2 - 2 -"}, {"ab\r\n", "0 1 0 -"},
                          {"a\r", "0 - 0 -"}};
