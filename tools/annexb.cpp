@@ -51,7 +51,7 @@ std::vector<uint8_t> find_nal(const uint8_t *data, size_t size,
     const auto next = [end](const uint8_t *from) {
         return std::search(from, end, std::begin(START_CODE), std::end(START_CODE));
     };
-    for (const uint8_t *start = next(data); start < end - 3; start = next(start + 3))
+    for (const uint8_t *start = next(data); end - start > 3; start = next(start + 3))
         if (wanted(start[3])) return {start + 3, next(start + 3)};
     return {};
 }

@@ -1,30 +1,48 @@
 #include "arguments.h"
 
-#include <charconv>
+#include <algorithm>
+#include <cstdint>
 #include <limits>
+
+#include "command_line.h"
+#include "limits.h"
 
 namespace {
 
 constexpr const char *MEDIA = "Media file, - for standard input";
 
+[[noreturn]] void refuse(const std::string &option, const std::string &expected,
+                         const std::string &text) {
+    throw CLI::ValidationError(option, "expected " + expected + ", got " + text);
+}
+
+/** A whole number up to 18 digits; -1 if it is none. */
+int64_t parse_digits(const std::string &text) {
+    constexpr size_t MOST = 18;
+    const bool digits = text.find_first_not_of("0123456789") == std::string::npos;
+    return digits && !text.empty() && text.size() <= MOST ? std::stoll(text) : -1;
+}
+
 /** "key" is 0. */
 int parse_every(const std::string &text) {
-    int every = 0;
+    const int64_t every = parse_digits(text);
     if (text == "key") return 0;
-    const char *const end = text.data() + text.size();
-    if (std::from_chars(text.data(), end, every).ptr != end || every < 1)
-        throw CLI::ValidationError("--every", "expected key or a count of frames, got " + text);
-    return every;
+    if (every < 1 || every > std::numeric_limits<int>::max())
+        refuse("--every", "key or a count of frames", text);
+    return static_cast<int>(every);
 }
 
 Size parse_size(const std::string &option, const std::string &text) {
-    uint16_t width = 0, height = 0;  // stay 0 if the number is too large
-    const char *const end = text.data() + text.size();
-    const char *const x = std::from_chars(text.data(), end, width).ptr;
-    const bool whole = *x == 'x' && std::from_chars(x + 1, end, height).ptr == end;
-    if (!whole || width < 1 || height < 1)
-        throw CLI::ValidationError(option, "expected a size such as 320x180, got " + text);
-    return {width, height};
+    constexpr int64_t MOST = 65535;
+    const size_t x = std::min(text.find('x'), text.size());
+    const int64_t width = parse_digits(text.substr(0, x));
+    const int64_t height = x < text.size() ? parse_digits(text.substr(x + 1)) : -1;
+    if (width < 0 || height < 0) refuse(option, "a size such as 320x180", text);
+    if (std::min(width, height) < 1 || std::max(width, height) > MOST)
+        refuse(option, "a width and a height from 1 to 65535", text);
+    const std::string reason = too_large(width, height);
+    if (!reason.empty()) throw CLI::ValidationError(option, reason);
+    return {static_cast<int>(width), static_cast<int>(height)};
 }
 
 bool is_target(const PixelLayout &layout) { return layout.drawing != nullptr; }
@@ -48,15 +66,19 @@ CLI::Option *add_size(CLI::App &command, const std::string &name, std::optional<
     return command.add_option_function<std::string>(name, take, help)->type_name("WxH");
 }
 
-/** Says which commands there are if the first argument is none. */
-void require_command(const CLI::App &app) {
-    if (!app.get_subcommands().empty()) return;
-    std::vector<std::string> names;
-    for (const CLI::App *command : app.get_subcommands({})) names.push_back(command->get_name());
-    const std::vector<std::string> others = app.remaining();
-    throw CLI::RequiredError("expected a command, one of " + CLI::detail::join(names, "|") +
-                                 (others.empty() ? "" : ", got " + others[0]),
-                             CLI::ExitCodes::RequiredError);
+/** An option that takes a whole number. */
+CLI::Option *add_number(CLI::App &command, const std::string &name, int &number, int low, int high,
+                        const std::string &help) {
+    const auto take = [&number, name, low, high](const std::string &text) {
+        const int64_t value = parse_digits(text);
+        if (value < low || value > high)
+            refuse(name, "a number from " + std::to_string(low) + " to " + std::to_string(high),
+                   text);
+        number = static_cast<int>(value);
+    };
+    return command.add_option_function<std::string>(name, take, help)
+        ->type_name("N")
+        ->default_str(std::to_string(number));
 }
 
 }  // namespace
@@ -71,8 +93,6 @@ void Arguments::define(CLI::App &app) {
     define_compare(*app.add_subcommand("compare", "Measure how far two videos are apart"));
     define_convert(*app.add_subcommand("convert", "Convert a picture to another pixel layout"));
     define_bench(*app.add_subcommand("bench", "Time the library's kernels on this processor"));
-    app.allow_extras();
-    app.final_callback([&app] { require_command(app); });
 }
 
 void Arguments::add_common(CLI::App &command) {
@@ -94,10 +114,10 @@ void Arguments::define_probe(CLI::App &command) {
                     "PNG file to draw: the bytes of each access unit over time, key frames marked")
         ->type_name("PNG");
     add_common(command);
-    command.footer("Example:\n  tavu probe samples/h264.mp4");
+    command.footer("Example:\n  tavu probe clip.mp4");
     command.callback([this] {
         forbid_two_outputs(plot);
-        probe(common, plot);
+        run = [this] { probe(common, plot); };
     });
 }
 
@@ -106,14 +126,9 @@ void Arguments::define_sheet(CLI::App &command) {
     command.add_option("-o,--output", sheet.output, "PNG file to write, - for standard output")
         ->required()
         ->type_name("PNG");
-    command.add_option("--columns", sheet.columns, "Pictures per row")
-        ->check(CLI::Range(1, 100))
-        ->type_name("N")
-        ->capture_default_str();
-    command.add_option("--width", sheet.width, "Width of a picture in pixels")
-        ->check(CLI::Range(16, 4096))
-        ->type_name("N")
-        ->capture_default_str();
+    add_number(command, "--columns", sheet.columns, 1, 100, "Pictures per row, 1 to 100");
+    add_number(command, "--width", sheet.width, 16, 4096,
+               "Width of a picture in pixels, 16 to 4096");
     command
         .add_option_function<std::string>(
             "--every", [this](const std::string &text) { sheet.every = parse_every(text); },
@@ -121,10 +136,10 @@ void Arguments::define_sheet(CLI::App &command) {
         ->type_name("key|N")
         ->default_str("key");
     add_common(command);
-    command.footer("Example:\n  tavu sheet samples/h264.mp4 -o sheet.png --columns 3");
+    command.footer("Example:\n  tavu sheet clip.mp4 -o sheet.png --columns 3");
     command.callback([this] {
         forbid_two_outputs(sheet.output);
-        ::sheet(common, sheet);
+        run = [this] { ::sheet(common, sheet); };
     });
 }
 
@@ -133,8 +148,8 @@ void Arguments::define_digest(CLI::App &command) {
     add_common(command);
     command.footer(
         "The digest covers luma and, as if chroma were halved both ways, both chroma planes.\n"
-        "Example:\n  tavu digest samples/mpeg4.avi");
-    command.callback([this] { digest(common); });
+        "Example:\n  tavu digest clip.mp4");
+    command.callback([this] { run = [this] { digest(common); }; });
 }
 
 void Arguments::define_compare(CLI::App &command) {
@@ -152,12 +167,12 @@ void Arguments::define_compare(CLI::App &command) {
         "have the same range; otherwise, and for RGB and deeper samples, both are first converted\n"
         "to 8-bit full-range BT.601. The SATD is that of 8x8 blocks; blocks that reach beyond the\n"
         "picture are filled up with equal samples. The total PSNR is that of the mean error.\n"
-        "Example:\n  tavu compare samples/h264.mp4 smaller.mp4 -o heat.png");
+        "Example:\n  tavu compare clip.mp4 smaller.mp4 -o heat.png");
     command.callback([this] {
         forbid_two_outputs(compare.heat_map);
         if (common.input == "-" && compare.other == "-")
             throw CLI::ValidationError("B", "standard input is taken by A");
-        ::compare(common, compare);
+        run = [this] { ::compare(common, compare); };
     });
 }
 
@@ -174,23 +189,25 @@ void Arguments::define_convert(CLI::App &command) {
                   "Let the library resize and convert in one routine; --list tells what this does "
                   "to strong colours")
         ->needs(resize);
-    command.add_option("--frame", convert.frame, "Number of the frame to convert")
-        ->check(CLI::Range(0, std::numeric_limits<int>::max()))
-        ->type_name("N")
-        ->capture_default_str();
+    add_number(command, "--frame", convert.frame, 0, std::numeric_limits<int>::max(),
+               "Number of the frame to convert, counted from 0");
     define_raw(command);
     CLI::Option *list = command.add_flag("--list", "List the library's conversions");
     add_common(command);
     command.footer(
         "Video is brought to full-range BT.601 first, RGB is taken as it is.\n"
-        "Example:\n  tavu convert samples/h264.mp4 --frame 100 picture.png --resize 640x360");
-    command.callback([this, list] {
-        if (list->count() > 0) return list_conversions(common);
+        "Example:\n  tavu convert clip.mp4 --frame 100 picture.png --resize 640x360");
+    command.callback([this, &command, list] {
+        if (list->count() > 0) {
+            require_alone(command, *list, {"--json"});
+            run = [this] { list_conversions(common); };
+            return;
+        }
         if (convert.output.empty()) throw CLI::RequiredError(common.input.empty() ? "IN" : "OUT");
         if (convert.limited && convert.raw->cs == TAVU_CS_YUV400)
             throw CLI::ValidationError("--limited", "luma alone is taken as full-range");
         forbid_two_outputs(convert.output);
-        ::convert(common, convert);
+        run = [this] { ::convert(common, convert); };
     });
 }
 
@@ -215,8 +232,12 @@ void Arguments::define_bench(CLI::App &command) {
         "Results are first compared with those of the kernel's plain model. ns is the least time\n"
         "of one call, GB/s counts the bytes that it reads and writes, speed is in model speeds.\n"
         "Example:\n  tavu bench yuv444_to_rgb");
-    command.callback([this, list] {
-        if (list->count() > 0) return list_kernels();
-        ::bench(common, bench);
+    command.callback([this, &command, list] {
+        if (list->count() > 0) {
+            require_alone(command, *list);
+            run = list_kernels;
+        } else {
+            run = [this] { ::bench(common, bench); };
+        }
     });
 }

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <functional>
 #include <string>
 
 #include "commands.h"
 
-/** The command line; its commands run while it is parsed. */
+/** The command line; parsing it sets `run` to the command with its options. */
 struct Arguments {
     CommonOptions common;
     std::string plot;
@@ -13,6 +14,7 @@ struct Arguments {
     CompareOptions compare;
     ConvertOptions convert;
     BenchOptions bench;
+    std::function<void()> run;
 
     void define(CLI::App &app);
 

@@ -168,7 +168,9 @@ void save_heat_map(OutputFile &file, const Comparison &comparison) {
 void compare(const CommonOptions &common, const CompareOptions &options) {
     Clip a(common.input), b(options.other);
     std::optional<OutputFile> heat_map;
-    if (!options.heat_map.empty()) heat_map.emplace(options.heat_map);
+    if (!options.heat_map.empty())
+        heat_map.emplace(options.heat_map,
+                         std::initializer_list<FileId>{a.media.id(), b.media.id()});
     Comparison comparison;
     const std::string stop = compare_frames(a, b, common.quiet, comparison);
     if (!comparison.rows.empty() && common.json) print_json(comparison_json(a, b, comparison));

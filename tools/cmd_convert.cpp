@@ -9,6 +9,7 @@ extern "C" {
 
 #include "commands.h"
 #include "decode.h"
+#include "names.h"
 #include "pack.h"
 #include "png_file.h"
 #include "progress.h"
@@ -23,7 +24,7 @@ void check_size(const std::string &input, const ConvertOptions &options) {
     const int picture =
         av_image_get_buffer_size(av_get_pix_fmt(options.raw->raw_format), options.raw_size->width,
                                  options.raw_size->height, 1);
-    const int64_t expected = int64_t{std::max(picture, 0)} * (options.frame + 1);
+    const int64_t expected = std::max(picture, 0) * (int64_t{options.frame} + 1);
     if (!error && found < expected)
         throw std::runtime_error("expected " + std::to_string(expected) + " bytes up to frame " +
                                  std::to_string(options.frame) + ", found " +
@@ -39,8 +40,7 @@ Media open(const std::string &input, const ConvertOptions &options) {
     return Media(input, &raw);
 }
 
-Planes read_frame(const CommonOptions &common, const ConvertOptions &options) {
-    Media media = open(common.input, options);
+Planes read_frame(Media &media, const CommonOptions &common, const ConvertOptions &options) {
     FrameReader frames(media, media.best_video());
     const AVFrame *frame = nullptr;
     Progress progress("frames", common.quiet);
@@ -90,7 +90,7 @@ void write(OutputFile &file, const std::string &kind, const PixelLayout &layout,
 
 void report(const CommonOptions &common, const ConvertOptions &options, Size size) {
     if (common.talks(options.output))
-        std::cout << options.output << ": " << size.width << 'x' << size.height << ' '
+        std::cout << printable(options.output) << ": " << size.width << 'x' << size.height << ' '
                   << options.to->name << '\n';
     if (common.json)
         print_json({{"file", common.input},
@@ -106,8 +106,9 @@ void report(const CommonOptions &common, const ConvertOptions &options, Size siz
 void convert(const CommonOptions &common, const ConvertOptions &options) {
     const std::string kind = extension(options.output);
     check(kind, options);
-    OutputFile file(options.output);
-    Planes planes = read_frame(common, options);
+    Media media = open(common.input, options);
+    OutputFile file(options.output, {media.id()});
+    Planes planes = read_frame(media, common, options);
     const Size own{planes.image->w, planes.image->h}, size = options.resize.value_or(own);
     const bool resizing = size.width != own.width || size.height != own.height;
     if (resizing && !options.one_pass) planes = resize(planes, size.width, size.height);

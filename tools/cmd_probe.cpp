@@ -126,7 +126,7 @@ std::string short_name(const std::string &input) {
 void probe(const CommonOptions &common, const std::string &plot) {
     Media media(common.input);
     std::optional<OutputFile> file;
-    if (!plot.empty()) file.emplace(plot);
+    if (!plot.empty()) file.emplace(plot, std::initializer_list<FileId>{media.id()});
     const std::vector<Track> tracks = read_tracks(media, common.quiet);
     if (common.json) print_json(tracks_json(common.input, tracks));
     if (common.talks(plot)) print_text(tracks);

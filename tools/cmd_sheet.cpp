@@ -9,6 +9,8 @@
 #include "contact_sheet.h"
 #include "decode.h"
 #include "label.h"
+#include "limits.h"
+#include "names.h"
 #include "picture.h"
 #include "progress.h"
 #include "report.h"
@@ -24,6 +26,7 @@ int picture_height(const AVFrame &frame, AVRational pixel_aspect, bool turned, i
     if (height > MAX_HEIGHT)
         throw std::runtime_error("pictures of " + std::to_string(frame.width) + "x" +
                                  std::to_string(frame.height) + " are too narrow for a sheet");
+    check_pixels(width, static_cast<int64_t>(height));
     return std::max(1, static_cast<int>(height));
 }
 
@@ -67,7 +70,7 @@ class SheetMaker {
 void report(const CommonOptions &common, const SheetOptions &options, const SheetMaker &maker) {
     const ContactSheet &sheet = maker.sheet();
     if (common.talks(options.output))
-        std::cout << options.output << ": " << maker.times().size() << " pictures, "
+        std::cout << printable(options.output) << ": " << maker.times().size() << " pictures, "
                   << sheet.width() << 'x' << sheet.height() << '\n';
     if (common.json)
         print_json({{"file", common.input},
@@ -83,7 +86,7 @@ void sheet(const CommonOptions &common, const SheetOptions &options) {
     Media media(common.input);
     const AVStream &stream = media.best_video();
     FrameReader frames(media, stream, options.every > 0 ? Pick::ALL : Pick::KEY_FRAMES);
-    OutputFile file(options.output);
+    OutputFile file(options.output, {media.id()});
     SheetMaker maker(media, stream, options);
     {
         Progress progress("frames", common.quiet);

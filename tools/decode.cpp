@@ -2,9 +2,18 @@
 
 #include <stdexcept>
 
+#include "limits.h"
+
 namespace {
 
-CodecPtr open_decoder(const AVStream &stream, Pick pick) {
+/** Refuses large pictures before their memory is taken. */
+int get_buffer(AVCodecContext *decoder, AVFrame *frame, int flags) {
+    auto &reason = *static_cast<std::string *>(decoder->opaque);
+    reason = too_large(frame->width, frame->height);
+    return reason.empty() ? avcodec_default_get_buffer2(decoder, frame, flags) : AVERROR(EINVAL);
+}
+
+CodecPtr open_decoder(const AVStream &stream, Pick pick, std::string &too_large) {
     const AVCodec *codec = avcodec_find_decoder(stream.codecpar->codec_id);
     if (!codec)
         throw std::runtime_error(std::string("no decoder for ") +
@@ -13,6 +22,8 @@ CodecPtr open_decoder(const AVStream &stream, Pick pick) {
     if (!decoder || avcodec_parameters_to_context(decoder.get(), stream.codecpar) < 0)
         throw std::bad_alloc();
     decoder->pkt_timebase = stream.time_base;
+    decoder->opaque = &too_large;
+    decoder->get_buffer2 = get_buffer;
     if (pick == Pick::KEY_FRAMES) decoder->skip_frame = AVDISCARD_NONKEY;
     const int status = avcodec_open2(decoder.get(), codec, nullptr);
     if (status < 0) throw std::runtime_error("cannot start decoding: " + av_error_text(status));
@@ -25,7 +36,7 @@ FrameReader::FrameReader(Media &media, const AVStream &stream, Pick pick)
     : media_(media),
       stream_(stream),
       pick_(pick),
-      decoder_(open_decoder(stream, pick)),
+      decoder_(open_decoder(stream, pick, too_large_)),
       frame_(av_frame_alloc()),
       packet_(av_packet_alloc()) {
     if (!frame_ || !packet_) throw std::bad_alloc();
@@ -44,10 +55,16 @@ const AVFrame *FrameReader::next() {
 bool FrameReader::receive() {
     int status = 0;
     while ((status = avcodec_receive_frame(decoder_.get(), frame_.get())) >= 0) {
+        // Some decoders do not ask for memory of their own.
+        too_large_ = too_large(frame_->width, frame_->height);
+        if (!too_large_.empty()) {
+            fault(too_large_);
+            continue;
+        }
         if (frame_->decode_error_flags != 0) fault("errors in a frame");
         if (pick_ == Pick::ALL || frame_->key_frame) return true;
     }
-    if (status != AVERROR(EAGAIN) && status != AVERROR_EOF) fault(av_error_text(status));
+    if (status != AVERROR(EAGAIN) && status != AVERROR_EOF) fault(status);
     return false;
 }
 
@@ -62,7 +79,11 @@ void FrameReader::feed() {
     packet_index_++;
     const int status = avcodec_send_packet(decoder_.get(), found ? packet_.get() : nullptr);
     av_packet_unref(packet_.get());
-    if (status < 0) fault(av_error_text(status));
+    if (status < 0) fault(status);
+}
+
+void FrameReader::fault(int status) {
+    fault(too_large_.empty() ? av_error_text(status) : too_large_);
 }
 
 void FrameReader::fault(const std::string &reason) {

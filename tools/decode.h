@@ -11,6 +11,8 @@ enum class Pick { ALL, KEY_FRAMES };
 class FrameReader {
   public:
     FrameReader(Media &media, const AVStream &stream, Pick pick = Pick::ALL);
+    FrameReader(const FrameReader &) = delete;
+    FrameReader &operator=(const FrameReader &) = delete;
 
     /**
      * The next frame, for Pick::KEY_FRAMES of those alone, valid until the next call; null at the
@@ -28,11 +30,13 @@ class FrameReader {
   private:
     bool receive();
     void feed();
+    void fault(int status);
     void fault(const std::string &reason);
 
     Media &media_;
     const AVStream &stream_;
     Pick pick_;
+    std::string too_large_;  ///< why the last picture was refused; set by the decoder
     CodecPtr decoder_;
     FramePtr frame_;
     PacketPtr packet_;

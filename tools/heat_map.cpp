@@ -38,12 +38,15 @@ void mark(uint8_t *pixel, double value) {
     tint(pixel, value, 0.6 + 0.25 * value);
 }
 
-void draw_text(uint8_t *row, const std::string &text, int width) {
+/** In the middle, as a label may not be as wide as a picture. */
+void draw_text(uint8_t *pixels, const std::string &text, int width) {
     constexpr double COLOUR[3] = {INK, INK, INK};
-    const Label label = draw_label(text, width, LABEL_H);
-    for (const uint8_t coverage : label.coverage) {
-        blend(row, COLOUR, coverage / 255.0);
-        row += 3;
+    const Label label = draw_label(text, std::min(width, 4096), LABEL_H);
+    uint8_t *row = pixels + 3 * ((width - label.width) / 2);
+    for (size_t i = 0; i < label.coverage.size(); i++) {
+        const auto column = i % static_cast<size_t>(label.width);
+        blend(row + 3 * column, COLOUR, label.coverage[i] / 255.0);
+        if (column + 1 == static_cast<size_t>(label.width)) row += 3 * width;
     }
 }
 

@@ -4,6 +4,7 @@
 #include <cinttypes>
 #include <cmath>
 #include <cstdio>
+#include <stdexcept>
 
 #include "handles.h"
 
@@ -39,7 +40,8 @@ void draw_text(cairo_surface_t *surface, const char *text, int width, int height
 }  // namespace
 
 std::string time_text(double seconds) {
-    const int64_t ms = std::llround(std::max(seconds, 0.0) * 1000);
+    constexpr double LONGEST = 1e12;
+    const int64_t ms = std::llround(std::clamp(seconds, 0.0, LONGEST) * 1000);
     const int64_t s = ms / 1000, minutes = s / 60, hours = minutes / 60;
     char text[64];
     if (hours == 0) {
@@ -54,6 +56,9 @@ std::string time_text(double seconds) {
 
 Label draw_label(const std::string &text, int width, int height) {
     const SurfacePtr surface(cairo_image_surface_create(CAIRO_FORMAT_A8, width, height));
+    if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS)
+        throw std::runtime_error(std::string("cannot draw a label: ") +
+                                 cairo_status_to_string(cairo_surface_status(surface.get())));
     draw_text(surface.get(), text.c_str(), width, height);
     cairo_surface_flush(surface.get());
     const int stride = cairo_image_surface_get_stride(surface.get());

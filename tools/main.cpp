@@ -3,21 +3,21 @@ extern "C" {
 }
 #include <unistd.h>
 
-#include <algorithm>
 #include <iostream>
 #include <new>
 
 #include "arguments.h"
+#include "command_line.h"
+#include "names.h"
 #include "report.h"
 
 namespace {
 
 enum { EXIT_FAILED = 1, EXIT_USAGE = 2 };
 
-int complain(std::string message, int status) {
+int complain(const std::string &message, int status) {
     const Colours colours(STDERR_FILENO);
-    std::replace(message.begin(), message.end(), '\n', ' ');
-    std::cerr << colours.red << "tavu:" << colours.plain << ' ' << message << '\n';
+    std::cerr << colours.red << "tavu:" << colours.plain << ' ' << printable(message) << '\n';
     return status;
 }
 
@@ -25,16 +25,16 @@ int run(int argc, char **argv, Arguments &arguments) {
     CLI::App app{"Look into media files with libtavu.", "tavu"};
     arguments.define(app);
     try {
-        app.parse(argc, argv);
+        app.parse(normalized(app, argc, argv));
     } catch (const CLI::ParseError &error) {
         if (error.get_exit_code() != 0) {
-            const auto chosen = app.get_subcommands();
-            const std::string command = chosen.empty() ? "" : " " + chosen[0]->get_name();
-            return complain(std::string(error.what()) + " (see tavu" + command + " --help)",
-                            EXIT_USAGE);
+            const CLI::App *const command = argc > 1 ? find_command(app, argv[1]) : nullptr;
+            const std::string name = command ? " " + command->get_name() : "";
+            return complain(error.what() + (" (see tavu" + name + " --help)"), EXIT_USAGE);
         }
         app.exit(error);
     }
+    if (arguments.run) arguments.run();
     if (!std::cout.flush()) throw WholeError("standard output: cannot write");
     return 0;
 }

@@ -3,52 +3,72 @@
 extern "C" {
 #include <libavutil/display.h>
 }
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <cerrno>
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <stdexcept>
+
+#include "container_end.h"
+#include "limits.h"
 
 namespace {
 
-/** Standard input in a file of its own where it is none, as many formats are read to and fro. */
-FilePtr copy_of_standard_input() {
-    struct stat status {};
-    if (fstat(STDIN_FILENO, &status) == 0 && S_ISREG(status.st_mode)) return nullptr;
-    if (isatty(STDIN_FILENO)) throw std::runtime_error("it is a terminal; expected a media file");
-    FilePtr copy(std::tmpfile());
-    char bytes[1 << 16];
-    size_t size = 0;
-    while (copy && (size = std::fread(bytes, 1, sizeof bytes, stdin)) > 0)
-        if (std::fwrite(bytes, 1, size, copy.get()) != size) copy.reset();
-    if (std::ferror(stdin) || !copy || std::fflush(copy.get()) != 0)
-        throw std::runtime_error(std::string("cannot copy it: ") + std::strerror(errno));
-    return copy;
+/** True for formats whose files name the files to read, and for the one that takes any text. */
+bool is_refused(const std::string &format) {
+    constexpr const char *REFUSED[] = {"avisynth", "concat", "dash",        "hls",   "imf",
+                                       "rtsp",     "sdp",    "vapoursynth", "vobsub"};
+    return std::find(std::begin(REFUSED), std::end(REFUSED), format) != std::end(REFUSED);
 }
 
-/** What FFmpeg opens for a path; `copy` is that of standard input, if there is one. */
-std::string address(const std::string &path, std::FILE *copy) {
-    // The prefix keeps a colon in the name from being read as a protocol.
-    if (path != "-") return "file:" + path;
-    return "file:/dev/fd/" + std::to_string(copy ? fileno(copy) : STDIN_FILENO);
+[[noreturn]] void fail_to_open(int status, const InputFile &file) {
+    if (file.others_wanted())
+        throw std::runtime_error("it names other files to read; only the named file is opened");
+    if (status == AVERROR_INVALIDDATA || status == AVERROR_EOF)
+        throw std::runtime_error("not a media file, or damaged");
+    throw std::runtime_error(av_error_text(status));
 }
 
-FormatPtr open(const std::string &url, const RawVideo *raw) {
-    AVFormatContext *context = nullptr;
+const AVInputFormat *find_format(AVFormatContext &context, const InputFile &file) {
+    const AVInputFormat *format = nullptr;
+    const int status =
+        av_probe_input_buffer2(context.pb, &format, file.url().c_str(), nullptr, 0, 0);
+    if (status < 0) fail_to_open(status, file);
+    if (is_refused(format->name))
+        throw std::runtime_error(std::string("a ") + format->name +
+                                 " file names other files to read; only the named file is opened");
+    // This one takes any text for a picture if only the file's name ends in .txt.
+    if (std::strcmp(format->name, "tty") == 0) throw std::runtime_error("not a media file");
+    return format;
+}
+
+FormatPtr open(InputFile &file, const RawVideo *raw) {
+    FormatPtr context(avformat_alloc_context());
+    if (!context) throw std::bad_alloc();
+    file.attach(*context);
     AVDictionary *options = nullptr;
+    av_dict_set(&options, "protocol_whitelist", "none", 0);
     if (raw) {
         av_dict_set(&options, "video_size", raw->size.c_str(), 0);
         av_dict_set(&options, "pixel_format", raw->format.c_str(), 0);
     }
-    const int status = avformat_open_input(
-        &context, url.c_str(), raw ? av_find_input_format("rawvideo") : nullptr, &options);
+    const AVInputFormat *format =
+        raw ? av_find_input_format("rawvideo") : find_format(*context, file);
+    AVFormatContext *opened = context.release();  // freed if this fails
+    const int status = avformat_open_input(&opened, file.url().c_str(), format, &options);
     av_dict_free(&options);
-    if (status == AVERROR_INVALIDDATA || status == AVERROR_EOF)
-        throw std::runtime_error("not a media file, or damaged");
+    if (status < 0) fail_to_open(status, file);
+    return FormatPtr(opened);
+}
+
+/** Decodes a little where the container leaves parameters open. */
+void find_parameters(AVFormatContext &context) {
+    std::vector<AVDictionary *> options(context.nb_streams);
+    for (AVDictionary *&option : options) av_dict_set_int(&option, "max_pixels", MOST_PIXELS, 0);
+    const int status = avformat_find_stream_info(&context, options.data());
+    for (AVDictionary *&option : options) av_dict_free(&option);
     if (status < 0) throw std::runtime_error(av_error_text(status));
-    return FormatPtr(context);
 }
 
 }  // namespace
@@ -59,15 +79,14 @@ std::string av_error_text(int code) {
 }
 
 Media::Media(const std::string &path, const RawVideo *raw)
-    : copy_(path == "-" ? copy_of_standard_input() : nullptr),
-      context_(open(address(path, copy_.get()), raw)) {
-    // This one takes any text for a picture if only the file's name ends in .txt.
-    if (std::strcmp(context_->iformat->name, "tty") == 0)
-        throw std::runtime_error("not a media file");
-    const int status = avformat_find_stream_info(context_.get(), nullptr);
-    if (status < 0) throw std::runtime_error(av_error_text(status));
+    : file_(path), context_(open(file_, raw)) {
+    find_parameters(*context_);
     streams_.assign(context_->streams, context_->streams + context_->nb_streams);
     if (streams_.empty()) throw std::runtime_error("no tracks");
+    const int64_t end = stated_end(file_, context_->iformat->name);
+    if (end > file_.size())
+        add_fault("cut short: it has " + std::to_string(file_.size()) + " of " +
+                  std::to_string(end) + " bytes");
     if (!raw) return;
     streams_[0]->codecpar->color_range = raw->limited ? AVCOL_RANGE_MPEG : AVCOL_RANGE_JPEG;
     streams_[0]->codecpar->color_space = AVCOL_SPC_SMPTE170M;
@@ -81,6 +100,7 @@ AVStream &Media::best_video() const {
 
 bool Media::read(AVPacket &packet) {
     do {
+        av_packet_unref(&packet);
         const int status = av_read_frame(context_.get(), &packet);
         if (status < 0) {
             if (status != AVERROR_EOF) add_fault("cannot read on: " + av_error_text(status));
@@ -103,15 +123,19 @@ void Media::throw_faults() const {
 }
 
 double Media::seconds(const AVStream &stream, int64_t timestamp, int64_t index) const {
+    constexpr double UNIT = 1e6;  // of what is printed
+    double time = 0;
     if (timestamp == AV_NOPTS_VALUE) {
         const AVRational rate =
             av_guess_frame_rate(context_.get(), const_cast<AVStream *>(&stream), nullptr);
-        return rate.num > 0 ? static_cast<double>(index) / av_q2d(rate) : 0;
+        if (rate.num > 0) time = static_cast<double>(index) / av_q2d(rate);
+    } else {
+        const double start = context_->start_time == AV_NOPTS_VALUE
+                                 ? 0
+                                 : static_cast<double>(context_->start_time) / AV_TIME_BASE;
+        time = static_cast<double>(timestamp) * av_q2d(stream.time_base) - start;
     }
-    const double start = context_->start_time == AV_NOPTS_VALUE
-                             ? 0
-                             : static_cast<double>(context_->start_time) / AV_TIME_BASE;
-    return static_cast<double>(timestamp) * av_q2d(stream.time_base) - start;
+    return std::round(time * UNIT) / UNIT;
 }
 
 AVRational Media::pixel_aspect(const AVStream &stream, const AVFrame &frame) const {

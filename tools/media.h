@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "handles.h"
+#include "input_file.h"
 
 /** FFmpeg's text for an error code. */
 std::string av_error_text(int code);
@@ -20,6 +21,9 @@ class Media {
   public:
     explicit Media(const std::string &path, const RawVideo *raw = nullptr);
 
+    /** The file, which no output may replace. */
+    FileId id() const { return file_.id(); }
+
     const std::vector<AVStream *> &streams() const { return streams_; }
 
     /** The stream to decode; throws when there is no video. */
@@ -35,7 +39,7 @@ class Media {
     /** Throws if faults were noted. */
     void throw_faults() const;
 
-    /** Seconds from the start of the file; unknown timestamps are told by `index`. */
+    /** Seconds from the start of the file, to the microsecond; `index` stands in for a timestamp. */
     double seconds(const AVStream &stream, int64_t timestamp, int64_t index) const;
 
     /** Quarter turns, clockwise, by which the stream's frames are to be shown. */
@@ -47,7 +51,7 @@ class Media {
     double progress() const;
 
   private:
-    FilePtr copy_;  ///< of standard input, if that cannot be searched
+    InputFile file_;
     FormatPtr context_;
     std::vector<AVStream *> streams_;
     std::string first_fault_;

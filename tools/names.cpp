@@ -28,6 +28,31 @@ constexpr Name NAMES[] = {
 
 #undef NAME
 
+std::string escaped(unsigned byte) {
+    char text[5];
+    std::snprintf(text, sizeof text, "\\x%02x", byte);
+    return text;
+}
+
+/** Length in bytes of the UTF-8 character at `at`; 0 if it is none, or a control character. */
+size_t printable_length(const std::string &text, size_t at) {
+    constexpr uint32_t LEAST[] = {0, 0, 0xA0, 0x800, 0x10000}, LARGEST = 0x10FFFF;
+    const auto byte = [&](size_t i) -> uint32_t {
+        return i < text.size() ? static_cast<uint8_t>(text[i]) : 0;
+    };
+    const uint32_t first = byte(at);
+    if (first < 0x80) return first >= ' ' && first != 0x7F;
+    const size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+    uint32_t code = first & 0xFF >> (length + 1);
+    for (size_t i = at + 1; i < at + length; i++) {
+        if ((byte(i) & 0xC0) != 0x80) return 0;
+        code = code << 6 | (byte(i) & 0x3F);
+    }
+    const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
+    const bool character = first >= 0xC2 && first <= 0xF4 && !surrogate;
+    return character && code >= LEAST[length] && code <= LARGEST ? length : 0;
+}
+
 }  // namespace
 
 std::string media_type_name(int32_t media_type) {
@@ -40,9 +65,18 @@ std::string fourcc_text(uint32_t fourcc) {
     std::string text;
     for (int shift = 0; shift < 32; shift += 8) {
         const unsigned byte = fourcc >> shift & 0xFF;
-        char escaped[5] = {static_cast<char>(byte)};
-        if (byte < ' ' || byte > '~') std::snprintf(escaped, sizeof escaped, "\\x%02x", byte);
-        text += escaped;
+        const bool plain = byte >= ' ' && byte <= '~';
+        text += plain ? std::string(1, static_cast<char>(byte)) : escaped(byte);
     }
     return text;
+}
+
+std::string printable(const std::string &text) {
+    std::string out;
+    for (size_t at = 0; at < text.size();) {
+        const size_t length = printable_length(text, at);
+        out += length > 0 ? text.substr(at, length) : escaped(static_cast<uint8_t>(text[at]));
+        at += length > 0 ? length : 1;
+    }
+    return out;
 }

@@ -6,5 +6,8 @@
 /** Name of a TAVU_MT_ constant without the prefix, for example "VID_H264". */
 std::string media_type_name(int32_t media_type);
 
+/** The text as a terminal may show it: bytes of control characters and broken UTF-8 as \xNN. */
+std::string printable(const std::string &text);
+
 /** The four characters of a FourCC; bytes that are not printable as \xNN. */
 std::string fourcc_text(uint32_t fourcc);

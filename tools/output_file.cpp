@@ -1,11 +1,15 @@
 #include "output_file.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
+#include <iterator>
 
 #include "commands.h"
 
@@ -21,28 +25,50 @@ extern "C" void remove_unfinished(int signal) {
     raise(signal);  // the default action, which is in force again, ends the program
 }
 
+/** Of all signals that by default end the program; others are left to whoever asked for them. */
 void handle_signals() {
+    constexpr int HARMLESS[] = {SIGCHLD, SIGCONT, SIGSTOP,  SIGTSTP, SIGTTIN,
+                                SIGTTOU, SIGURG,  SIGWINCH, SIGKILL};
     struct sigaction ours {
     }, before{};
     ours.sa_handler = remove_unfinished;
     ours.sa_flags = static_cast<int>(SA_RESETHAND);
-    for (const int signal : {SIGHUP, SIGINT, SIGPIPE, SIGTERM, SIGXCPU, SIGXFSZ}) {
-        sigaction(signal, &ours, &before);
-        if (before.sa_handler == SIG_IGN) sigaction(signal, &before, nullptr);
+    for (int signal = 1; signal <= SIGRTMAX; signal++) {
+        if (std::find(std::begin(HARMLESS), std::end(HARMLESS), signal) != std::end(HARMLESS))
+            continue;
+        if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler == SIG_DFL)
+            sigaction(signal, &ours, nullptr);
     }
 }
 
+/** Signals wait while an object of this class lives. */
+class HoldSignals {
+  public:
+    HoldSignals() {
+        sigset_t all;
+        sigfillset(&all);
+        sigprocmask(SIG_BLOCK, &all, &before_);
+    }
+    HoldSignals(const HoldSignals &) = delete;
+    HoldSignals &operator=(const HoldSignals &) = delete;
+    ~HoldSignals() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+
+  private:
+    sigset_t before_{};
+};
+
 }  // namespace
 
-OutputFile::OutputFile(const std::string &path) : name_(path) {
+OutputFile::OutputFile(const std::string &path, std::initializer_list<FileId> inputs)
+    : name_(path == "-" ? "standard output" : path) {
+    struct stat old {};
+    const bool exists = (path == "-" ? fstat(STDOUT_FILENO, &old) : stat(path.c_str(), &old)) == 0;
+    if (exists) refuse(old, inputs);
     if (path == "-") {
         open_standard_output();
     } else {
-        open(path);
+        open(path, exists ? &old : nullptr);
     }
-    if (file_) return;
-    unfinished = nullptr;
-    fail(std::strerror(errno));
 }
 
 OutputFile::~OutputFile() {
@@ -58,8 +84,9 @@ void OutputFile::commit() {
     const bool closed = file_ == stdout ? std::fflush(file_) == 0 : std::fclose(file_) == 0;
     file_ = nullptr;
     if (!closed) fail(std::strerror(errno));
-    if (!temporary_.empty() && std::rename(temporary_.c_str(), target_.c_str()) != 0)
-        fail(std::strerror(errno));
+    if (temporary_.empty()) return;
+    const HoldSignals hold;
+    if (std::rename(temporary_.c_str(), target_.c_str()) != 0) fail(std::strerror(errno));
     unfinished = nullptr;
     temporary_.clear();
 }
@@ -68,27 +95,56 @@ void OutputFile::fail(const std::string &reason) const {
     throw WholeError(name_ + ": cannot write: " + reason);
 }
 
+void OutputFile::refuse(const struct stat &target, std::initializer_list<FileId> inputs) const {
+    const bool is_input = std::find(inputs.begin(), inputs.end(), FileId(target)) != inputs.end();
+    if (is_input) throw UsageError(name_ + ": cannot write: it is the input file");
+}
+
 void OutputFile::open_standard_output() {
-    name_ = "standard output";
     if (isatty(STDOUT_FILENO)) fail("it is a terminal; send it to a file or a pipe");
     file_ = stdout;
 }
 
-void OutputFile::open(const fs::path &path) {
-    std::error_code error;
-    const fs::file_status status = fs::status(path, error);
+void OutputFile::open(const fs::path &path, const struct stat *old) {
     // Renaming onto a device would put a file in its place.
-    if (fs::is_character_file(status)) {
+    if (old && S_ISCHR(old->st_mode)) {
         file_ = std::fopen(path.c_str(), "wb");
+        if (!file_) fail(std::strerror(errno));
         return;
     }
-    if (fs::is_directory(status)) fail("it is a directory");
-    if (fs::exists(status) && !fs::is_regular_file(status)) fail("it is no regular file");
-    target_ = fs::exists(status) ? fs::canonical(path, error) : path;
-    temporary_ = target_.parent_path() / (".tavu-" + std::to_string(getpid()) + ".tmp");
+    if (old && S_ISDIR(old->st_mode)) fail("it is a directory");
+    if (old && !S_ISREG(old->st_mode)) fail("it is no regular file");
+    if (old && access(path.c_str(), W_OK) != 0) fail(std::strerror(errno));
+    std::error_code error;
+    target_ = old ? fs::canonical(path, error) : path;
+    if (error) fail(error.message());
+    if (make_temporary() && keep_owner_and_mode(old)) return;
+    const std::string reason = std::strerror(errno);
+    drop_temporary();
+    fail(reason);
+}
+
+bool OutputFile::make_temporary() {
     handle_signals();
+    temporary_ = target_.parent_path() / ".tavu-XXXXXX";
+    const HoldSignals hold;
+    const int descriptor = mkostemp(temporary_.data(), O_CLOEXEC);
+    if (descriptor < 0) {
+        temporary_.clear();
+        return false;
+    }
     unfinished = temporary_.c_str();
-    file_ = std::fopen(temporary_.c_str(), "wbx");
+    file_ = fdopen(descriptor, "wb");
+    return file_ != nullptr;
+}
+
+/** The owner as far as the system lets us; a new file gets what open() would give it. */
+bool OutputFile::keep_owner_and_mode(const struct stat *old) const {
+    constexpr mode_t NEW = 0666, PERMISSIONS = 0777;
+    const mode_t mask = umask(0);
+    umask(mask);
+    if (old && fchown(fileno(file_), old->st_uid, old->st_gid) != 0) errno = 0;
+    return fchmod(fileno(file_), old ? old->st_mode & PERMISSIONS : NEW & ~mask) == 0;
 }
 
 void OutputFile::drop_temporary() {

@@ -1,17 +1,23 @@
 #pragma once
 
+#include <sys/stat.h>
+
 #include <cstdio>
 #include <filesystem>
+#include <initializer_list>
 #include <string>
+
+#include "file_id.h"
 
 /**
  * A file beside the target that takes its place when it is complete; nothing of it stays when the
  * program fails or is ended by a signal. "-" is standard output, which like other devices is written
- * directly. Throws WholeError. There is one at a time.
+ * directly. Throws WholeError, or UsageError for a target that is one of the inputs. There is one at
+ * a time.
  */
 class OutputFile {
   public:
-    explicit OutputFile(const std::string &path);
+    OutputFile(const std::string &path, std::initializer_list<FileId> inputs);
     OutputFile(const OutputFile &) = delete;
     OutputFile &operator=(const OutputFile &) = delete;
     ~OutputFile();
@@ -23,8 +29,11 @@ class OutputFile {
     [[noreturn]] void fail(const std::string &reason) const;
 
   private:
+    void refuse(const struct stat &target, std::initializer_list<FileId> inputs) const;
     void open_standard_output();
-    void open(const std::filesystem::path &path);
+    void open(const std::filesystem::path &path, const struct stat *old);
+    bool make_temporary();
+    bool keep_owner_and_mode(const struct stat *old) const;
     void drop_temporary();
 
     std::string name_;

@@ -1,5 +1,8 @@
 #include "pack.h"
 
+#include <stdexcept>
+#include <string>
+
 #include "commands.h"
 #include "picture.h"
 #include "routines.h"
@@ -56,6 +59,22 @@ Planes to_yuv(const Planes &planes) {
     return yuv;
 }
 
+/** The combined routines trust sizes; they have the limits of the resizer, which checks them. */
+void check_limits(const tavu_imgb_t &from, int width, int height) {
+    tavu_irsz_param param{};
+    param.fmt = TAVU_IRSZ_8B;
+    param.mode = TAVU_IRSZ_MODE_FULL;
+    param.src_w = from.w;
+    param.src_h = from.h;
+    param.dst_w = width;
+    param.dst_h = height;
+    const ResizerPtr resizer(tavu_irsz_create(&param, nullptr));
+    if (!resizer)
+        throw std::runtime_error("pictures of " + std::to_string(from.w) + "x" +
+                                 std::to_string(from.h) + " are too large to scale to " +
+                                 std::to_string(width) + "x" + std::to_string(height));
+}
+
 }  // namespace
 
 std::vector<uint8_t> pack(const Planes &planes, const PixelLayout &to, int width, int height) {
@@ -65,6 +84,7 @@ std::vector<uint8_t> pack(const Planes &planes, const PixelLayout &to, int width
     if (!conversion.routine && planes.rgb) return pack(to_yuv(planes), to, width, height);
     if (!conversion.routine)
         throw UsageError(std::string("--one-pass: no routine resizes and converts to ") + to.name);
+    if (resizing) check_limits(from, width, height);
     const size_t pixels = static_cast<size_t>(width) * static_cast<size_t>(height);
     std::vector<uint8_t> out(pixels * static_cast<size_t>(to.bytes)),
         units(to.cs == TAVU_CS_RGBA5658 ? 2 * pixels : 0);

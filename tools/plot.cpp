@@ -32,7 +32,7 @@ std::string quoted(const std::string &text) {
     std::string out = "'";
     for (const char c : text) {
         if (c == '\'') out += c;
-        out += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
+        out += c;
     }
     return out + "'";
 }
@@ -91,7 +91,7 @@ std::string script_of(const std::string &name, const Track &track) {
     const Unit unit = unit_of(track);
     const auto text = [](double value) { return std::to_string(value); };
     std::string script = STYLE + data_of(track, unit.bytes);
-    script += "set title " + quoted(title_of(name, track)) + " noenhanced\n";
+    script += "set title " + quoted(title_of(printable(name), track)) + " noenhanced\n";
     script += "set ylabel '" + std::string(unit.name) + " of an access unit' tc '#333333'\n";
     script += "set boxwidth " + text(timeline.step * 0.8) + " absolute\n";
     script += "plot [" + text(timeline.first - timeline.step) + ":" +

@@ -6,8 +6,10 @@
 #include <cmath>
 #include <cstdio>
 
+#include "report.h"
+
 Progress::Progress(const char *units, bool quiet)
-    : units_(units), terminal_(!quiet && isatty(STDERR_FILENO)) {}
+    : units_(units), terminal_(!quiet && takes_escapes(STDERR_FILENO)) {}
 
 Progress::~Progress() {
     if (shown_) std::fputs("\r\033[K", stderr);

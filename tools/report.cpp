@@ -2,21 +2,53 @@
 
 #include <unistd.h>
 
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <iostream>
 #include <string>
 
+namespace {
+
+std::string variable(const char *name) {
+    const char *value = std::getenv(name);
+    return value ? value : "";
+}
+
+/** JSON itself lets DEL and the second set of control characters stand. */
+std::string with_controls_escaped(const std::string &json) {
+    std::string out;
+    for (size_t i = 0; i < json.size(); i++) {
+        const auto byte = static_cast<uint8_t>(json[i]);
+        const auto next = static_cast<uint8_t>(i + 1 < json.size() ? json[i + 1] : 0);
+        const bool second_set = byte == 0xC2 && next < 0xA0;
+        if (!second_set && byte != 0x7F) {
+            out += json[i];
+            continue;
+        }
+        char text[7];
+        std::snprintf(text, sizeof text, "\\u%04x", second_set ? next : byte);
+        out += text;
+        i += second_set;
+    }
+    return out;
+}
+
+}  // namespace
+
 void print_json(const Json &json) {
     // File names need not be UTF-8.
-    std::cout << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    const std::string text = json.dump(2, ' ', false, Json::error_handler_t::replace);
+    std::cout << with_controls_escaped(text) << '\n';
+}
+
+bool takes_escapes(int descriptor) {
+    const std::string terminal = variable("TERM");
+    return isatty(descriptor) && !terminal.empty() && terminal != "dumb";
 }
 
 Colours::Colours(int descriptor) {
-    const auto variable = [](const char *name) {
-        const char *value = std::getenv(name);
-        return std::string(value ? value : "");
-    };
-    if (!isatty(descriptor) || !variable("NO_COLOR").empty() || variable("TERM") == "dumb") return;
+    if (!takes_escapes(descriptor) || !variable("NO_COLOR").empty()) return;
     bold = "\033[1m";
     red = "\033[1;31m";
     green = "\033[32m";

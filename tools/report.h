@@ -7,7 +7,10 @@ using Json = nlohmann::ordered_json;
 
 void print_json(const Json &json);
 
-/** Escape codes for a stream: empty unless it is a terminal and NO_COLOR is not set. */
+/** True for a terminal that follows escape codes. */
+bool takes_escapes(int descriptor);
+
+/** Escape codes for a stream: empty unless it takes them and NO_COLOR is not set. */
 struct Colours {
     explicit Colours(int descriptor);
 

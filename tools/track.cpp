@@ -115,7 +115,9 @@ std::vector<Track> read_tracks(Media &media, bool quiet) {
         readers.push_back(video ? std::make_unique<UnitReader>(media, stream, track) : nullptr);
     }
     Progress progress("packets", quiet);
-    for (PacketPtr packet(av_packet_alloc()); media.read(*packet); av_packet_unref(packet.get())) {
+    const PacketPtr packet(av_packet_alloc());
+    if (!packet) throw std::bad_alloc();
+    while (media.read(*packet)) {
         if (UnitReader *reader = readers[static_cast<size_t>(packet->stream_index)].get())
             reader->add(*packet);
         progress.step(media.progress());

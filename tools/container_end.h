@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "input_file.h"
+
+/**
+ * Where the outermost elements of a file end by their own lengths, for a container of FFmpeg's name
+ * `format`; no more than the file's size where nothing is stated. Beyond that size: the file is cut
+ * short, which demuxers of these containers take for a regular end.
+ */
+int64_t stated_end(const InputFile &file, const std::string &format);

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <sys/stat.h>
+
+/** What tells a file from every other one, whatever its names. */
+struct FileId {
+    dev_t device = 0;
+    ino_t inode = 0;
+
+    FileId() = default;
+    explicit FileId(const struct stat &status) : device(status.st_dev), inode(status.st_ino) {}
+    bool operator==(const FileId &other) const {
+        return device == other.device && inode == other.inode;
+    }
+};

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "file_id.h"
+#include "handles.h"
+
+/**
+ * A file opened for reading, "-" for standard input. FFmpeg reads it through io(), and can open it
+ * again but no other file.
+ */
+class InputFile {
+  public:
+    explicit InputFile(const std::string &path);
+    InputFile(const InputFile &) = delete;
+    InputFile &operator=(const InputFile &) = delete;
+    ~InputFile();
+
+    FileId id() const { return id_; }
+    int64_t size() const { return size_; }
+    /** False if the file ends before `size` bytes from `at` on. */
+    bool read(int64_t at, void *bytes, size_t size) const;
+
+    /** A name that has no more of the path than its extension, by which some formats are known. */
+    const std::string &url() const { return url_; }
+    /** Makes a context read this file; `context` takes no other file for a part of it. */
+    void attach(AVFormatContext &context);
+    /** Whether a context wanted to open another file. */
+    bool others_wanted() const { return others_wanted_; }
+
+  private:
+    static int open_again(AVFormatContext *context, AVIOContext **io, const char *url, int flags,
+                          AVDictionary **options);
+
+    FilePtr file_;
+    FileId id_;
+    int64_t size_ = 0;
+    std::string url_;
+    AVIOContext *io_ = nullptr;
+    bool others_wanted_ = false;
+};

@@ -1,0 +1,13 @@
+/** How large the pictures may be that the program takes into memory. */
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+constexpr int64_t MOST_PIXELS = int64_t{1} << 27;
+
+/** Empty if a picture of this size is taken, else one sentence: its memory and the limit. */
+std::string too_large(int64_t width, int64_t height);
+
+/** Throws if a picture of this size is too large. */
+void check_pixels(int64_t width, int64_t height);
