@@ -121,6 +121,7 @@ bool InputFile::read(int64_t at, void *bytes, size_t size) const {
 
 void InputFile::attach(AVFormatContext &context) {
     context.pb = io_;
+    context.flags |= AVFMT_FLAG_CUSTOM_IO;
     context.opaque = this;
     context.io_open = open_again;
     context.io_close2 = close_io;

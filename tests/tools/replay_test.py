@@ -1,0 +1,151 @@
+"""Every command over damaged and odd files: it ends in time with a status and at most one line.
+
+The files are made from the samples and from headers by hand, always the same ones.
+"""
+
+import concurrent.futures
+import json
+import os
+import random
+import resource
+import struct
+import subprocess
+import zlib
+
+from tool_case import NAMES, TAVU, Case, sample
+
+SEED = 20
+SANITIZED = {"ASAN_OPTIONS": "exitcode=99", "UBSAN_OPTIONS": "exitcode=99"}
+SECONDS, MEMORY = 30, 1 << 20  # of processor time, in KiB
+RAW = ["h264", "hevc", "m4v", "h263", "h261", "mjpeg", "mpg", "vc1", "aac", "mp3", "ac3", "ts",
+       "mkv", "yuv"]
+SIZES = [(1, 1), (1, 32768), (32768, 1), (40000, 16), (16, 40000), (12000, 16), (16, 12000),
+         (200000, 1), (3, 66000), (257, 255)]
+PLAYLISTS = {"list.m3u8": "#EXTM3U\n#EXT-X-TARGETDURATION:9\n#EXTINF:9,\n{}\n#EXT-X-ENDLIST\n",
+             "list.ffconcat": "ffconcat version 1.0\nfile '{}'\n",
+             "list.mpd": '<?xml version="1.0"?><MPD profiles="urn:mpeg:dash:profile:isoff-live:2011"'
+                         '><BaseURL>{}</BaseURL></MPD>',
+             "list.sdp": "v=0\no=- 0 0 IN IP4 127.0.0.1\ns=x\nc=IN IP4 127.0.0.1\nt=0 0\n"
+                         "m=video 5004 RTP/AVP 96\na=rtpmap:96 H264/90000\na=control:{}\n"}
+VARIANTS = {
+    "probe": [[], ["--json"], ["--plot", "OUT"]],
+    "digest": [[], ["--json"]],
+    "sheet": [["-o", "OUT"], ["-o", "OUT", "--every", "1", "--width", "64", "--json"],
+              ["-o", "OUT", "--every", "2", "--columns", "1", "--width", "16"]],
+    "compare": [["OTHER"], ["OTHER", "-o", "OUT", "--json"], ["FILE", "-o", "OUT"]],
+    "convert": [["OUT"], ["OUT", "--one-pass", "--resize", "11000x16"],
+                ["OUT.png", "--one-pass", "--resize", "16x8000", "--to", "rgba8888"],
+                ["OUT", "--one-pass", "--resize", "8000x64"], ["OUT", "--to", "rgba5658"],
+                ["OUT.png", "--resize", "65x33", "--to", "bgra8888"],
+                ["OUT", "--to", "rgb565a8", "--frame", "2"], ["OUT", "--to", "yuv444a8", "--json"],
+                ["OUT", "--resize", "1x1", "--one-pass"]]}
+
+
+def damaged(dice):
+    """Cut, with wrong bytes in the headers, with wrong bytes all over, with a hole."""
+    for name in NAMES:
+        with open(sample(name), "rb") as file:
+            whole = file.read()
+        for number in range(10):
+            data = bytearray(whole)
+            if number < 3:
+                del data[dice.randrange(len(data)):]
+            elif number < 9:
+                places = (8, 4096) if number < 6 else (len(data) // 100, len(data))
+                for _ in range(places[0]):
+                    data[dice.randrange(places[1])] = dice.randrange(256)
+            else:
+                at = dice.randrange(len(data) - 2048)
+                data[at:at + 2048] = bytes(2048)
+            yield f"{number}-{name}", bytes(data)
+
+
+def tiny(dice):
+    for name in RAW:
+        for size, head in (0, b""), (4, b"\0\0\1\x65"), (dice.randrange(1, 17), b""), \
+                (16, b"\0\0\0\1\x67\x64"), (dice.randrange(5, 17), b"\0\0\1\x40"):
+            yield f"{size}-{head.hex()}.{name}", head + dice.randbytes(size - len(head))
+
+
+def png_head(width, height):
+    head = b"IHDR" + struct.pack(">IIBBBBB", width, height, 8, 6, 0, 0, 0)
+    data = b"IDAT" + zlib.compress(bytes(4096))
+    return b"\x89PNG\r\n\x1a\n" + b"".join(struct.pack(">I", len(chunk) - 4) + chunk + struct.pack(
+        ">I", zlib.crc32(chunk)) for chunk in (head, data, b"IEND"))
+
+
+def bmp_head(width, height):
+    return (b"BM" + struct.pack("<IIIIiiHHIIiiII", 60000, 0, 54, 40, width, height, 1, 24, 0, 0, 0,
+                                0, 0, 0) + bytes(3000))
+
+
+def crafted(dice):
+    for w, h in SIZES:
+        yield f"{w}x{h}.ppm", f"P6 {w} {h} 255\n".encode() + dice.randbytes(3 * w * h)
+        frame = b"FRAME\n" + dice.randbytes(w * h + 2 * ((w + 1) // 2) * ((h + 1) // 2))
+        head = f"YUV4MPEG2 W{w} H{h} F25:1 C420jpeg\n".encode()
+        yield f"{w}x{h}.y4m", head + 3 * frame + frame[:9]
+    for w, h in (16000, 16000), (2 ** 31 - 1, 2 ** 31 - 1), (1, 2 ** 31 - 1), (0, 5), (40000, 3000):
+        yield f"{w}x{h}.png", png_head(w, h)
+        yield f"{w}x{h}.bmp", bmp_head(w, -h)
+        yield f"{w}x{h}-head.ppm", f"P6 {w} {h} 255\n".encode() + bytes(99)
+    for name, text in PLAYLISTS.items():
+        yield name, text.format(sample("mpeg4.avi")).encode()
+    for name, head in {"x.mkv": "1a45dfa3 84 4286 8101 18538067 01ffffffffffffff 1f43b675 ff",
+                       "y.mkv": "1a45dfa3 40", "x.mp4": "00000010 66747970 00000001 6d646174 ffff",
+                       "y.mp4": "00000001 66747970 7fffffffffffffff", "x.ogg": "4f676753 00 ff",
+                       "x.avi": "52494646 ffffffff 41564920", "y.avi": "52494646 00000000 41564920",
+                       "x.wmv": "3026b2758e66cf11a6d900aa0062ce6c ffffffffffffff7f"}.items():
+        yield name, bytes.fromhex(head) + dice.randbytes(500)
+
+
+class Replay(Case):
+    def setUp(self):
+        super().setUp()
+        self.faults = []
+
+    def check(self, args, target):
+        with open(target + ".out", "w+b") as out, open(target + ".err", "w+b") as err:
+            process = subprocess.Popen([TAVU, *args], stdin=subprocess.DEVNULL, stdout=out,
+                                       stderr=err, env={**os.environ, **SANITIZED})
+            try:
+                resource.prlimit(process.pid, resource.RLIMIT_CPU, (SECONDS, SECONDS))
+            except ProcessLookupError:
+                pass  # it has ended
+            _, status, usage = os.wait4(process.pid, 0)
+            process.returncode = os.waitstatus_to_exitcode(status)
+            err.seek(0)
+            out.seek(0)
+            message, text = err.read(), out.read()
+        left = os.listdir(target)
+        lines = message.count(b"\n")
+        told = message.startswith(b"tavu: ") and lines == 1 if process.returncode else lines == 0
+        if process.returncode not in (0, 1) or not told or usage.ru_maxrss > MEMORY or \
+                len(left) != (target + "/out" in " ".join(args) and process.returncode == 0):
+            self.faults.append((args, process.returncode, message, usage.ru_maxrss, left))
+        if "--json" in args and text:
+            json.loads(text)
+        for name in left:
+            os.remove(os.path.join(target, name))
+
+    def replay(self, number, name, data):
+        path, target = self.written(name, data), self.path(f"target{number}")
+        os.mkdir(target)
+        words = {"OUT": target + "/out", "OUT.png": target + "/out.png", "FILE": path,
+                 "OTHER": sample("mpeg4.avi")}
+        for command, variants in VARIANTS.items():
+            # Those that are steered by the size of pictures see every size.
+            every = command == "convert" and name.endswith((".ppm", ".png"))
+            for variant in variants if every else [variants[number % len(variants)]]:
+                self.check([command, path, *(words.get(word, word) for word in variant)], target)
+        os.remove(path)
+
+    def test_no_file_breaks_a_command(self):
+        dice = random.Random(SEED)
+        files = [*damaged(dice), *tiny(dice), *crafted(dice)]
+        self.assertGreater(len(files), 200)
+        self.assertEqual(len(files), len(dict(files)))
+        with concurrent.futures.ThreadPoolExecutor(2) as pool:
+            list(pool.map(lambda entry: self.replay(entry[0], *entry[1]), enumerate(files)))
+        for fault in self.faults: print(repr(fault)[:2500])
+        self.assertEqual(self.faults, [])
