@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "ffmpeg.h"
 #include "limits.h"
 
 namespace {
@@ -62,7 +63,7 @@ bool FrameReader::receive() {
             continue;
         }
         if (frame_->decode_error_flags != 0) fault("errors in a frame");
-        if (pick_ == Pick::ALL || frame_->key_frame) return true;
+        if (pick_ == Pick::ALL || is_key_frame(*frame_)) return true;
     }
     if (status != AVERROR(EAGAIN) && status != AVERROR_EOF) fault(status);
     return false;

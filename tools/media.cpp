@@ -11,6 +11,7 @@ extern "C" {
 #include <stdexcept>
 
 #include "container_end.h"
+#include "ffmpeg.h"
 #include "limits.h"
 
 namespace {
@@ -145,9 +146,9 @@ AVRational Media::pixel_aspect(const AVStream &stream, const AVFrame &frame) con
 }
 
 int Media::quarter_turns(const AVStream &stream) {
-    const void *matrix = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
+    const int32_t *matrix = display_matrix(stream);
     if (!matrix) return 0;
-    const double anticlockwise = av_display_rotation_get(static_cast<const int32_t *>(matrix));
+    const double anticlockwise = av_display_rotation_get(matrix);
     return std::isnan(anticlockwise) ? 0 : static_cast<int>(std::lround(-anticlockwise / 90)) & 3;
 }
 
