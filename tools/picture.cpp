@@ -5,9 +5,11 @@ extern "C" {
 #include <libavutil/pixdesc.h>
 }
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "plane.h"
 
@@ -38,10 +40,34 @@ AVColorSpace matrix(const AVFrame &frame) {
     return frame.height >= HD_HEIGHT ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
 }
 
+const AVPixFmtDescriptor &description(const AVFrame &frame) {
+    return *av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
+}
+
+/** Reads one component, brought to 8 bits of full range. */
+void read_component(const AVFrame &frame, int component, bool full_range, const Plane &to) {
+    const AVPixFmtDescriptor &format = description(frame);
+    const int depth = format.comp[component].depth, unit = 1 << (depth - 8);
+    const int black = full_range ? 0 : 16 * unit, span = full_range ? 256 * unit - 1 : 219 * unit;
+    const uint8_t *data[4] = {frame.data[0], frame.data[1], frame.data[2], frame.data[3]};
+    std::vector<uint16_t> row(static_cast<size_t>(to.width));
+    for (int y = 0; y < to.height; y++) {
+        av_read_image_line2(row.data(), data, frame.linesize, &format, 0, y, component, to.width, 0,
+                            sizeof row[0]);
+        uint8_t *out = to.at + static_cast<ptrdiff_t>(y) * to.stride;
+        std::transform(row.begin(), row.end(), out, [=](int sample) {
+            return static_cast<uint8_t>(
+                std::clamp(((sample - black) * 255 + span / 2) / span, 0, 255));
+        });
+    }
+}
+
 /** A converter to full range at the same size; null if it cannot be had. */
 ScalerPtr make_scaler(const AVFrame &frame, AVPixelFormat format) {
     ScalerPtr scaler(sws_alloc_context());
     if (!scaler) return nullptr;
+    // A change of matrix goes through RGB; full chroma there keeps its error below 2.
+    constexpr int FLAGS = SWS_BILINEAR | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT;
     const std::pair<const char *, int> options[] = {{"srcw", frame.width},
                                                     {"srch", frame.height},
                                                     {"src_format", plain_format(frame.format)},
@@ -50,8 +76,8 @@ ScalerPtr make_scaler(const AVFrame &frame, AVPixelFormat format) {
                                                     {"dst_format", format},
                                                     {"src_range", is_full_range(frame)},
                                                     {"dst_range", 1},
-                                                    {"sws_flags", SWS_BILINEAR | SWS_ACCURATE_RND}};
-    // The ranges must be known from the start: told later they are not always followed.
+                                                    {"sws_flags", FLAGS}};
+    // The ranges must be known from the start: later they are not always followed.
     for (const auto &[name, value] : options) av_opt_set_int(scaler.get(), name, value, 0);
     if (sws_init_context(scaler.get(), nullptr, nullptr) < 0) return nullptr;
     constexpr int ONE = 1 << 16;
@@ -74,14 +100,20 @@ AVPixelFormat plain_format(int format) {
     return static_cast<AVPixelFormat>(format);
 }
 
+bool is_grey(const AVFrame &frame) {
+    const AVPixFmtDescriptor &format = description(frame);
+    constexpr uint64_t OTHERS = AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL |
+                                AV_PIX_FMT_FLAG_BITSTREAM | AV_PIX_FMT_FLAG_FLOAT;
+    return !(format.flags & OTHERS) && (format.nb_components == 1 || format.nb_components == 2);
+}
+
 bool is_full_range(const AVFrame &frame) {
     if (frame.color_range != AVCOL_RANGE_UNSPECIFIED) return frame.color_range == AVCOL_RANGE_JPEG;
-    return frame.format != plain_format(frame.format) || frame.format == AV_PIX_FMT_GRAY8;
+    return frame.format != plain_format(frame.format) || is_grey(frame);
 }
 
 bool has_luma_plane(const AVFrame &frame) {
-    const AVPixFmtDescriptor &format =
-        *av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
+    const AVPixFmtDescriptor &format = description(frame);
     constexpr uint64_t NO_LUMA =
         AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL | AV_PIX_FMT_FLAG_BITSTREAM;
     const AVComponentDescriptor &first = format.comp[0];
@@ -124,8 +156,21 @@ void convert_frame(const AVFrame &frame, AVPixelFormat format, uint8_t *const pl
     if (rows != frame.height) throw std::runtime_error("cannot convert a frame");
 }
 
+void read_grey(const AVFrame &frame, const tavu_imgb_t &to) {
+    // swscale treats most grey frames as full range, whatever their tags.
+    constexpr uint8_t NEUTRAL = 128;
+    read_component(frame, 0, is_full_range(frame), plane_of(to, 0));
+    for (const int index : {1, 2}) fill_plane(plane_of(to, index), NEUTRAL);
+    if (description(frame).nb_components > 1 && to.addr[3])
+        read_component(frame, 1, true, plane_of(to, 3));
+}
+
 ImagePtr to_full_range_420(const AVFrame &frame) {
     ImagePtr image = make_image(frame.width, frame.height, TAVU_CS_YUV420);
-    convert_frame(frame, AV_PIX_FMT_YUV420P, image->addr, image->stride);
+    if (is_grey(frame)) {
+        read_grey(frame, *image);
+    } else {
+        convert_frame(frame, AV_PIX_FMT_YUV420P, image->addr, image->stride);
+    }
     return image;
 }

@@ -14,6 +14,9 @@ int layout_code(int format);
 /** The plain format of one whose name says full range, which is kept apart here. */
 AVPixelFormat plain_format(int format);
 
+/** True for luma alone or with alpha, of 8 bits or more. */
+bool is_grey(const AVFrame &frame);
+
 bool is_full_range(const AVFrame &frame);
 
 /** True if the frame has a plane of 8-bit luma, whatever its chroma. */
@@ -28,6 +31,9 @@ ImagePtr copy_frame(const AVFrame &frame);
  */
 void convert_frame(const AVFrame &frame, AVPixelFormat format, uint8_t *const planes[4],
                    const int strides[4]);
+
+/** Reads a grey frame: full-range luma, neutral chroma, alpha if frame and image have it. */
+void read_grey(const AVFrame &frame, const tavu_imgb_t &to);
 
 /** The frame as full-range BT.601 4:2:0. */
 ImagePtr to_full_range_420(const AVFrame &frame);

@@ -4,6 +4,7 @@ extern "C" {
 #include <libavutil/imgutils.h>
 }
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 
@@ -19,6 +20,11 @@ Plane plane_of(const tavu_imgb_t &image, int index) {
 
 void copy_plane(const Plane &from, const Plane &to) {
     av_image_copy_plane(to.at, to.stride, from.at, from.stride, from.width, from.height);
+}
+
+void fill_plane(const Plane &plane, uint8_t value) {
+    for (int y = 0; y < plane.height; y++)
+        std::fill_n(plane.at + static_cast<ptrdiff_t>(y) * plane.stride, plane.width, value);
 }
 
 void scale_plane(const Plane &from, const Plane &to) {

@@ -20,5 +20,7 @@ Plane plane_of(const tavu_imgb_t &image, int index);
 /** Copies between planes of one size. */
 void copy_plane(const Plane &from, const Plane &to);
 
+void fill_plane(const Plane &plane, uint8_t value);
+
 /** Scales with the library's resizer. */
 void scale_plane(const Plane &from, const Plane &to);

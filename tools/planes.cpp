@@ -12,13 +12,6 @@ extern "C" {
 
 namespace {
 
-constexpr uint8_t NEUTRAL = 128, OPAQUE = 255;
-
-void fill(const Plane &plane, uint8_t value) {
-    for (int y = 0; y < plane.height; y++)
-        std::fill_n(plane.at + static_cast<ptrdiff_t>(y) * plane.stride, plane.width, value);
-}
-
 /**
  * Doubles one or both sizes of a plane. It is scaled with one more column and row, which repeat the
  * last ones: then target sample i lies at i / 2 exactly.
@@ -40,14 +33,7 @@ void enlarge(const Plane &from, const Plane &to) {
 
 void enlarge_chroma(const tavu_imgb_t &from, const tavu_imgb_t &to) {
     copy_plane(plane_of(from, 0), plane_of(to, 0));
-    for (int index = 1; index < 3; index++) {
-        const Plane chroma = plane_of(to, index);
-        if (!from.addr[index]) {
-            fill(chroma, NEUTRAL);
-        } else {
-            enlarge(plane_of(from, index), chroma);
-        }
-    }
+    for (int index = 1; index < 3; index++) enlarge(plane_of(from, index), plane_of(to, index));
 }
 
 /** By way of packed pixels, to which swscale converts every kind of 8-bit RGB without loss. */
@@ -87,10 +73,13 @@ Planes read_planes(const AVFrame &frame) {
     planes.alpha = (flags & AV_PIX_FMT_FLAG_ALPHA) != 0;
     if (planes.rgb) {
         read_rgb(frame, *planes.image);
+    } else if (is_grey(frame)) {
+        read_grey(frame, *planes.image);
     } else {
         read_yuv(frame, planes.alpha, *planes.image);
     }
-    if (!planes.alpha) fill(plane_of(*planes.image, 3), OPAQUE);
+    constexpr uint8_t OPAQUE = 255;
+    if (!planes.alpha) fill_plane(plane_of(*planes.image, 3), OPAQUE);
     return planes;
 }
 

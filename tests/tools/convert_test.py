@@ -16,6 +16,10 @@ def from_yuv(y, u, v, a=255):
     return dict(zip("rgbyuva", (*(min(max(c, 0), 255) for c in rgb), y, u, v, a)))
 
 
+def from_grey(y, a=255):
+    return from_yuv(y, 128, 128, a)
+
+
 def from_rgb(r, g, b, a=255):
     chroma = ((-43 * r - 85 * g + 128 * b + 128) >> 8, (128 * r - 107 * g - 21 * b + 128) >> 8)
     yuv = (77 * r + 150 * g + 29 * b + 128) >> 8, *(min(c + 128, 255) for c in chroma)
@@ -52,11 +56,13 @@ class Convert(Case):
         yield self.written("four.yuv", b"".join(four)), size, from_yuv, zip(*four)
         head = f"YUV4MPEG2 W{W} H{H} F25:1 Ip C444 XCOLORRANGE=FULL\nFRAME\n".encode()
         yield self.written("x.y4m", head + b"".join(three)), [], from_yuv, zip(*three)
-        for kind, planes in ("RGB", three), ("RGB_ALPHA", four):
+        pams = {"RGB": (three, from_rgb), "RGB_ALPHA": (four, from_rgb), "GRAYSCALE": (
+            four[:1], from_grey), "GRAYSCALE_ALPHA": (four[:2], from_grey)}
+        for kind, (planes, meaning) in pams.items():
             head = f"P7\nWIDTH {W}\nHEIGHT {H}\nDEPTH {len(planes)}\nMAXVAL 255\nTUPLTYPE {kind}\n"
             pixels = bytes(value for pixel in zip(*planes) for value in pixel)
             picture = self.written(kind + ".pam", f"{head}ENDHDR\n".encode() + pixels)
-            yield picture, [], from_rgb, zip(*planes)
+            yield picture, [], meaning, zip(*planes)
         if HAVE_FFMPEG:
             clip = self.made("x.avi", "64x48", "-c:v", "mjpeg", "-pix_fmt", "yuvj444p", "-vf",
                              f"format=yuv444p,crop={W}:{H},noise=alls=60:allf=t")

@@ -106,14 +106,17 @@ class Sheet(Case):
 
     def test_colours_whatever_the_source(self):
         """Flat pictures, coded by the defining equations: matrix, range, depth, subsampling."""
-        matrices = {"bt709": (.2126, .0722), "smpte170m": (.299, .114), "unknown": (.299, .114)}
+        matrices = {"bt709": (.2126, .0722), "bt2020nc": (.2627, .0593),
+                    "smpte170m": (.299, .114), "unknown": (.299, .114)}
         formats = {"yuv420p": (2, 2, 8), "yuv422p": (2, 1, 8), "yuv444p": (1, 1, 8),
-                   "yuv420p10le": (2, 2, 10), "yuv444p16le": (1, 1, 16)}
-        colours = [(200, 50, 100), (20, 180, 60), (255, 255, 255), (0, 0, 0), (30, 60, 220)]
+                   "yuv420p10le": (2, 2, 10), "yuv444p16le": (1, 1, 16), "gray": (0, 0, 8),
+                   "gray10le": (0, 0, 10), "gray16le": (0, 0, 16)}
+        colours = [(200, 50, 100), (20, 180, 60), (255, 255, 255), (0, 0, 0), (30, 60, 220),
+                   (75, 0, 61), (0, 0, 224), (255, 200, 0)]
         for layout, (across, down, bits) in formats.items():
             for matrix, (kr, kb) in matrices.items():
                 for full in True, False:
-                    raw = b""
+                    raw, shown = b"", []
                     for rgb in colours:
                         r, g, b = (c / 255 for c in rgb)
                         y = kr * r + (1 - kr - kb) * g + kb * b
@@ -122,16 +125,20 @@ class Sheet(Case):
                         coded = ([y * top, u * top + 128 * unit, v * top + 128 * unit] if full else
                                  [unit * (16 + 219 * y), unit * (128 + 224 * u),
                                   unit * (128 + 224 * v)])
-                        chroma = 32 * 32 // across // down
+                        chroma = 32 * 32 // across // down if across else 0
+                        shown.append(rgb if chroma else (255 * y,) * 3)
                         for value, count in zip(coded, (32 * 32, chroma, chroma)):
                             value = min(round(value), top)
                             raw += value.to_bytes((bits + 7) // 8, "little") * count
                     clip = self.path("flat.mkv")
-                    ffmpeg("-f", "rawvideo", "-pix_fmt", layout, "-s", "32x32", "-i", "-", "-c:v",
-                           "ffv1", "-strict", "-2", "-colorspace", matrix, "-color_range",
-                           "pc" if full else "tv", clip, stdin=raw)
+                    span = "pc" if full else "tv"
+                    # ffmpeg converts frames unless their own tags are those of the file.
+                    ffmpeg("-f", "rawvideo", "-pix_fmt", layout, "-s", "32x32", "-i", "-", "-vf",
+                           f"setparams=range={span}:colorspace={matrix}", "-c:v", "ffv1",
+                           "-strict", "-2", "-colorspace", matrix, "-color_range", span, clip,
+                           stdin=raw)
                     sheet = self.sheet(clip, 32, "--every", 1)
-                    for index, rgb in enumerate(colours):
+                    for index, rgb in enumerate(shown):
                         middle = sheet.cell(index, 32, 32)[0][3 * 32 * 16 + 48:][:3]
                         with self.subTest(layout=layout, matrix=matrix, full=full, rgb=rgb):
                             self.assertLessEqual(max(abs(a - b) for a, b in zip(middle, rgb)), 2)
