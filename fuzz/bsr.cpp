@@ -5,8 +5,8 @@
 
 int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     Input in(data, size);
-    const int start = in.byte();
-    const auto [content, length] = in.bytes(start % 40);
+    const uint8_t start = in.byte();
+    const auto [content, length] = in.bytes(start % size_t{40});
     Loads loads{4, 4, 4, 4};
     const bool own = start >= 120;
     if (start >= 160) {

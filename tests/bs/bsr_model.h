@@ -12,7 +12,7 @@
 // The bits of a cache word, first one first. A shift takes its count modulo 256, and 32 or more
 // leave nothing.
 struct CacheBits {
-    std::array<bool, 32> bits{};
+    bool bits[32] = {};
 
     // The first `n`: the word shifted right by 32 - n.
     uint32_t top(int n) const {
@@ -21,11 +21,11 @@ struct CacheBits {
         return value;
     }
     void drop(int n) {
-        const auto old = bits;
-        for (int i = 0; i < 32; i++) bits[i] = i + (n & 0xFF) < 32 && old[i + (n & 0xFF)];
+        n &= 0xFF;
+        for (int i = 0; i < 32; i++) bits[i] = i + n < 32 && bits[i + n];
     }
     int run(bool value) const {
-        return static_cast<int>(std::find(bits.begin(), bits.end(), !value) - bits.begin());
+        return static_cast<int>(std::find(bits, bits + 32, !value) - bits);
     }
 };
 
