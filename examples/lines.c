@@ -1,6 +1,6 @@
 /*
- * Prints the lines of standard input, which a ring buffer receives in chunks, as from a socket. What
- * does not end in a line feed, or is longer than the ring, is printed in pieces that end in "...".
+ * Prints the lines of standard input, which a ring buffer receives in chunks, as from a socket. A
+ * line without a line end, or longer than the ring, is printed in pieces that end in "...".
  * Build: cc lines.c $(pkg-config --cflags --libs tavu)
  *
  * tavu_rbuf_get_one_line() needs lines without zero bytes that end in CR LF, and these two stored

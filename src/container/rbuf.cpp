@@ -1,7 +1,7 @@
-// Positions advance by plain addition. The head can reach the size, the tail can exceed it by one after
-// a line feed without carriage return, and negative counts of the skip functions move both back, even
-// below 0. All formulas hold in these states too, so lengths can be negative; callers rely on it. A
-// position outside the storage holds no byte: copies leave it out.
+// Positions advance by plain addition. The head can reach the size, the tail can exceed it by one
+// after a line feed without carriage return, and negative counts of the skip functions move both
+// back, even below 0. All formulas hold in these states too, so lengths can be negative; callers
+// rely on it. A position outside the storage holds no byte: copies leave it out.
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -12,100 +12,113 @@
 namespace tavu {
 namespace {
 
-using Int = int64_t;  // holds every sum of positions, lengths and counts
+uint32_t bits(int32_t value) { return static_cast<uint32_t>(value); }
 
-bool is_empty(const tavu_rbuf_t *rbuf) { return rbuf->head == rbuf->tail; }
+// Modulo 2^32, because negative counts can move positions anywhere.
+int32_t plus(int32_t a, int32_t b) { return static_cast<int32_t>(bits(a) + bits(b)); }
+
+int32_t minus(int32_t a, int32_t b) { return static_cast<int32_t>(bits(a) - bits(b)); }
 
 // Unsigned remainder, without a division below twice the size.
 int32_t remainder(uint32_t x, int32_t size) {
-    const auto n = static_cast<uint32_t>(size);
+    const uint32_t n = bits(size);
     return static_cast<int32_t>(x < n ? x : x - n < n ? x - n : x % n);
 }
 
+bool is_empty(const tavu_rbuf_t *rbuf) { return rbuf->head == rbuf->tail; }
+
 bool is_full(const tavu_rbuf_t *rbuf) {
-    const uint32_t end = static_cast<uint32_t>(rbuf->tail) + static_cast<uint32_t>(rbuf->size);
-    return rbuf->head == remainder(end - 1, rbuf->size);
+    const int32_t last = minus(rbuf->tail, 1);
+    if (bits(last) < bits(rbuf->size)) return rbuf->head == last;
+    return rbuf->head == remainder(bits(last) + bits(rbuf->size), rbuf->size);
 }
 
 // Whether the stored bytes continue at the start of the storage.
 bool wraps(const tavu_rbuf_t *rbuf) { return rbuf->head < rbuf->tail; }
 
-Int contiguous_fill(const tavu_rbuf_t *rbuf) {
-    return Int{wraps(rbuf) ? rbuf->size : rbuf->head} - rbuf->tail;
+int32_t contiguous_fill(const tavu_rbuf_t *rbuf) {
+    return minus(wraps(rbuf) ? rbuf->size : rbuf->head, rbuf->tail);
 }
 
-Int contiguous_free(const tavu_rbuf_t *rbuf) {
-    if (wraps(rbuf)) return Int{rbuf->tail} - 1 - rbuf->head;
-    return Int{rbuf->size} - rbuf->head - (rbuf->tail == 0 ? 1 : 0);
+int32_t contiguous_free(const tavu_rbuf_t *rbuf) {
+    if (wraps(rbuf)) return minus(rbuf->tail, plus(rbuf->head, 1));
+    return minus(rbuf->size, plus(rbuf->head, rbuf->tail == 0 ? 1 : 0));
 }
 
-int32_t narrow(Int value) { return static_cast<int32_t>(value); }
-
-int32_t advance(int32_t *position, Int count) {
-    *position = narrow(*position + count);
-    return narrow(count);
+int32_t advance(int32_t *position, int32_t count) {
+    *position = plus(*position, count);
+    return count;
 }
 
-// A piece of `count` bytes at storage position `at` and at `offset` of a caller's buffer, less the
-// bytes outside the storage and those before the buffer.
+uint32_t below_zero(int32_t value) { return value < 0 ? 0 - bits(value) : 0; }
+
+// `count` bytes at position `at` of the storage and at `offset` of a caller's buffer.
 struct Piece {
-    Piece(const tavu_rbuf_t *rbuf, Int at, Int offset, Int wanted)
-        : skip(std::max(Int{0}, std::max(-at, -offset))),
-          count(std::min(wanted, rbuf->size - at) - skip) {}
-    Int skip, count;
+    uint32_t at, offset, count;
 };
 
-void copy_in(tavu_rbuf_t *rbuf, Int at, const void *src, Int offset, Int count) {
-    const Piece piece(rbuf, at, offset, count);
-    if (piece.count < 1) return;
-    memcpy(rbuf->buf + at + piece.skip, static_cast<const uint8_t *>(src) + offset + piece.skip,
-           static_cast<size_t>(piece.count));
+// Leaves out the bytes outside the storage and those before the caller's buffer.
+inline Piece trim(const tavu_rbuf_t *rbuf, int32_t at, int32_t offset, int32_t count) {
+    if (count < 1 || at >= rbuf->size) return {0, 0, 0};
+    const uint32_t skip = std::max(below_zero(at), below_zero(offset));
+    const uint32_t end = std::min(bits(count), bits(rbuf->size) - bits(at));
+    return {bits(at) + skip, bits(offset) + skip, end > skip ? end - skip : 0};
 }
 
-void copy_out(const tavu_rbuf_t *rbuf, Int at, void *dst, Int offset, Int count) {
-    const Piece piece(rbuf, at, offset, count);
-    if (piece.count < 1) return;
-    memcpy(static_cast<uint8_t *>(dst) + offset + piece.skip, rbuf->buf + at + piece.skip,
-           static_cast<size_t>(piece.count));
+inline void copy_in(tavu_rbuf_t *rbuf, int32_t at, const void *src, int32_t offset, int32_t count) {
+    const Piece piece = trim(rbuf, at, offset, count);
+    if (piece.count == 0) return;
+    memcpy(rbuf->buf + piece.at, static_cast<const uint8_t *>(src) + piece.offset, piece.count);
 }
 
-int32_t append(tavu_rbuf_t *rbuf, const void *src, Int count) {
+inline void copy_out(const tavu_rbuf_t *rbuf, int32_t at, void *dst, int32_t offset,
+                     int32_t count) {
+    const Piece piece = trim(rbuf, at, offset, count);
+    if (piece.count == 0) return;
+    memcpy(static_cast<uint8_t *>(dst) + piece.offset, rbuf->buf + piece.at, piece.count);
+}
+
+int32_t append(tavu_rbuf_t *rbuf, const void *src, int32_t count) {
     copy_in(rbuf, rbuf->head, src, 0, count);
     return advance(&rbuf->head, count);
 }
 
-// Stores `piece` bytes up to the end of the storage and `rest` at its start.
-__attribute__((noinline)) int32_t put_across(tavu_rbuf_t *rbuf, const void *src, Int piece,
-                                             Int rest) {
+// Stores `piece` bytes up to the end of the storage and the rest at its start.
+__attribute__((noinline)) int32_t put_across(tavu_rbuf_t *rbuf, const void *src, int32_t piece,
+                                             int32_t count) {
+    const int32_t rest = minus(count, piece);
     copy_in(rbuf, rbuf->head, src, 0, piece);
     if (rbuf->tail <= rest) return 0;
     copy_in(rbuf, 0, src, piece, rest);
-    rbuf->head = narrow(rest);
-    return narrow(piece + rest);
+    rbuf->head = rest;
+    return count;
 }
 
-// Consumes `piece` bytes up to the end of the storage and up to `rest` from its start.
-int32_t skip_across(tavu_rbuf_t *rbuf, Int piece, Int rest) {
-    rbuf->tail = narrow(std::min<Int>(rest, rbuf->head));
-    return narrow(piece + rbuf->tail);
+// Consumes the `piece` bytes up to the end of the storage and those at its start, at most `count`.
+int32_t skip_across(tavu_rbuf_t *rbuf, int32_t piece, int32_t count) {
+    count = std::min(count, plus(piece, rbuf->head));
+    rbuf->tail = minus(count, piece);
+    return count;
 }
 
-__attribute__((noinline)) int32_t get_across(tavu_rbuf_t *rbuf, void *dst, Int piece, Int rest) {
+__attribute__((noinline)) int32_t get_across(tavu_rbuf_t *rbuf, void *dst, int32_t piece,
+                                             int32_t count) {
     copy_out(rbuf, rbuf->tail, dst, 0, piece);
-    copy_out(rbuf, 0, dst, piece, std::min<Int>(rest, rbuf->head));
-    return skip_across(rbuf, piece, rest);
+    count = skip_across(rbuf, piece, count);
+    copy_out(rbuf, 0, dst, piece, rbuf->tail);
+    return count;
 }
 
 // Stores a position and the bytes from there on; null and 0 if there are `none`.
-int32_t hand_out(const tavu_rbuf_t *rbuf, bool none, int32_t at, Int count, uint8_t **pos,
+int32_t hand_out(const tavu_rbuf_t *rbuf, bool none, int32_t at, int32_t count, uint8_t **pos,
                  int32_t *len) {
     *pos = none ? nullptr : rbuf->buf + at;
-    *len = none ? 0 : narrow(count);
+    *len = none ? 0 : count;
     return 0;
 }
 
 // Bytes up to and including the first line feed or zero; all `count` if there is none.
-Int length_of_line(const uint8_t *src, Int count) {
+int32_t length_of_line(const uint8_t *src, int32_t count) {
     const uint8_t *p = src, *const end = src + count;
 #if TAVU_VEC
     if (count >= LANES) {
@@ -114,7 +127,7 @@ Int length_of_line(const uint8_t *src, Int count) {
             if (end - p < LANES) p = end - LANES;
             const U8 v = load(p);
             const ZeroLanes z = zero_lanes(lesser(v, v ^ '\n'));
-            if (z) return p - src - LANES + first_lane(z) + 1;
+            if (z) return static_cast<int32_t>(p - src) - LANES + first_lane(z) + 1;
         }
         return count;
     }
@@ -123,52 +136,54 @@ Int length_of_line(const uint8_t *src, Int count) {
         const uint8_t c = *p++;
         if (c == 0 || c == '\n') break;
     }
-    return p - src;
+    return static_cast<int32_t>(p - src);
 }
 
 // Sets a byte of a caller's buffer, unless it is before the buffer.
-void set(uint8_t *dst, Int at, uint8_t value) {
+void set(uint8_t *dst, int32_t at, uint8_t value) {
     if (at >= 0) dst[at] = value;
 }
 
 // Copies a line, adding the carriage return that its line feed may lack. Returns the length of the
 // result; 0 if a zero byte, the limit or the end of the storage comes first.
-Int copy_line(const tavu_rbuf_t *rbuf, Int at, uint8_t *dst, Int offset, Int limit) {
-    limit = std::min(limit, rbuf->size - at);
-    if (at < 0 || limit < 1) return 0;
+int32_t copy_line(const tavu_rbuf_t *rbuf, int32_t at, uint8_t *dst, int32_t offset,
+                  int32_t limit) {
+    if (at < 0 || at >= rbuf->size || limit < 1) return 0;
     const uint8_t *src = rbuf->buf + at;
-    const Int len = length_of_line(src, limit);
-    copy_out(rbuf, at, dst, offset, len);
+    const int32_t len = length_of_line(src, std::min(limit, rbuf->size - at));
+    const uint32_t skip = below_zero(offset);
+    if (bits(len) > skip) memcpy(dst + (bits(offset) + skip), src + skip, bits(len) - skip);
     if (src[len - 1] != '\n') return 0;
     if (len > 1 && src[len - 2] == '\r') return len;
     set(dst, offset + len - 1, '\r');
     set(dst, offset + len, '\n');
-    return len + 1;
+    return plus(len, 1);
 }
 
 // The tail moves by the length delivered, one byte too far if a carriage return was added; callers
 // rely on it.
-int32_t take_line(tavu_rbuf_t *rbuf, uint8_t *dst, Int limit) {
-    const Int len = copy_line(rbuf, rbuf->tail, dst, 0, limit);
+int32_t take_line(tavu_rbuf_t *rbuf, uint8_t *dst, int32_t limit) {
+    const int32_t len = copy_line(rbuf, rbuf->tail, dst, 0, limit);
     if (len < 1) return 0;
     dst[len] = 0;
     return advance(&rbuf->tail, len);
 }
 
-// Delivers the rest of a line whose first `piece` bytes, up to the end of the storage, are in `dst`.
-int32_t take_line_rest(tavu_rbuf_t *rbuf, uint8_t *dst, Int size, Int piece) {
+// Delivers the rest of a line after its first `piece` bytes, up to the end of the storage.
+int32_t take_line_rest(tavu_rbuf_t *rbuf, uint8_t *dst, int32_t size, int32_t piece) {
     if (rbuf->buf[rbuf->size - 1] == '\r' && rbuf->buf[0] == '\n') {
         // The byte between the line feed and the zero is not written; callers rely on the length.
         set(dst, piece, '\n');
-        set(dst, piece + 2, 0);
+        set(dst, plus(piece, 2), 0);
         rbuf->tail = 1;
-        return narrow(piece + 2);
+        return plus(piece, 2);
     }
-    const Int rest = copy_line(rbuf, 0, dst, piece, std::min<Int>(size - piece, rbuf->head));
+    const int32_t end = std::min(size, plus(piece, rbuf->head));
+    const int32_t rest = copy_line(rbuf, 0, dst, piece, minus(end, piece));
     if (rest < 1) return 0;
-    set(dst, piece + rest, 0);
-    rbuf->tail = narrow(rest);
-    return narrow(piece + rest);
+    set(dst, plus(piece, rest), 0);
+    rbuf->tail = rest;
+    return plus(piece, rest);
 }
 
 }  // namespace
@@ -206,19 +221,18 @@ int32_t tavu_rbuf_get_tot_len(tavu_rbuf_t *rbuf) { return rbuf->size - 1; }
 
 int32_t tavu_rbuf_get_fill_len(tavu_rbuf_t *rbuf) {
     // One less than stored while the data wraps; callers rely on it.
-    const Int wrapped = wraps(rbuf) ? Int{rbuf->size} - 1 : 0;
-    return narrow(wrapped + rbuf->head - rbuf->tail);
+    return plus(minus(rbuf->head, rbuf->tail), wraps(rbuf) ? rbuf->size - 1 : 0);
 }
 
-int32_t tavu_rbuf_get_fillc_len(tavu_rbuf_t *rbuf) { return narrow(contiguous_fill(rbuf)); }
+int32_t tavu_rbuf_get_fillc_len(tavu_rbuf_t *rbuf) { return contiguous_fill(rbuf); }
 
 int32_t tavu_rbuf_get_free_len(tavu_rbuf_t *rbuf) {
-    if (wraps(rbuf)) return narrow(contiguous_free(rbuf));
+    if (wraps(rbuf)) return contiguous_free(rbuf);
     // Two more than can be put; callers rely on it.
-    return narrow(Int{rbuf->tail} + rbuf->size + 1 - rbuf->head);
+    return plus(minus(rbuf->tail, rbuf->head), plus(rbuf->size, 1));
 }
 
-int32_t tavu_rbuf_get_freec_len(tavu_rbuf_t *rbuf) { return narrow(contiguous_free(rbuf)); }
+int32_t tavu_rbuf_get_freec_len(tavu_rbuf_t *rbuf) { return contiguous_free(rbuf); }
 
 int32_t tavu_rbuf_get_head(tavu_rbuf_t *rbuf, uint8_t **pos, int32_t *len) {
     return hand_out(rbuf, is_full(rbuf), rbuf->head, contiguous_free(rbuf), pos, len);
@@ -230,49 +244,48 @@ int32_t tavu_rbuf_get_tail(tavu_rbuf_t *rbuf, uint8_t **pos, int32_t *len) {
 
 int32_t tavu_rbuf_skip_head(tavu_rbuf_t *rbuf, int32_t count) {
     if (is_full(rbuf)) return 0;
-    if (wraps(rbuf)) return advance(&rbuf->head, std::min<Int>(count, contiguous_free(rbuf)));
-    const Int space = Int{rbuf->size} - rbuf->head;
+    if (wraps(rbuf)) return advance(&rbuf->head, std::min(count, contiguous_free(rbuf)));
+    const int32_t space = minus(rbuf->size, rbuf->head);
     if (count < space) return advance(&rbuf->head, count);
     // Nothing is committed although a count is returned; callers rely on it.
-    if (rbuf->tail == 0) return narrow(std::min<Int>(count, space - 1));
-    const Int rest = std::min(count - space, Int{rbuf->tail} - 1);
-    rbuf->head = narrow(rest);
-    return narrow(space + rest);
+    if (rbuf->tail == 0) return std::min(count, minus(space, 1));
+    rbuf->head = std::min(minus(count, space), minus(rbuf->tail, 1));
+    return plus(space, rbuf->head);
 }
 
 int32_t tavu_rbuf_skip_tail(tavu_rbuf_t *rbuf, int32_t count) {
     if (is_empty(rbuf)) return 0;
-    const Int piece = contiguous_fill(rbuf);
-    if (!wraps(rbuf)) return advance(&rbuf->tail, std::min<Int>(count, piece));
-    return count < piece ? advance(&rbuf->tail, count) : skip_across(rbuf, piece, count - piece);
+    const int32_t piece = contiguous_fill(rbuf);
+    if (!wraps(rbuf)) return advance(&rbuf->tail, std::min(count, piece));
+    return count < piece ? advance(&rbuf->tail, count) : skip_across(rbuf, piece, count);
 }
 
 int32_t tavu_rbuf_put(tavu_rbuf_t *rbuf, const void *src, int32_t count) {
     if (count < 0 || is_full(rbuf)) return 0;
-    if (wraps(rbuf)) return count < Int{rbuf->tail} - rbuf->head ? append(rbuf, src, count) : 0;
-    const Int space = Int{rbuf->size} - rbuf->head, rest = count - space;
-    if (rest < 0) return append(rbuf, src, count);
+    if (wraps(rbuf)) return count < minus(rbuf->tail, rbuf->head) ? append(rbuf, src, count) : 0;
+    const int32_t space = minus(rbuf->size, rbuf->head);
+    if (count < space) return append(rbuf, src, count);
+    if (rbuf->tail != 0) return put_across(rbuf, src, space, count);
     // The head reaches the size, and no byte stays free; callers rely on it.
-    if (rbuf->tail == 0) return rest == 0 ? append(rbuf, src, count) : 0;
-    return put_across(rbuf, src, space, rest);
+    return count == space ? append(rbuf, src, count) : 0;
 }
 
 int32_t tavu_rbuf_get(tavu_rbuf_t *rbuf, void *dst, int32_t count) {
     if (count < 0 || is_empty(rbuf)) return 0;
-    const Int piece = contiguous_fill(rbuf);
-    if (wraps(rbuf) && count > piece) return get_across(rbuf, dst, piece, count - piece);
-    const Int taken = std::min<Int>(count, piece);
+    const int32_t piece = contiguous_fill(rbuf);
+    if (wraps(rbuf) && count > piece) return get_across(rbuf, dst, piece, count);
+    const int32_t taken = std::min(count, piece);
     copy_out(rbuf, rbuf->tail, dst, 0, taken);
     if (!wraps(rbuf)) return advance(&rbuf->tail, taken);
-    rbuf->tail = remainder(static_cast<uint32_t>(rbuf->tail + taken), rbuf->size);
+    rbuf->tail = remainder(bits(rbuf->tail) + bits(taken), rbuf->size);
     return count;
 }
 
 int32_t tavu_rbuf_get_one_line(tavu_rbuf_t *rbuf, void *dst, int32_t size) {
     if (is_empty(rbuf)) return 0;
     auto *line = static_cast<uint8_t *>(dst);
-    const Int piece = contiguous_fill(rbuf);
-    if (!wraps(rbuf)) return take_line(rbuf, line, std::min(Int{size} - 1, piece));
+    const int32_t piece = contiguous_fill(rbuf);
+    if (!wraps(rbuf)) return take_line(rbuf, line, std::min(std::max(size, 1) - 1, piece));
     // A line may end before the end of the storage whatever the size; callers rely on it.
     const int32_t len = take_line(rbuf, line, piece);
     return len > 0 || size <= piece ? len : take_line_rest(rbuf, line, size, piece);

@@ -1,5 +1,5 @@
-// The rules of the ring buffer, step by step, over memory in which bytes may be missing: there is none
-// outside the storage and none in front of the caller's buffer.
+// The rules of the ring buffer, step by step, over memory in which bytes can be missing: there are
+// none outside the storage and none before the caller's buffer.
 #ifndef TAVU_TESTS_CONTAINER_RING_MODEL_H
 #define TAVU_TESTS_CONTAINER_RING_MODEL_H
 
@@ -178,9 +178,9 @@ class RingPair {
         : model(size), ring_(tavu_rbuf_create(size), tavu_rbuf_delete) {}
 
     // `storage` may be longer than the ring's.
-    void set(int64_t head, int64_t tail, const std::vector<uint8_t> &storage) {
-        model.h = ring_->head = narrow(head);
-        model.t = ring_->tail = narrow(tail);
+    void set(int32_t head, int32_t tail, const std::vector<uint8_t> &storage) {
+        model.h = ring_->head = head;
+        model.t = ring_->tail = tail;
         std::copy_n(storage.begin(), model.s, ring_->buf);
         std::copy_n(storage.begin(), model.s, model.storage.data());
     }
