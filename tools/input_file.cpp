@@ -81,7 +81,7 @@ AVIOContext *make_io(int descriptor, int64_t end) {
         av_free(buffer);
         throw std::bad_alloc();
     }
-    cursor.release();
+    static_cast<void>(cursor.release());
     return io;
 }
 

@@ -1,6 +1,7 @@
 extern "C" {
 #include <libavutil/log.h>
 }
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <iostream>
@@ -39,9 +40,16 @@ int run(int argc, char **argv, Arguments &arguments) {
     return 0;
 }
 
+/** Closed streams stay unusable, instead of being the next files that are opened. */
+void occupy_closed_streams() {
+    for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; stream++)
+        if (fcntl(stream, F_GETFD) < 0) open("/dev/null", O_PATH);
+}
+
 }  // namespace
 
 int main(int argc, char **argv) {
+    occupy_closed_streams();
     av_log_set_level(AV_LOG_QUIET);
     Arguments arguments;
     const auto about_input = [&arguments](const char *reason) {

@@ -37,8 +37,8 @@ const AVInputFormat *find_format(AVFormatContext &context, const InputFile &file
         av_probe_input_buffer2(context.pb, &format, file.url().c_str(), nullptr, 0, 0);
     if (status < 0) fail_to_open(status, file);
     if (is_refused(format->name))
-        throw std::runtime_error(std::string("a ") + format->name +
-                                 " file names other files to read; only the named file is opened");
+        throw std::runtime_error("it names other files to read (" + std::string(format->name) +
+                                 "); only the named file is opened");
     // This one takes any text for a picture if only the file's name ends in .txt.
     if (std::strcmp(format->name, "tty") == 0) throw std::runtime_error("not a media file");
     return format;
@@ -48,14 +48,14 @@ FormatPtr open(InputFile &file, const RawVideo *raw) {
     FormatPtr context(avformat_alloc_context());
     if (!context) throw std::bad_alloc();
     file.attach(*context);
+    const AVInputFormat *format =
+        raw ? av_find_input_format("rawvideo") : find_format(*context, file);
     AVDictionary *options = nullptr;
     av_dict_set(&options, "protocol_whitelist", "none", 0);
     if (raw) {
         av_dict_set(&options, "video_size", raw->size.c_str(), 0);
         av_dict_set(&options, "pixel_format", raw->format.c_str(), 0);
     }
-    const AVInputFormat *format =
-        raw ? av_find_input_format("rawvideo") : find_format(*context, file);
     AVFormatContext *opened = context.release();  // freed if this fails
     const int status = avformat_open_input(&opened, file.url().c_str(), format, &options);
     av_dict_free(&options);

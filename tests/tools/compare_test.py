@@ -111,6 +111,11 @@ class Compare(Case):
                 place = 3 * (at // w * line + at % w)
                 self.assertEqual(rgb[place:place + 3], bytes([value] * 3), (at % w, at // w))
 
+    def test_pictures_wider_than_any_label(self):
+        wide = [self.written(f"{value}.pgm", b"P5 40000 8 255\n" + bytes([value]) * 320000)
+                for value in (9, 99)]
+        self.ok("compare", *wide, "-o", self.path("heat.png"))
+
     def test_sizes_and_counts_that_differ(self):
         three, two, wide = (self.clip(name, w, 7, [bytes(w * 7)] * count)
                             for name, w, count in (("3", 9, 3), ("2", 9, 2), ("wide", 10, 3)))

@@ -131,6 +131,17 @@ class Convert(Case):
             to = [ppm, "--to", target, "--resize", "50x9"]
             self.assertEqual(self.converted(*to, "--one-pass"), self.converted(*to))
 
+    def test_sizes_that_the_routines_cannot_take(self):
+        """Up to 8192 units of a power of two pixels, by which pictures are thinned out."""
+        for w, h, to, status in (8192, 2, "9000x2", 0), (8193, 2, "9000x2", 1), \
+                (2, 12000, "8x11000", 1), (12000, 3, "8000x64", 1), (16384, 2, "5461x2", 0), \
+                (16385, 2, "5461x2", 1):
+            path = self.written("x.ppm", f"P6 {w} {h} 255\n".encode() + bytes(range(250)) * (
+                3 * w * h // 250) + bytes(3 * w * h % 250))
+            for one_pass in [], ["--one-pass"]:
+                args = ["convert", path, self.path("out.rgb"), "--resize", to, *one_pass]
+                self.ok(*args) if status == 0 else self.fails(*args, says="too large to scale")
+
     def test_list(self):
         rows = self.ok("convert", "--list").split("\n\n")[0].splitlines()[1:]
         rows = {tuple(row.split()[:4:2]): row.split(None, 4)[4].split(None, 2) for row in rows}

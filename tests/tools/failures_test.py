@@ -4,9 +4,15 @@ import json
 import os
 import random
 import resource
+import shutil
 import subprocess
 
-from tool_case import COMMANDS, TAVU, Case, ffmpeg, needs_ffmpeg, packets, run, sample
+from tool_case import (COMMANDS, PLAYLISTS, TAVU, Case, ffmpeg, needs_ffmpeg, packets, png_head,
+                       run, sample)
+
+# A line feed, escape sequences of both kinds, bytes that are no UTF-8; and characters that stay.
+CONTROLS = b"a\n\x1b[1m\x7f\xc2\x9b2J\xff\xc0\xaf\xed\xa0\x80\xc3: \xc3\xa9\xf0\x9f\x8e\xac"
+SHOWN = r"a\x0a\x1b[1m\x7f\xc2\x9b2J\xff\xc0\xaf\xed\xa0\x80\xc3: é🎬"
 
 
 class Failures(Case):
@@ -22,7 +28,7 @@ class Failures(Case):
         self.everywhere(self.written("empty.mp4", b""))
         self.everywhere(self.written("words.txt", b"nothing to see here\n" * 99))
         self.everywhere(self.written("noise.avi", random.Random(1).randbytes(20000)))
-        self.everywhere(self.written("line\nfeed: 1.mp4", b""), says="line feed: 1.mp4")
+        self.everywhere(self.written(CONTROLS, b""), says=SHOWN)
 
     def test_truncated_files(self):
         for name, size in {"h264.mp4": 120000, "mpeg4.avi": 20000, "mpeg4.mp4": 30000}.items():
@@ -36,6 +42,42 @@ class Failures(Case):
         units = json.loads(self.fails("probe", path, "--json"))["tracks"][0]["units"]
         self.assertGreater(len(units), 50)
         self.assertEqual(sorted(os.listdir(self.directory)), ["h264.mp4", "mpeg4.avi", "mpeg4.mp4"])
+
+    @needs_ffmpeg
+    def test_containers_that_end_early(self):
+        """Their demuxers take any end for a regular one."""
+        video = {"x.mkv": ["-c", "copy"], "x.ogv": ["-an", "-c:v", "libtheora"],
+                 "live.mkv": ["-c", "copy", "-live", "1"]}
+        for name, options in video.items():
+            ffmpeg("-i", sample("h264.mp4"), *options, self.path(name))
+        for path in *map(self.path, video), sample("wmv1.wmv"), sample("div3.avi"):
+            self.ok("probe", path)
+            with open(path, "rb") as file:
+                cut = self.written("cut" + os.path.splitext(path)[1],
+                                   file.read(os.path.getsize(path) // 2))
+            out = self.fails("digest", cut, says="cut short" if "live" not in path else cut)
+            self.assertGreater(len(out.splitlines()), 5, path)
+            self.fails("probe", cut, says=cut)
+
+    def test_no_other_file_is_read(self):
+        """Neither by a playlist nor by a name that is a pattern."""
+        for name, text in PLAYLISTS.items():
+            self.everywhere(self.written(name, text.format(sample("h264.mp4")).encode()),
+                            says="only the named file")
+        picture = b"P6 2 2 255\n" + bytes(12)
+        self.written("img0.ppm", picture)
+        self.fails("convert", self.path("img%d.ppm"), self.path("out.ppm"), says="No such file")
+        self.ok("convert", self.written("img%d.ppm", picture), self.path("out.ppm"))
+        head = b"\0\0\2" + bytes(9) + b"\2\0\2\0\x18\0"  # a format that is known by its name alone
+        self.ok("convert", self.written("x.tga", head + bytes(12)), self.path("out.png"))
+
+    def test_large_pictures_are_refused_before_they_take_memory(self):
+        large = self.written("large.png", png_head(16000, 16000))
+        grey = ["--size", "60000x60000", "--cs", "yuv400"]
+        for args, status in ([large, self.path("out.png")], 1), \
+                ([large, self.path("out.png"), *grey], 2), \
+                ([large, self.path("out.png"), "--resize", "60000x60000"], 2):
+            self.fails("convert", *args, status=status, says=" GB of memory; the limit is 134217728")
 
     @needs_ffmpeg
     def test_no_video_and_damaged_video(self):
@@ -73,6 +115,44 @@ class Failures(Case):
                                     stderr=subprocess.PIPE, text=True)
         self.assertEqual((result.returncode, result.stderr.count("\n")), (1, 1), result.stderr)
 
+    def test_inputs_are_not_written(self):
+        """Whatever names they have."""
+        clip = shutil.copy(sample("h264.mp4"), self.path("clip.mp4"))
+        os.link(clip, self.path("hard"))
+        os.symlink("clip.mp4", self.path("soft"))
+        kept = sorted(os.listdir(self.directory))
+        for name in "clip.mp4", "./clip.mp4", "hard", "soft", "/proc/self/cwd/soft":
+            name = os.path.join(self.directory, name) if name[0] != "/" else name
+            for args in ["convert", clip, name], ["sheet", clip, "-o", name], \
+                    ["probe", self.path("hard"), "--plot", name], \
+                    ["compare", clip, sample("h264.mp4"), "-o", name], \
+                    ["compare", sample("h264.mp4"), clip, "-o", name]:
+                self.fails(*args, status=2, says="it is the input", cwd=self.directory)
+        with open(clip, "r+b") as file:
+            self.fails("convert", "-", clip, status=2, says="it is the input", stdin=file)
+            self.fails("convert", clip, "-", status=2, says="it is the input", stdout=file,
+                       capture_output=False, stderr=subprocess.PIPE)
+            inherited = {"pass_fds": [file.fileno()], "status": 2, "says": "it is the input"}
+            self.fails("convert", clip, f"/dev/fd/{file.fileno()}", **inherited)
+        self.assertEqual(sorted(os.listdir(self.directory)), kept)
+        self.assertEqual(self.ok("digest", clip), self.ok("digest", sample("h264.mp4")))
+
+    def test_targets_keep_their_modes_and_names(self):
+        clip, old = sample("mpeg4.avi"), self.written("old.png", b"old")
+        os.link(old, self.path("hard.png"))
+        os.symlink("old.png", self.path("soft.png"))
+        os.chmod(old, 0o600)
+        self.written(".tavu-1.tmp", b"left over")
+        for name in "soft.png", "new.png":
+            self.ok("sheet", clip, "-o", self.path(name))
+        modes = {name: os.lstat(self.path(name)).st_mode & 0o777 for name in ("old.png", "new.png")}
+        umask = os.umask(0)
+        os.umask(umask)
+        self.assertEqual(modes, {"old.png": 0o600, "new.png": 0o666 & ~umask})
+        self.assertTrue(os.path.islink(self.path("soft.png")))
+        self.assertEqual(os.path.getsize(self.path("hard.png")), 3)
+        self.assertGreater(os.path.getsize(old), 3)
+
     def test_usage(self):
         clip, out = sample("h264.mp4"), self.path("out.png")
         for args in [], ["paint", clip], ["probe"], ["probe", clip, "extra"], ["sheet", clip], \
@@ -81,9 +161,25 @@ class Failures(Case):
                 ["bench", "no such kernel"], ["compare", "-", "-"], \
                 ["sheet", clip, "-o", out, "--every", "0"], \
                 ["sheet", clip, "-o", out, "--every", "2x"], \
-                ["sheet", clip, "-o", out, "--width", "1"]:
+                ["sheet", clip, "-o", out, "--width", "1"], ["--version", "probe"]:
             with self.subTest(args):
                 self.fails(*args, status=2)
+        for args, says in {("--json", "probe", clip): "a command first, .* got --json",
+                           ("sheet", "--widht", "100", clip): "unknown option --widht",
+                           ("sheet", clip, "--width", "-o", out): "--width: expected a value",
+                           ("sheet", clip, "-o", out, "--width", "9px"): "from 16 to 4096, got 9px",
+                           ("sheet", clip, "-qo"): "-o: expected a value",
+                           ("sheet", clip, "--width", "20", "--width=20"): "--width: given twice",
+                           ("probe", clip, "--json=no"): "--json: takes no value",
+                           ("convert", clip, out, "--list"): "IN has no effect with --list",
+                           ("convert", "--list", "-q"): "--quiet has no effect with --list",
+                           ("bench", "--list", "sad"): "PATTERN has no effect with --list",
+                           ("convert", clip, out, "--resize", "100000x9"): "from 1 to 65535",
+                           ("convert", clip, out, "--frame", "-1"): "got -1",
+                           ("probe", clip, "extra"): "unexpected argument extra"}.items():
+            with self.subTest(args):
+                self.fails(*args, status=2)
+                self.assertRegex(run(*args).stderr, says)
         self.assertEqual(os.listdir(self.directory), [])
         self.assertRegex(self.ok("--version"), r"\Atavu \d+\.\d+\.\d+ \(library of .+\)\n\Z")
         for command in COMMANDS:

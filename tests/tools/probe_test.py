@@ -148,3 +148,6 @@ class Probe(Case):
         avcc = data.index(b"avcC") + 4
         data[avcc + 6:avcc + 8] = b"\x7f\xff"
         self.fails("probe", self.written("set.mp4", data), says="parameter set")
+        self.ok("probe", self.written("slice.h264", b"\0\0\1\x65"))  # ends with its first byte
+        self.assertEqual({len(repr(unit["time"]).split(".")[1]) for unit in
+                          self.video(sample("wmv1.wmv"))["units"]}, {1})

@@ -3,9 +3,11 @@
 import json
 import os
 import shutil
+import struct
 import subprocess
 import tempfile
 import unittest
+import zlib
 
 TAVU = os.environ["TAVU"]
 SAMPLES = os.environ["TAVU_SAMPLES"]
@@ -15,6 +17,12 @@ NAMES = ["h264.mp4", "h264.h264", "hevc.mp4", "mpeg4.avi", "mpeg4.mp4", "h263.3g
          "wmv2.avi", "div3.avi", "huffyuv.avi"]
 YUV420 = [name for name in NAMES if name != "huffyuv.avi"]
 COMMANDS = ["probe", "sheet", "digest", "compare", "convert", "bench"]
+PLAYLISTS = {"list.m3u8": "#EXTM3U\n#EXT-X-TARGETDURATION:9\n#EXTINF:9,\n{}\n#EXT-X-ENDLIST\n",
+             "list.ffconcat": "ffconcat version 1.0\nfile '{}'\n",
+             "list.mpd": '<?xml version="1.0"?><MPD profiles="urn:mpeg:dash:profile:isoff-live:2011"'
+                         '><BaseURL>{}</BaseURL></MPD>',
+             "list.sdp": "v=0\no=- 0 0 IN IP4 127.0.0.1\ns=x\nc=IN IP4 127.0.0.1\nt=0 0\n"
+                         "m=video 5004 RTP/AVP 96\na=rtpmap:96 H264/90000\na=control:{}\n"}
 COUNTING = "testsrc2=s={}:r=10:d={}"
 
 
@@ -42,6 +50,14 @@ def packets(path):
     return ffprobe(path, "packet=flags,size,pts_time,pos")["packets"]
 
 
+def png_head(width, height):
+    """A file whose pixels are missing."""
+    head = b"IHDR" + struct.pack(">IIBBBBB", width, height, 8, 6, 0, 0, 0)
+    data = b"IDAT" + zlib.compress(bytes(4096))
+    return b"\x89PNG\r\n\x1a\n" + b"".join(struct.pack(">I", len(chunk) - 4) + chunk + struct.pack(
+        ">I", zlib.crc32(chunk)) for chunk in (head, data, b"IEND"))
+
+
 needs_ffmpeg = unittest.skipUnless(HAVE_FFMPEG, "needs ffmpeg and ffprobe")
 
 
@@ -55,9 +71,11 @@ class Case(unittest.TestCase):
         return os.path.join(self.directory, name)
 
     def written(self, name, data):
-        with open(self.path(name), "wb") as file:
+        """`name` may be bytes."""
+        path = os.path.join(self.directory, os.fsdecode(name))
+        with open(path, "wb") as file:
             file.write(data)
-        return self.path(name)
+        return path
 
     def made(self, name, size, *args, seconds=1):
         ffmpeg("-f", "lavfi", "-i", COUNTING.format(size, seconds), *args, self.path(name))
