@@ -7,7 +7,7 @@
 
 /**
  * Where the outermost elements of a file end by their own lengths, for a container of FFmpeg's name
- * `format`; no more than the file's size where nothing is stated. Beyond that size: the file is cut
- * short, which demuxers of these containers take for a regular end.
+ * `format`; no more than the file's size where nothing is stated. An end beyond that size means
+ * that the file is cut short, which demuxers of these containers take for a regular end.
  */
 int64_t stated_end(const InputFile &file, const std::string &format);

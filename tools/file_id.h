@@ -2,7 +2,7 @@
 
 #include <sys/stat.h>
 
-/** What tells a file from every other one, whatever its names. */
+/** Identifies a file, whatever its names. */
 struct FileId {
     dev_t device = 0;
     ino_t inode = 0;

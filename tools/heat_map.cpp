@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "label.h"
+#include "limits.h"
 #include "png_file.h"
 #include "tavu.h"
 
@@ -38,7 +39,7 @@ void mark(uint8_t *pixel, double value) {
     tint(pixel, value, 0.6 + 0.25 * value);
 }
 
-/** In the middle, as a label may not be as wide as a picture. */
+/** Centred: surfaces of labels are narrower than the widest pictures. */
 void draw_text(uint8_t *pixels, const std::string &text, int width) {
     constexpr double COLOUR[3] = {INK, INK, INK};
     const Label label = draw_label(text, std::min(width, 4096), LABEL_H);
@@ -63,6 +64,7 @@ void write_heat_map(OutputFile &file, const std::vector<uint8_t> &pixels, int wi
                     const std::vector<int32_t> &blocks) {
     const int columns = (width + BLOCK - 1) / BLOCK;
     const int canvas_w = std::max(width, TEXT_W), canvas_h = height + SCALE_H + LABEL_H;
+    check_pixels(canvas_w, canvas_h);
     const int32_t top = *std::max_element(blocks.begin(), blocks.end());
     const auto stride = 3 * static_cast<size_t>(canvas_w);
     std::vector<uint8_t> canvas(stride * static_cast<size_t>(canvas_h), GROUND);

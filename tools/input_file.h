@@ -22,9 +22,9 @@ class InputFile {
     /** False if the file ends before `size` bytes from `at` on. */
     bool read(int64_t at, void *bytes, size_t size) const;
 
-    /** A name that has no more of the path than its extension, by which some formats are known. */
+    /** A stand-in for the path with the same extension, by which some formats are recognised. */
     const std::string &url() const { return url_; }
-    /** Makes a context read this file; `context` takes no other file for a part of it. */
+    /** Makes a context read this file and open no other one. */
     void attach(AVFormatContext &context);
     /** Whether a context wanted to open another file. */
     bool others_wanted() const { return others_wanted_; }

@@ -16,7 +16,7 @@ extern "C" {
 
 namespace {
 
-/** True for formats whose files name the files to read, and for the one that takes any text. */
+/** True for formats whose files name other files to read. */
 bool is_refused(const std::string &format) {
     constexpr const char *REFUSED[] = {"avisynth", "concat", "dash",        "hls",   "imf",
                                        "rtsp",     "sdp",    "vapoursynth", "vobsub"};

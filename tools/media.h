@@ -21,7 +21,7 @@ class Media {
   public:
     explicit Media(const std::string &path, const RawVideo *raw = nullptr);
 
-    /** The file, which no output may replace. */
+    /** Identifies the file, which no output may replace. */
     FileId id() const { return file_.id(); }
 
     const std::vector<AVStream *> &streams() const { return streams_; }
