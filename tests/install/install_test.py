@@ -134,8 +134,8 @@ class Components(Folder):
 class Plugin(Installed):
     """The archive inside a shared object that is bound at load or, lazily, at each first call."""
 
-    # One routine of each file whose routines are chosen at load time. A plugin has one of them alone:
-    # some of the others, and exported tables, would bind theirs early.
+    # One routine of each file that is compiled for several levels. A plugin calls only one of them,
+    # because others link in tables of routines, which are bound at load.
     CALLS = {
         "csc_rsz": "tavu_csc_rsz_r8g8b8_to_rgb888(src, 8, 4, stride, 13, dst, 4, 2, stride, 400)",
         "csc_to_565": "tavu_csc_r8g8b8_to_rgb565(src, 8, 4, stride, 13, dst, 8, 4, stride, 300)",

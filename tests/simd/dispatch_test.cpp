@@ -14,8 +14,8 @@
 
 namespace {
 
-// A processor with made-up answers. It complains of questions that would end a program or be answered
-// at random.
+// A processor with made-up answers. The test fails on a question that a real processor would answer
+// with a signal or with nonsense.
 struct MadeUpProcessor {
     struct Leaves {
         tavu::CpuidResult basic, features, extended, more;

@@ -1,5 +1,5 @@
-"""Levels share no code. The linker keeps one body of each weak symbol, and one compiled for v3 must not
-end up in code for v2: whatever is weak in a kernel file is named after its level.
+"""Levels share no code. The linker keeps one body of each weak symbol, and a body compiled for v3 must
+not end up in code for v2. Weak symbols of kernel files are therefore named after their level.
 
 usage: levels_test.py COMPILE_COMMANDS
 """

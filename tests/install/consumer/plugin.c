@@ -1,4 +1,4 @@
-/* A shared object of somebody else that holds libtavu.a and calls one routine of it, also as C++. */
+/* Somebody else's shared object, in C or C++: it contains libtavu.a and calls one routine. */
 #include <tavu.h>
 
 #ifdef __cplusplus
