@@ -3,7 +3,7 @@
  * libtavu: building blocks for codecs and players.
  *
  * The library starts no threads and needs only the C library. Its only state is the buffer that
- * tavu_version() returns. Failures are reported by return values; nothing is printed, and the
+ * tavu_version() returns, and on x86-64 the level of the processor, found at load. Failures are reported by return values; nothing is printed, and the
  * process is never aborted (only a target size of 0 raises SIGFPE, where stated).
  *
  * Unless a function or its section says otherwise:
@@ -54,7 +54,7 @@ extern "C" {
  *     #endif
  */
 #define TAVU_VERSION_MAJOR 1
-#define TAVU_VERSION_MINOR 0 /**< see #TAVU_VERSION_MAJOR */
+#define TAVU_VERSION_MINOR 1 /**< see #TAVU_VERSION_MAJOR */
 #define TAVU_VERSION_PATCH 0 /**< see #TAVU_VERSION_MAJOR */
 
 /**
