@@ -3,8 +3,9 @@
  * libtavu: building blocks for codecs and players.
  *
  * The library starts no threads and needs only the C library. Its only state is the buffer that
- * tavu_version() returns, and on x86-64 the level of the processor, found at load. Failures are reported by return values; nothing is printed, and the
- * process is never aborted (only a target size of 0 raises SIGFPE, where stated).
+ * tavu_version() returns and, on x86-64, the processor's level, found before the first call of a
+ * kernel. Failures are reported by return values; nothing is printed, and the process is never
+ * aborted (only a target size of 0 raises SIGFPE, where stated).
  *
  * Unless a function or its section says otherwise:
  *
