@@ -70,7 +70,7 @@ def crafted(dice):
         frame = b"FRAME\n" + dice.randbytes(w * h + 2 * ((w + 1) // 2) * ((h + 1) // 2))
         head = f"YUV4MPEG2 W{w} H{h} F25:1 C420jpeg\n".encode()
         yield f"{w}x{h}.y4m", head + 3 * frame + frame[:9]
-    for w, h in (16000, 16000), (2 ** 31 - 1, 2 ** 31 - 1), (1, 2 ** 31 - 1), (0, 5), (40000, 3000):
+    for w, h in (16000, 16000), (2 ** 31 - 1, 2 ** 31 - 1), (1, 2 ** 31 - 1), (0, 5), (40000, 300):
         yield f"{w}x{h}.png", png_head(w, h)
         yield f"{w}x{h}.bmp", bmp_head(w, -h)
         yield f"{w}x{h}-head.ppm", f"P6 {w} {h} 255\n".encode() + bytes(99)
@@ -123,7 +123,7 @@ class Replay(Case):
                  "OTHER": sample("mpeg4.avi")}
         for index, (command, variants) in enumerate(VARIANTS.items()):
             # Those that are steered by the size of pictures see every size.
-            every = command == "convert" and name.endswith((".ppm", ".png"))
+            every = command == "convert" and name.endswith(".ppm") and "head" not in name
             for variant in variants if every else [variants[number % len(variants)]]:
                 self.check([command, path, *(words.get(word, word) for word in variant)], target,
                            index == number % len(VARIANTS))
