@@ -1138,21 +1138,25 @@ TAVU_API tavu_metric_area_t tavu_satd2;
  * @defgroup irsz Image resizing
  * Bilinear resizing of packed images, whole or in bands of rows.
  *
- * Fractions have 3 bits: positions carry 18 fraction bits, of which the upper three choose one of
- * 8 x 8 groups of four weights that sum to 64; sums are shifted right by 6, truncating. Shrinking
- * by 3 or more takes every 2nd, 4th, 8th or 16th source pixel as its grid. Target pixel i lies at
- * i (source - 1) / target, so that a resize to the same size is no copy.
+ * Positions have 18 fraction bits, of which the upper three select one of 8 x 8 groups of four
+ * weights that sum to 64. The weighted sum is shifted right by 6 and truncated. Shrinking by 3 or
+ * more uses only every 2nd, 4th, 8th or 16th source pixel. Target pixel i is at source position
+ * i (source - 1) / target, so a resize to the same size is not a copy.
  *
  * With q = source / target, rounded down, an axis has
  *
  * - the decimation shift: 0 for q up to 2, 1 up to 4, 2 up to 8, 3 up to 16, else 4
  * - the step: (((source - 1) >> shift) << 18) / target, in units of 1 << shift source pixels
  *
- * Largest source: (size - 1) >> shift must stay below 8192. That is 8192 pixels, 16384 if the
- * target is smaller by 3 or more, and so on up to 131072; see docs/limits.md.
+ * The right-hand and lower neighbours of a sample are 1 << shift pixels away, inside the source. A
+ * source of one pixel has step 0 and no neighbour: with step 0 the neighbours on that axis are read
+ * only if one of them has a weight other than 0, and the standard weights give them none.
  *
- * Threads: an object belongs to one thread at a time; kernels and drivers of different objects may
- * run at once, as long as nobody writes tavu_irsz_tbl_rsz_weight.
+ * Largest source: (size - 1) >> shift must be below 8192. The limit is 8192 pixels, 16384 if the
+ * target is smaller by a factor of 3 or more, and so on up to 131072; see docs/limits.md.
+ *
+ * Threads: an object belongs to one thread at a time. Kernels and drivers of different objects may
+ * run concurrently as long as no thread writes tavu_irsz_tbl_rsz_weight.
  * @{
  */
 
@@ -1168,7 +1172,7 @@ enum {
 /** Modes of the resizer. */
 enum {
     TAVU_IRSZ_MODE_FULL = 10, /**< each call passes a whole source image */
-    TAVU_IRSZ_MODE_LINE = 11  /**< the source comes in bands of a fixed number of rows */
+    TAVU_IRSZ_MODE_LINE = 11  /**< each call passes a band of a fixed number of source rows */
 };
 
 /** Errors of tavu_irsz_create(), besides #TAVU_ERR. */
@@ -1178,7 +1182,7 @@ enum {
     TAVU_IRSZ_ERR_FORMAT = -4 /**< unknown pixel format */
 };
 
-/** What a resizer is to do. */
+/** Parameters of a resizer. */
 typedef struct tavu_irsz_param {
     int32_t fmt;    /**< TAVU_IRSZ_ pixel format */
     int32_t mode;   /**< TAVU_IRSZ_MODE_ */
@@ -1198,7 +1202,8 @@ typedef struct tavu_irsz_t tavu_irsz_t;
 typedef int32_t (*tavu_irsz_fn)(tavu_irsz_t *rsz, const void *src, int32_t first_row, int32_t rows);
 
 /**
- * A resizer; read-only for callers. Lengths named in lines are bytes, in 5-6-5 to 5-6-5 pixels.
+ * A resizer; read-only for callers. Line sizes and offsets are in bytes, for 5-6-5 to 5-6-5 in
+ * pixels.
  */
 struct tavu_irsz_t {
     int32_t fmt;           /**< pixel format */
@@ -1208,17 +1213,18 @@ struct tavu_irsz_t {
     int32_t step_y;        /**< row step per target row, in units of 1 << shift_y rows */
     int32_t pos_y;         /**< band mode: position of the next target row */
     int32_t next_x;        /**< pixels to the right-hand neighbour: 1 << shift_x */
-    int32_t line_size;     /**< source line */
+    int32_t line_size;     /**< source stride */
     int32_t dst_w,         /**< target width in pixels */
         dst_h;             /**< target height in pixels */
-    int32_t dst_line;      /**< target line */
+    int32_t dst_line;      /**< target stride */
     int32_t shift_x,       /**< decimation shift of columns, 0..4 */
         shift_y;           /**< decimation shift of rows, 0..4 */
     int32_t next_row;      /**< distance to the lower neighbour row */
     int32_t carry_next;    /**< band mode: offset of the carried row's lower neighbour in the
                                 next band */
-    int32_t pending;       /**< band mode: 1 while a target row waits for its lower row */
-    int32_t band_size;     /**< band_h lines */
+    int32_t pending;       /**< band mode: 1 while target row out_row - 1 is not written yet and
+                                waits for its lower source row */
+    int32_t band_size;     /**< band_h * line_size */
     int32_t out_row;       /**< band mode: next target row */
     int32_t upscale;       /**< 1 if either axis grows */
     int32_t reuse;         /**< band mode: 1 while the next upper row is the carried one */
@@ -1230,32 +1236,50 @@ struct tavu_irsz_t {
 /**
  * Creates a resizer for one combination of sizes, pixel format and mode.
  *
- * Delete it with tavu_irsz_delete(); there is no reset, so each image of band mode takes a new one.
- * Creation does not check the memory for the carried row of band mode: callers that must survive
- * its lack test `carry_buf` for null.
+ * Delete it with tavu_irsz_delete(). There is no reset: in band mode each image needs a new
+ * resizer. Creation succeeds even if there is no memory for the carried row of band mode; callers
+ * that must survive this check `carry_buf` for null.
  *
- * @param err null, or where to store 0, #TAVU_IRSZ_ERR_ALLOC, #TAVU_IRSZ_ERR_MODE (checked first),
- *        #TAVU_IRSZ_ERR_FORMAT, or #TAVU_ERR: a size below 1, a source too large (see above), 16
- *        source lines or one target line of more than INT32_MAX bytes (5-6-5 to 5-6-5: pixels), or
- *        in band mode a band height that is no power of two, a stride below 1, or band_h + 16
- *        source lines beyond INT32_MAX
+ * @param param must not be null. Strides are not compared with widths, and `dst` is not checked
+ * @param err null, or where to store 0, #TAVU_IRSZ_ERR_ALLOC, #TAVU_IRSZ_ERR_MODE (checked before
+ *        the format), #TAVU_IRSZ_ERR_FORMAT, or #TAVU_ERR: a size below 1, a source too large (see
+ *        above), 16 source lines or one target line that do not fit in 32 signed bits (counted in
+ *        bytes, for 5-6-5 to 5-6-5 in pixels), or in band mode a band height that is not a power of
+ *        two, a stride below 1, or band_h + 16 source lines of more than INT32_MAX
  * @return the resizer or null
  */
 TAVU_API tavu_irsz_t *tavu_irsz_create(const tavu_irsz_param *param, int32_t *err);
 
 /**
- * Resizes. Calls the driver of the pixel format; unchecked. Source and target must not overlap.
+ * Resizes by calling the driver of the pixel format. Unchecked. Source and target must not overlap.
  *
- * Mode FULL: `src` is the source image, the other arguments are ignored. Mode LINE: `src` is a band
- * of `rows` source rows, of which the first has index `first_row`, a multiple of `rows`; `rows`
- * equals band_h. Pass bands in order until `out_row` reaches `dst_h`. A target row whose lower
- * source row lies in the next band is written by the next call.
+ * Mode FULL: `src` is the source image; `first_row` and `rows` are ignored.
  *
- * Band mode gives the same target as FULL when a band has at least two rows and twice as many rows
- * as a target row stands for (band_h >= 2 * src_h / dst_h, rounded up before doubling); shorter
- * bands may leave rows out or take a wrong upper row. Two formats differ all the same: of a carried
- * row of #TAVU_IRSZ_5B6B5B only the left half is kept and the rest reads as 0, and
- * #TAVU_IRSZ_8B8B8B_5B6B5B packs as its line kernel does.
+ * Mode LINE: `src` is a band of source rows that starts with row `first_row`. `rows` is always
+ * band_h, even if the image ends inside the last band, and `first_row` is a multiple of it. Pass
+ * bands in order until `out_row` reaches `dst_h` and `pending` is 0. A target row whose lower
+ * source row is in the next band is pending; it is written by the next call.
+ *
+ * @code
+ * for (int32_t row = 0; row < src_h; row += band_h) {
+ *     if (rsz->out_row == rsz->dst_h && !rsz->pending) break;
+ *     tavu_irsz(rsz, band_at(row), row, band_h); // band_at(): band_h source rows from `row` on
+ * }
+ * @endcode
+ *
+ * Every row of a band needs `line_size` readable bytes, the last row too: that many bytes of a row
+ * are copied to `carry_buf` if its lower neighbour is in the next band, including the bytes between
+ * the width and the stride.
+ *
+ * The target is the same as in mode FULL if band_h >= 2 * n, where n is src_h / dst_h rounded up;
+ * the rows of the last band below the image are not read then. Two formats still differ: of a
+ * carried row of #TAVU_IRSZ_5B6B5B only the first `line_size` bytes, half a stride, are kept and
+ * the rest reads as 0, and #TAVU_IRSZ_8B8B8B_5B6B5B packs as its line kernel does.
+ *
+ * Shorter bands may leave out target rows, use wrong source rows, and read all rows of the last
+ * band. If band_h is less than 1 << shift_y, no row is ever written, `pending` stays 1, and only
+ * the number of source rows ends the loop. With bands of one row the last target row may be pending
+ * when the source ends.
  * @return 0
  */
 TAVU_API int32_t tavu_irsz(tavu_irsz_t *rsz, const void *src, int32_t first_row, int32_t rows);
@@ -1279,14 +1303,14 @@ TAVU_API int32_t tavu_irsz8b8b8b8b(tavu_irsz_t *rsz, const void *src, int32_t fi
                                    int32_t rows);
 
 /**
- * Computes the packed steps, (step << 3) | shift, that the whole-image kernels take. Unchecked: a
- * target size of 0 raises SIGFPE, and of an axis that shrinks to less than a 1024th of what
- * decimation leaves the upper bits are lost, for a step has 29 bits. tavu_irsz() does not pack and
- * has no such limit.
+ * Computes the packed steps, (step << 3) | shift, that the whole-image kernels take. Unchecked. A
+ * target size of 0 raises SIGFPE. A packed step has 29 bits, sign included: a source of more than
+ * 16384 pixels per target pixel loses the upper bits, and a whole-image kernel then reads outside
+ * the source. tavu_irsz() and the combined conversions do not pack and do not have this limit.
  * @param src_w,src_h source size in pixels
  * @param dst_w,dst_h target size in pixels
  * @param step_x,step_y where to store the packed steps
- * @return no status; it means nothing
+ * @return a value without meaning, not a status
  */
 TAVU_API int32_t bilinear_rsz_step_size(int32_t src_w, int32_t src_h, int32_t dst_w, int32_t dst_h,
                                         int32_t *step_x, int32_t *step_y);
@@ -1294,8 +1318,8 @@ TAVU_API int32_t bilinear_rsz_step_size(int32_t src_w, int32_t src_h, int32_t ds
 /**
  * Bilinear weights: four bytes at 32 * a + 4 * b for the horizontal fraction a and the vertical
  * fraction b in eighths: upper-left (8 - a)(8 - b), upper-right a(8 - b), lower-left (8 - a)b,
- * lower-right ab. The resizer reads this table, which is writable: other weights that sum to 64 at
- * most are obeyed, more slowly.
+ * lower-right ab. The resizer reads this table, which is writable: groups may hold other weights
+ * with a sum of at most 64. The same formula then applies, at a lower speed.
  */
 TAVU_API extern uint8_t tavu_irsz_tbl_rsz_weight[256];
 
@@ -1303,10 +1327,13 @@ TAVU_API extern uint8_t tavu_irsz_tbl_rsz_weight[256];
 TAVU_API extern const uint8_t tavu_tbl_bilinear_rszw[256];
 
 /**
- * Line kernel: makes one target row of two source rows. Unchecked; reads no byte beyond the
+ * Line kernel: computes one target row from two source rows. Unchecked. Reads no byte beyond the
  * right-hand neighbour of the last pixel. A `dst_w` below 1 writes nothing.
  * @param rows   upper and lower source row
- * @param wrow   tavu_irsz_tbl_rsz_weight + 4 * b
+ * @param wrow   tavu_irsz_tbl_rsz_weight + 4 * b, or a table of the caller: eight groups of four
+ *        weights for the eight horizontal fractions, 32 bytes apart. All groups may be read,
+ *        whichever the row uses, so 228 bytes must be readable; 4 bytes, the first group, if
+ *        `step_x` is 0 or `dst_w` is 1
  * @param dst_w  target pixels
  * @param shift_x,next_x decimation shift, and pixels to the right-hand neighbour
  * @param step_x step with 18 fraction bits
@@ -1318,9 +1345,9 @@ typedef void tavu_irsz_line_t(const uint8_t *const rows[2], const uint8_t *wrow,
 /**
  * Whole-image kernel. Unchecked. A `dst_w` or `dst_h` below 1 writes nothing. Reads no byte beyond
  * the lower right-hand neighbour of the last pixel.
- * @param src,src_line source and its line size in bytes (5-6-5 to 5-6-5: pixels)
+ * @param src,src_line source and its stride in bytes (5-6-5 to 5-6-5: pixels)
  * @param dst_w,dst_h  target size in pixels
- * @param dst_line,dst target line size in bytes (5-6-5 to 5-6-5: pixels) and target
+ * @param dst_line,dst target stride in bytes (5-6-5 to 5-6-5: pixels) and target
  * @param packed_x,packed_y steps of bilinear_rsz_step_size()
  */
 typedef void tavu_irsz_full_t(const uint8_t *src, int32_t src_line, int32_t dst_w, int32_t dst_h,
@@ -1335,18 +1362,18 @@ TAVU_API tavu_irsz_full_t tavu_irsz8b8b8b8b_full; /**< 4 bytes a pixel */
 
 /**
  * 3 bytes c0, c1, c2 to two bytes: (c0 & 0x8F) | (c1 >> 5), then (c1 & 0xE0) | (c2 >> 3). This is
- * no 5-6-5 unit of either byte order; callers rely on it as it is.
+ * not a 5-6-5 unit of either byte order; callers rely on it.
  */
 TAVU_API tavu_irsz_line_t tavu_irsz8b8b8b_5b6b5b_line;
 /**
  * 3 bytes c0, c1, c2 to two bytes: (c1 & 0xE0) | (c2 >> 3), then (c0 & 0xF8) | (c1 >> 5): a
- * little-endian unit that carries the upper three bits of c1 twice and none of the next three.
+ * little-endian unit with the upper three bits of c1 twice and without the next three.
  */
 TAVU_API tavu_irsz_full_t tavu_irsz8b8b8b_5b6b5b_full;
 
-/** 5-6-5 units; channels are widened with zero low bits, weighed, and cut to 5, 6 and 5 bits. */
+/** 5-6-5 units. Channels are widened with zero low bits, weighted, and cut to 5, 6 and 5 bits. */
 TAVU_API tavu_irsz_line_t tavu_irsz5b6b5b_line;
-/** 5-6-5 units, line sizes in pixels. */
+/** 5-6-5 units, strides in pixels. */
 TAVU_API tavu_irsz_full_t tavu_irsz5b6b5b_full;
 
 /** @} */
@@ -1357,14 +1384,14 @@ TAVU_API tavu_irsz_full_t tavu_irsz5b6b5b_full;
  * @defgroup csc Colour-space conversion
  * From planes to packed RGB and back, at the same size or with resizing.
  *
- * YUV to RGB uses the matrix of ITU-R BT.601 at full range, as JPEG does, with 8 fraction bits.
+ * YUV to RGB uses the ITU-R BT.601 matrix at full range, as JPEG does, with 8 fraction bits.
  * With u = U - 128 and v = V - 128:
  *
  *     R = Y + ((359 v + 128) >> 8)
  *     G = Y - ((183 v + 88 u + 128) >> 8)
  *     B = Y + ((454 u + 128) >> 8)
  *
- * each clamped to 0..255; shifts round toward minus infinity.
+ * each clamped to 0..255. Shifts round toward minus infinity.
  *
  * RGB to YUV:
  *
@@ -1374,15 +1401,15 @@ TAVU_API tavu_irsz_full_t tavu_irsz5b6b5b_full;
  *
  * where a U or V outside 0..255 becomes 255.
  *
- * Threads: routines are reentrant; different threads may convert different rows of one picture.
+ * Threads: routines are reentrant. Threads may convert different rows of one picture concurrently.
  * @{
  */
 
 /**
- * A conversion routine. Unchecked: planes must hold the sizes given, and source and target must not
- * overlap. Needs no alignment and no readable slack. Same-size routines ignore the target size; a
- * width or height below 1 writes nothing. Strides may be negative. Of the arrays only the entries
- * of planes that the routine names are used.
+ * A conversion routine. Unchecked: planes must have the sizes given, and source and target must not
+ * overlap. No alignment and no readable bytes after a row are needed. Same-size routines ignore the
+ * target size; a width or height below 1 writes nothing. Strides may be negative. Array entries of
+ * planes that the routine does not have are not read.
  *
  * @param src        source planes in the order of the layout's name
  * @param src_w,src_h source size in pixels
@@ -1391,12 +1418,12 @@ TAVU_API tavu_irsz_full_t tavu_irsz5b6b5b_full;
  * @param src_cs     source code; ignored
  * @param dst        target planes
  * @param dst_w,dst_h target size in pixels
- * @param dst_stride bytes per row of each target plane; a packed target uses the first. A plane of
- *        5-6-5 units moves by 2 * stride - 2 * width bytes a row: only rows without padding land
- *        where their stride says
+ * @param dst_stride bytes per row of each target plane; a packed target uses the first. Rows of
+ *        5-6-5 units start 2 * stride - 2 * width bytes apart: the stride is the distance only if
+ *        rows have no padding
  * @param dst_cs     target code. Same-size routines with packed 8-bit targets: 401 and 501 give
  *        B, G, R order through the *third* target pointer, with the first stride. Other routines
- *        ignore it, but for tavu_csc_yuv444x_to_yuv444x()
+ *        ignore it, except tavu_csc_yuv444x_to_yuv444x()
  */
 typedef void tavu_csc_routine_t(uint8_t *const src[4], int32_t src_w, int32_t src_h,
                                 const int32_t src_stride[4], int32_t src_cs, uint8_t *const dst[4],
@@ -1407,13 +1434,13 @@ typedef void tavu_csc_routine_t(uint8_t *const src[4], int32_t src_w, int32_t sr
 typedef tavu_csc_routine_t *tavu_fn_csc_t;
 
 /**
- * Finds the routine that converts between two colour-space codes, with resizing when the sizes
+ * Finds the routine that converts between two colour-space codes, with resizing if the sizes
  * differ. Sizes are not checked.
  *
  * Same size: 600 to 400, 500, 200, 650; 700 to 500, 650 (and 430, which gives the routine for 500);
  * 13 to 400, 500, 200, 650, 13; 43 to 500, 430, 650, 13, 43. Other size: 600 and 13 to 400, 500;
  * 700 and 43 to 500.
- * @param err null, or where to store #TAVU_ERR_UNSUPPORTED_CS on failure; else it is not written
+ * @param err null, or where to store #TAVU_ERR_UNSUPPORTED_CS on failure; not written on success
  * @return the routine or null
  */
 TAVU_API tavu_fn_csc_t tavu_imgp_get_fn_csc(int32_t src_w, int32_t src_h, int32_t src_cs,
@@ -1427,8 +1454,8 @@ TAVU_API tavu_fn_csc_t tavu_imgp_get_fn_csc(int32_t src_w, int32_t src_h, int32_
 TAVU_API extern const tavu_fn_csc_t tavu_tbl_fn_csc_to_rgb[40];
 
 /**
- * Routines to planar YUV at 2 * (row + 4 if resizing) + column; rows as above; columns: 13, 43. The
- * first two rows are not reached through tavu_imgp_get_fn_csc().
+ * Routines to planar YUV at 2 * (row + 4 if resizing) + column; rows as above; columns: 13, 43.
+ * tavu_imgp_get_fn_csc() does not use the first two rows.
  */
 TAVU_API extern const tavu_fn_csc_t tavu_tbl_fn_csc_to_yuvplanar[16];
 
@@ -1438,7 +1465,7 @@ TAVU_API tavu_csc_routine_t tavu_csc_yuv444_to_rgb888;
 TAVU_API tavu_csc_routine_t tavu_csc_yuv444_to_rgba8888;
 /** Y, U, V, A planes to R, G, B, A; B, G, R, A for target code 501. */
 TAVU_API tavu_csc_routine_t tavu_csc_yuv444a8_to_rgba8888;
-/** R, G, B planes to R, G, B for target code 400, B, G, R for every other. */
+/** R, G, B planes to R, G, B for target code 400, to B, G, R for every other code. */
 TAVU_API tavu_csc_routine_t tavu_csc_r8g8b8_to_rgb888;
 /** R, G, B planes to R, G, B, 255; B, G, R, 255 for target code 501. */
 TAVU_API tavu_csc_routine_t tavu_csc_r8g8b8_to_rgba8888;
@@ -1453,7 +1480,7 @@ TAVU_API tavu_csc_routine_t tavu_csc_yuv444_to_rgb565a8;
 TAVU_API tavu_csc_routine_t tavu_csc_yuv444a8_to_rgb565a8;
 /**
  * Y, U, V, A planes to 5-6-5 units through the first target pointer, 2 bytes a pixel, and alpha
- * bytes through the second, 3 bytes a pixel with the second stride. Where the two overlap a pixel's
+ * bytes through the second, 3 bytes a pixel with the second stride. If the two overlap, a pixel's
  * alpha is written after its unit.
  */
 TAVU_API tavu_csc_routine_t tavu_csc_yuv444a8_to_rgba5658;
@@ -1470,8 +1497,8 @@ TAVU_API tavu_csc_routine_t tavu_csc_x8y8z8a8_to_xyz565a8;
 TAVU_API tavu_csc_routine_t tavu_csc_r8g8b8a8_to_rgba5658;
 
 /**
- * Packed pixels of 3 bytes to Y, U, V planes; source pointers point at the first R, G and B, and
- * each has its own stride. For B, G, R order swap the first and the third.
+ * Packed pixels of 3 bytes to Y, U, V planes. Source pointers point at the first R, G and B, each
+ * with its own stride; for B, G, R order swap the first and the third pointer.
  */
 TAVU_API tavu_csc_routine_t tavu_csc_r8g8b8_to_yuv444;
 /**
@@ -1489,12 +1516,14 @@ TAVU_API tavu_csc_routine_t tavu_csc_yuv444x_to_yuv444x;
  * @name Combined conversion and resizing
  * Bilinear as in the resizer, to R, G, B(, A) through the first target pointer; the target code is
  * ignored. Each source plane has its own stride. A target size of 0 raises SIGFPE, one below 0
- * writes nothing. The source must not be larger than for the resizer, which is not checked.
+ * writes nothing. The source limits of the resizer apply, but are not checked. Steps are not
+ * packed, so the 29-bit limit of bilinear_rsz_step_size() does not apply. Weights are the standard
+ * ones, whatever tavu_irsz_tbl_rsz_weight holds.
  *
- * YUV sources: the pixels of full groups of eight in a row are converted in 16-bit arithmetic whose
- * products and sums wrap before the rounding shift, so that strong chroma comes out far from the
- * formula above: red for |v| of 92 and more, blue for |u| of 73 and more, green where 183 v + 88 u
- * leaves 16 bits. The last dst_w % 8 pixels are exact. Callers rely on these bytes.
+ * YUV sources: full groups of eight pixels of a row are converted in 16-bit arithmetic. Products
+ * and sums wrap before the rounding shift, so strong chroma gives results far from the formula
+ * above: red for |v| of 92 and more, blue for |u| of 73 and more, green if 183 v + 88 u does not
+ * fit in 16 bits. The last dst_w % 8 pixels are exact. Callers rely on these bytes.
  * @{
  */
 
