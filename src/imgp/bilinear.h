@@ -2,7 +2,8 @@
 //
 // A position has 18 fraction bits and counts in units of 1 << shift source pixels. Its upper three
 // fraction bits choose the weights. As the step spans source - 1, a sample's right-hand and lower
-// neighbours lie inside the source; a source of one pixel has step 0 and no neighbour.
+// neighbours are inside the source. A source of one pixel has step 0 and no neighbour: with step 0
+// a neighbour is read only if it has weight.
 #ifndef TAVU_IMGP_BILINEAR_H
 #define TAVU_IMGP_BILINEAR_H
 
@@ -24,7 +25,7 @@ struct Step {
     TAVU_VEC_INLINE int32_t sample(int32_t position) const {
         return (position >> POSITION_BITS) * (1 << shift);
     }
-    // Distance to the neighbour; with step 0 its weight is 0 and it may not exist.
+    // Distance to the neighbour under bilinear weights; with step 0 the neighbour has none.
     TAVU_VEC_INLINE int32_t next() const { return step == 0 ? 0 : 1 << shift; }
 };
 
@@ -33,6 +34,16 @@ namespace {
 // The weight group's offset for a horizontal and for a vertical position.
 inline int32_t weight_column(int32_t x) { return x >> (POSITION_BITS - 8) & 0xE0; }
 inline int32_t weight_row(int32_t y) { return y >> (POSITION_BITS - 5) & 0x1C; }
+
+// Whether any pixel of a target row gives the lower source row weight.
+inline bool weighs_lower(const uint8_t *wrow, int32_t step_x, int32_t dst_w) {
+    int32_t x = 0;
+    for (int32_t i = 0; i < dst_w; i++, x = wrap_add(x, step_x)) {
+        const uint8_t *weights = wrow + weight_column(x);
+        if (weights[2] != 0 || weights[3] != 0) return true;
+    }
+    return false;
+}
 
 // floor(log2(ratio - 1)), at most 4.
 inline int32_t decimation_shift(int32_t src, int32_t dst) {

@@ -66,7 +66,7 @@ class Band {
         const int32_t upper = (upper_row() & mask_) * rsz_->line_size;
         const int32_t lower = rsz_->reuse ? rsz_->carry_next : upper + rsz_->next_row;
         top_ = rsz_->reuse ? rsz_->carry_buf : at(upper);
-        bottom_ = rsz_->step_y == 0 ? top_ : at(lower);  // a source of one row has no lower one
+        bottom_ = needs_lower() ? at(lower) : top_;
         if (lower < rsz_->band_size) return true;
         rsz_->carry_next = lower - rsz_->band_size;
         rsz_->pending = 1;
@@ -75,6 +75,12 @@ class Band {
         // line_size bytes, of a 5-6-5 row the left half; callers rely on it.
         memmove(rsz_->carry_buf, top_, static_cast<size_t>(rsz_->line_size));
         return false;
+    }
+
+    // A source of one row has no lower one.
+    bool needs_lower() const {
+        return rsz_->step_y != 0 ||
+               weighs_lower(tavu_irsz_tbl_rsz_weight, rsz_->step_x, rsz_->dst_w);
     }
 
     void make_row() {

@@ -15,7 +15,7 @@ inline int32_t drive(tavu_irsz_t *rsz, const void *src, int32_t first_row, int32
                      tavu_irsz_line_t *line) {
     const auto *pixels = static_cast<const uint8_t *>(src);
     if (rsz->mode == TAVU_IRSZ_MODE_FULL) {
-        // Steps go unpacked: packing would lose the upper bits of steps from 1024 pixels on.
+        // Steps are not packed: packing would lose the upper bits of steps of 1024 units and more.
         full({pixels,
               rsz->line_size,
               rsz->dst_w,

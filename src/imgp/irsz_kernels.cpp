@@ -27,9 +27,10 @@ int32_t fraction_of(const uint8_t *weights) {
     return b;
 }
 
-// One copy for all sizes of pixels.
+// One copy for all sizes of pixels. A row that stays at position 0 may bring its first group alone.
 __attribute__((noinline)) bool resize_line(const Columns &columns, const uint8_t *const rows[2],
                                            const uint8_t *weights, uint8_t *out) {
+    if (columns.step.step == 0 || columns.width <= 1) return false;
     const int32_t b = fraction_of(weights);
     const auto distance =
         reinterpret_cast<uintptr_t>(rows[1]) - reinterpret_cast<uintptr_t>(rows[0]);

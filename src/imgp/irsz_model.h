@@ -2,8 +2,8 @@
 //
 //     out[k] = (w0 tl[k] + w1 tr[k] + w2 bl[k] + w3 br[k]) >> 6      for each channel k
 //
-// The weights sum to 64 and are not rounded. Reads nothing beyond the neighbours of the last pixel,
-// writes exactly dst_w pixels.
+// The sum is not rounded. Reads nothing beyond the neighbours of the last pixel, writes exactly dst_w
+// pixels. With step 0 a neighbour without weight may not exist and is not read.
 #ifndef TAVU_IMGP_IRSZ_MODEL_H
 #define TAVU_IMGP_IRSZ_MODEL_H
 
@@ -92,7 +92,8 @@ struct ModelResize {
     __attribute__((noinline)) static void line(const uint8_t *const rows[2], const uint8_t *weights,
                                                int32_t dst_w, int32_t shift_x, int32_t next_x,
                                                int32_t step_x, uint8_t *out) {
-        const ptrdiff_t right = step_x == 0 ? 0 : static_cast<ptrdiff_t>(next_x) * Pixel::SRC;
+        const ptrdiff_t right = static_cast<ptrdiff_t>(next_x) * Pixel::SRC;
+        if (step_x == 0) return repeat(rows, weights, dst_w, right, out);
         int32_t x = 0;
         for (int32_t i = 0; i < dst_w; i++, x = wrap_add(x, step_x), out += Pixel::DST) {
             const ptrdiff_t left =
@@ -103,14 +104,27 @@ struct ModelResize {
         }
     }
 
+    // Step 0: all pixels are the same, and neighbours without weight may not exist.
+    static void repeat(const uint8_t *const rows[2], const uint8_t *weights, int32_t dst_w,
+                       ptrdiff_t right, uint8_t *out) {
+        for (int32_t i = 0; i < dst_w; i++, out += Pixel::DST) {
+            const auto at = [&](int n) {
+                return weights[n] == 0 ? rows[0] : rows[n / 2] + n % 2 * right;
+            };
+            Pixel::store({rows[0], at(1), at(2), at(3), weights}, out);
+        }
+    }
+
     static void full(const Image &image, const uint8_t *weights) {
         const ptrdiff_t src_stride = static_cast<ptrdiff_t>(image.src_line) * LINE_UNIT;
         const ptrdiff_t dst_stride = static_cast<ptrdiff_t>(image.dst_line) * LINE_UNIT;
+        const bool one_row = image.y.step == 0 && !weighs_lower(weights, image.x.step, image.dst_w);
+        const ptrdiff_t lower = one_row ? 0 : src_stride * (1 << image.y.shift);
         uint8_t *dst = image.dst;
         int32_t y = 0;
         for (int32_t j = 0; j < image.dst_h; j++, dst += dst_stride) {
             const uint8_t *top = image.src + image.y.sample(y) * src_stride;
-            const uint8_t *const rows[2] = {top, top + image.y.next() * src_stride};
+            const uint8_t *const rows[2] = {top, top + lower};
             line(rows, weights + weight_row(y), image.dst_w, image.x.shift, 1 << image.x.shift,
                  image.x.step, dst);
             y = wrap_add(y, image.y.step);

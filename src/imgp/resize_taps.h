@@ -52,8 +52,9 @@ struct Columns {
     // How many windows span the samples of 8 elements that follow each other; 0 if the row cannot
     // be made of taps: too narrow, not from left to right, or too far apart.
     int windows() const {
-        if (width < 1 || step.step < 1 || next < 0 || elements() < LANES) return 0;
-        if (int64_t{step.step} * width > INT32_MAX) return 0;
+        if (width < 1 || step.step < 1 || next < 0) return 0;
+        if (int64_t{step.step} * width > INT32_MAX || int64_t{bytes} * width > INT32_MAX) return 0;
+        if (elements() < LANES) return 0;
         const int64_t more_pixels = bytes == 3 ? 3 : 7 / bytes;  // than the first
         const int64_t units = ((more_pixels * step.step - 1) >> POSITION_BITS) + 1;
         const int64_t span = (units * (1 << step.shift) + next + 1) * bytes;
