@@ -30,37 +30,57 @@ size_t plane_size(int32_t line, int32_t rows, int32_t row_bytes) {
            static_cast<size_t>(row_bytes);
 }
 
+int32_t src_line(const ResizeKernel &kernel, const Sizes &s) {
+    return s.src_w * kernel.src_bytes + s.src_gap * kernel.line_unit;
+}
+
+int32_t dst_line(const ResizeKernel &kernel, const Sizes &s) {
+    return s.dst_w * kernel.dst_bytes + s.dst_gap * kernel.line_unit;
+}
+
+Block target(const ResizeKernel &kernel, const Sizes &s) {
+    return Block(plane_size(dst_line(kernel, s), s.dst_h, s.dst_w * kernel.dst_bytes));
+}
+
 Block whole(const ResizeKernel &kernel, tavu_irsz_full_t *full, const Sizes &s, const Block &src) {
-    const int32_t src_line = s.src_w * kernel.src_bytes + s.src_gap * kernel.line_unit;
-    const int32_t dst_line = s.dst_w * kernel.dst_bytes + s.dst_gap * kernel.line_unit;
-    Block dst(plane_size(dst_line, s.dst_h, s.dst_w * kernel.dst_bytes));
+    Block dst = target(kernel, s);
     int32_t step_x, step_y;
     bilinear_rsz_step_size(s.src_w, s.src_h, s.dst_w, s.dst_h, &step_x, &step_y);
-    full(src.data(), src_line / kernel.line_unit, s.dst_w, s.dst_h, dst_line / kernel.line_unit,
-         dst.data(), step_x, step_y);
+    full(src.data(), src_line(kernel, s) / kernel.line_unit, s.dst_w, s.dst_h,
+         dst_line(kernel, s) / kernel.line_unit, dst.data(), step_x, step_y);
     return dst;
 }
 
-// In bands, of which each is a copy that fills its memory. Strides are whole pixels here.
+// In bands, of which each is a copy that fills its memory. Gaps are whole pixels here.
 Block banded(const ResizeKernel &kernel, int32_t fmt, const Sizes &s, const Block &src,
              int32_t band) {
-    Block dst(plane_size(s.dst_w * kernel.dst_bytes, s.dst_h, s.dst_w * kernel.dst_bytes));
-    const tavu_irsz_param param = {
-        fmt,     TAVU_IRSZ_MODE_LINE, s.src_w, s.src_h, s.src_w, band, s.dst_w, s.dst_h,
-        s.dst_w, dst.data()};
+    Block dst = target(kernel, s);
+    const int32_t line = src_line(kernel, s);
+    const tavu_irsz_param param = {fmt,
+                                   TAVU_IRSZ_MODE_LINE,
+                                   s.src_w,
+                                   s.src_h,
+                                   line / kernel.src_bytes,
+                                   band,
+                                   s.dst_w,
+                                   s.dst_h,
+                                   dst_line(kernel, s) / kernel.dst_bytes,
+                                   dst.data()};
     int32_t err = 1;
     tavu_irsz_t *rsz = tavu_irsz_create(&param, &err);
     require(rsz != nullptr && err == TAVU_OK);
-    const int32_t line = s.src_w * kernel.src_bytes;
-    const int32_t enough = 2 * ((s.src_h + s.dst_h - 1) / s.dst_h);
+    // The bytes of a band up to what may be carried of its last row. A band that is too short may
+    // look at rows beyond the image.
+    const auto size = plane_size(line, band, std::max(rsz->line_size, s.src_w * kernel.src_bytes));
+    const bool enough = band >= 2 * ((s.src_h + s.dst_h - 1) / s.dst_h);
     for (int32_t row = 0; row < s.src_h; row += band) {
-        const int32_t rows = std::min(band, s.src_h - row);
-        // A band that is too short may look at rows beyond the image.
-        Block piece(static_cast<size_t>(band < enough ? band : rows) * static_cast<size_t>(line));
-        memcpy(piece.data(), src.data() + static_cast<ptrdiff_t>(row) * line,
-               static_cast<size_t>(rows) * static_cast<size_t>(line));
+        const auto first = static_cast<size_t>(row) * static_cast<size_t>(line);
+        const size_t stored = std::min(size, src.size() - first);
+        Block piece(enough ? stored : size);
+        memcpy(piece.data(), src.data() + first, stored);
         tavu_irsz(rsz, piece.data(), row, band);
     }
+    require(!enough || (rsz->out_row == s.dst_h && rsz->pending == 0));
     tavu_irsz_delete(rsz);
     return dst;
 }
@@ -77,9 +97,11 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const ResizeKernel &kernel = kernels[index];
     const int32_t band = in.byte() % 4 == 0 ? 1 << in.byte() % 6 : 0;
     Sizes s(&in);
-    if (band != 0) s.src_gap = s.dst_gap = 0;
-    Block src(plane_size(s.src_w * kernel.src_bytes + s.src_gap * kernel.line_unit, s.src_h,
-                         s.src_w * kernel.src_bytes));
+    if (band != 0) {
+        s.src_gap *= kernel.src_bytes / kernel.line_unit;
+        s.dst_gap *= kernel.dst_bytes / kernel.line_unit;
+    }
+    Block src(plane_size(src_line(kernel, s), s.src_h, s.src_w * kernel.src_bytes));
     src.fill(&in);
     const Block wanted = whole(kernel, kernel.model.full, s, src);
     const ResizeVariant &side = kernel.variants[choice / kernels.size() % kernel.variants.size()];
