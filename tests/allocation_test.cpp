@@ -198,13 +198,14 @@ void expect_exact(const tavu_irsz_param &p, const IrszFormat &f) {
     tavu_irsz_delete(rsz);
 }
 
+const IrszFormat IRSZ_FORMATS[] = {{TAVU_IRSZ_8B, 1, 1, 1},
+                                   {TAVU_IRSZ_8B8B8B, 3, 3, 3},
+                                   {TAVU_IRSZ_8B8B8B_5B6B5B, 3, 2, 3},
+                                   {TAVU_IRSZ_5B6B5B, 1, 1, 2},
+                                   {TAVU_IRSZ_8B8B8B8B, 4, 4, 4}};
+
 TEST(Sizes, ResizersHoldExactLengthsOrAreRefused) {
-    const IrszFormat formats[] = {{TAVU_IRSZ_8B, 1, 1, 1},
-                                  {TAVU_IRSZ_8B8B8B, 3, 3, 3},
-                                  {TAVU_IRSZ_8B8B8B_5B6B5B, 3, 2, 3},
-                                  {TAVU_IRSZ_5B6B5B, 1, 1, 2},
-                                  {TAVU_IRSZ_8B8B8B8B, 4, 4, 4}};
-    for (const IrszFormat &f : formats) {
+    for (const IrszFormat &f : IRSZ_FORMATS) {
         for (const int32_t mode : {TAVU_IRSZ_MODE_FULL, TAVU_IRSZ_MODE_LINE}) {
             for (const int32_t n : limits()) {
                 for (const int32_t m : {1, 2, 255, 8192, 0x10000, BIG}) {
@@ -216,6 +217,40 @@ TEST(Sizes, ResizersHoldExactLengthsOrAreRefused) {
                     if (HasFailure()) return;
                 }
             }
+        }
+    }
+}
+
+// The first strides that do not fit: 16 source lines, one target line, in bands band_h + 16 lines.
+TEST(Sizes, ResizersTakeEveryStrideThatFits) {
+    const auto expect_last = [](const IrszFormat &f, int32_t band_h, int64_t src_s, int64_t dst_s) {
+        const auto status = [&](int64_t src, int64_t dst) {
+            const int32_t mode = band_h > 0 ? TAVU_IRSZ_MODE_LINE : TAVU_IRSZ_MODE_FULL;
+            const tavu_irsz_param p = {f.fmt,
+                                       mode,
+                                       4,
+                                       4,
+                                       static_cast<int32_t>(src),
+                                       band_h,
+                                       4,
+                                       4,
+                                       static_cast<int32_t>(dst),
+                                       nullptr};
+            int32_t err = 1;
+            tavu_irsz_delete(tavu_irsz_create(&p, &err));
+            return err;
+        };
+        const int64_t away_src = src_s < 0 ? -1 : 1, away_dst = dst_s < 0 ? -1 : 1;
+        EXPECT_EQ(status(src_s, dst_s), TAVU_OK) << f.fmt << ' ' << band_h << ' ' << src_s;
+        EXPECT_EQ(status(src_s + away_src, 4), TAVU_ERR) << f.fmt << ' ' << band_h << ' ' << src_s;
+        EXPECT_EQ(status(4, dst_s + away_dst), f.dst_unit > 1 ? TAVU_ERR : TAVU_OK) << f.fmt;
+    };
+    constexpr int64_t SMALL = INT32_MIN;
+    for (const IrszFormat &f : IRSZ_FORMATS) {
+        expect_last(f, 0, BIG / (16 * f.src_unit), BIG / f.dst_unit);
+        expect_last(f, 0, SMALL / (16 * f.src_unit), SMALL / f.dst_unit);
+        for (const int32_t band_h : {1, 2, 16, 1024, 1 << 20, 1 << 28}) {
+            expect_last(f, band_h, BIG / (f.src_unit * (band_h + 16)), BIG / f.dst_unit);
         }
     }
 }

@@ -36,10 +36,12 @@ void to_rgb(const uint8_t *yuv, bool wrap, int *rgb) {
 constexpr int GAP = 11;  // canaries between the rows of the target
 
 // Expected bytes: each plane by the single-channel resizer, then pixel by pixel.
-Bytes expected(const Combined &c, const std::vector<Bytes> &scaled, size_t w, size_t h) {
+Bytes expected(const Combined &c, const std::vector<Bytes> &scaled, size_t w, size_t h,
+               bool bottom_up) {
     Bytes out;
-    for (size_t i = 0; i < w * h; i++) {
-        if (i > 0 && i % w == 0) out.insert(out.end(), GAP, GuardedBytes::CANARY);
+    for (size_t at = 0; at < w * h; at++) {
+        if (at > 0 && at % w == 0) out.insert(out.end(), GAP, GuardedBytes::CANARY);
+        const size_t i = (bottom_up ? h - 1 - at / w : at / w) * w + at % w;
         uint8_t in[4] = {0, 0, 0, 255};
         for (size_t p = 0; p < scaled.size(); p++) in[p] = scaled[p][i];
         int rgb[3] = {in[0], in[1], in[2]};
@@ -70,14 +72,17 @@ TEST(CscRsz, IsResizingOfEachPlaneThenConversionByGroupsOfEight) {
                 tavu_irsz8b_full(src[p], src_stride[p], dw, dh, dw, scaled.back().data(), step_x,
                                  step_y);
             }
-            const int32_t dst_stride[4] = {dw * c.bytes + GAP};
-            GuardedBytes target(static_cast<size_t>(dst_stride[0] * dh - GAP));
-            uint8_t *dst[4] = {target.data()};
-            c.routine(src, sw, sh, src_stride, 0, dst, dw, dh, dst_stride, 501);
-            ASSERT_EQ(target.bytes(),
-                      expected(c, scaled, static_cast<size_t>(dw), static_cast<size_t>(dh)))
-                << sw << 'x' << sh << " to " << dw << 'x' << dh;
-            EXPECT_TRUE(target.front_is_intact());
+            for (const bool bottom_up : {false, true}) {
+                const int32_t stride = dw * c.bytes + GAP;
+                const int32_t dst_stride[4] = {bottom_up ? -stride : stride};
+                GuardedBytes target(static_cast<size_t>(stride * dh - GAP));
+                uint8_t *dst[4] = {target.data() + (bottom_up ? stride * (dh - 1) : 0)};
+                c.routine(src, sw, sh, src_stride, 0, dst, dw, dh, dst_stride, 501);
+                ASSERT_EQ(target.bytes(), expected(c, scaled, static_cast<size_t>(dw),
+                                                   static_cast<size_t>(dh), bottom_up))
+                    << sw << 'x' << sh << " to " << dw << 'x' << dh << ' ' << bottom_up;
+                EXPECT_TRUE(target.front_is_intact());
+            }
         }
     }
 }

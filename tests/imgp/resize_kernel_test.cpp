@@ -56,13 +56,15 @@ struct Case {
     // Of a wide target, for the models take their time.
     void limit_rows() { dst_h = std::min(dst_h, std::max(1, 16000 / dst_w)); }
 
-    // Source pixels from the first to the last sample of an axis.
-    static int reach(int32_t packed, int outputs) {
+    // Source pixels of an axis up to the last sample, and to its neighbour if that is read: with a
+    // step, or if weights may be others than the standard ones.
+    static int reach(int32_t packed, int outputs, bool any_weights) {
         const int32_t step = packed >> 3, unit = 1 << (packed & 7);
-        return ((step * (outputs - 1)) >> 18) * unit + (step == 0 ? 0 : unit) + 1;
+        const bool neighbour = step != 0 || any_weights;
+        return ((step * (outputs - 1)) >> 18) * unit + (neighbour ? unit : 0) + 1;
     }
-    int columns() const { return reach(step_x, dst_w); }
-    int rows() const { return reach(step_y, dst_h); }
+    int columns(bool any_weights = false) const { return reach(step_x, dst_w, any_weights); }
+    int rows(bool any_weights = false) const { return reach(step_y, dst_h, any_weights); }
 };
 
 std::ostream &operator<<(std::ostream &s, const Case &c) {
@@ -85,10 +87,11 @@ TEST(ResizeKernels, WholeImagesEqualTheirModels) {
         for (int round = 0; round < 1500; round++) {
             const Case c(random);
             const int unit = kernel.line_unit;
+            const bool other = round % 10 == 0;
             const int src_line = c.src_w * kernel.src_bytes + c.src_gap * unit;
             const int dst_line = c.dst_w * kernel.dst_bytes + c.dst_gap * unit;
             GuardedBytes src(make_content(
-                c.content, plane_size(src_line, c.rows(), c.columns() * kernel.src_bytes),
+                c.content, plane_size(src_line, c.rows(other), c.columns(other) * kernel.src_bytes),
                 static_cast<unsigned>(random())));
             const auto run = [&](tavu_irsz_full_t *full) {
                 GuardedBytes dst(plane_size(dst_line, c.dst_h, c.dst_w * kernel.dst_bytes));
@@ -98,7 +101,7 @@ TEST(ResizeKernels, WholeImagesEqualTheirModels) {
             };
             // Kernels read the writable table, whatever it holds.
             const uint8_t weight = tavu_irsz_tbl_rsz_weight[round % 256];
-            if (round % 10 == 0) tavu_irsz_tbl_rsz_weight[round % 256] ^= 3;
+            if (other) tavu_irsz_tbl_rsz_weight[round % 256] ^= 3;
             const Bytes expected = run(kernel.model.full);
             for (const ResizeVariant &variant : kernel.variants) {
                 ASSERT_EQ(run(variant.full), expected)
@@ -119,15 +122,16 @@ TEST(ResizeKernels, LinesEqualTheirModels) {
             const int32_t step = c.step_x >> 3, shift = c.step_x & 7;
             const int32_t next = round % 4 == 0 ? pick(random, -3, 70) : 1 << shift;
             const int32_t after = std::max(next, 0), before = after - next;
-            const int pixels = before + c.columns() + (step == 0 ? 0 : after - (1 << shift));
+            const bool other = round % 10 == 0;
+            const bool neighbour = step != 0 || other;
+            const int pixels = before + c.columns(other) + (neighbour ? after - (1 << shift) : 0);
             const auto size = static_cast<size_t>(pixels * kernel.src_bytes);
             GuardedBytes top(make_content(c.content, size, static_cast<unsigned>(random())));
             GuardedBytes bottom(make_content(c.content, size, static_cast<unsigned>(random())));
             const int first = before * kernel.src_bytes;
             const uint8_t *rows[] = {top.data() + first, bottom.data() + first};
             const uint8_t *weights =
-                (round % 10 == 0 ? other_weights.data() : tavu_irsz_tbl_rsz_weight) +
-                4 * (random() % 8);
+                (other ? other_weights.data() : tavu_irsz_tbl_rsz_weight) + 4 * (random() % 8);
             const auto run = [&](tavu_irsz_line_t *line) {
                 GuardedBytes dst(static_cast<size_t>(c.dst_w * kernel.dst_bytes));
                 line(rows, weights, c.dst_w, shift, next, step, dst.data());
@@ -157,11 +161,12 @@ TEST(ResizeKernels, CombinedRoutinesEqualTheirModels) {
                                  static_cast<unsigned>(random()))));
                 src[p] = planes.back()->data();
             }
-            const int row = c.dst_w * kernel.dst_bytes[0];
-            const int32_t dst_stride[4] = {row + c.dst_gap};
+            const int row = c.dst_w * kernel.dst_bytes[0], stride = row + c.dst_gap;
+            const bool bottom_up = round % 3 == 0;
+            const int32_t dst_stride[4] = {bottom_up ? -stride : stride};
             const auto run = [&](tavu_fn_csc_t routine) {
-                GuardedBytes target(plane_size(dst_stride[0], c.dst_h, row));
-                uint8_t *dst[4] = {target.data()};
+                GuardedBytes target(plane_size(stride, c.dst_h, row));
+                uint8_t *dst[4] = {target.data() + (bottom_up ? stride * (c.dst_h - 1) : 0)};
                 routine(src, c.src_w, c.src_h, src_stride, 13, dst, c.dst_w, c.dst_h, dst_stride,
                         kernel.codes[0]);
                 return written(target);
