@@ -46,8 +46,7 @@ void add_conversions(Size size, const SharedMemory &) {
         const auto picture = std::make_shared<Picture>(k, size.w, size.h);
         const auto copied = static_cast<size_t>(size.pixels() * moved / 2);
         const std::string row = "csc_" + std::string(k.name) + size.name();
-        add_side(
-            row, "tavu", [=] { picture->convert(routine); }, size.pixels());
+        add_side(row, "tavu", [=] { picture->convert(routine); }, size.pixels());
         add_side(
             row, "memcpy", [=] { memcpy(picture->out.data(), picture->in.data(), copied); },
             size.pixels());
@@ -174,8 +173,7 @@ void add_border(Size size, const SharedMemory &) {
             memcpy(last + y * stride, last, static_cast<size_t>(stride));
         }
     };
-    add_side(
-        "imgb_expand" + size.name(), "tavu", [ours, plane] { ours(); }, pixels);
+    add_side("imgb_expand" + size.name(), "tavu", [ours, plane] { ours(); }, pixels);
     add_side("imgb_expand" + size.name(), "memset and memcpy", theirs, pixels);
 }
 

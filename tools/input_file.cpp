@@ -37,7 +37,7 @@ FilePtr copy_of(std::FILE *pipe) {
 }
 
 FilePtr searchable(FilePtr file) {
-    struct stat status {};
+    struct stat status{};
     if (fstat(fileno(file.get()), &status) != 0) fail("");
     if (S_ISDIR(status.st_mode)) throw std::runtime_error(std::strerror(EISDIR));
     if (S_ISREG(status.st_mode)) return file;
@@ -106,7 +106,7 @@ std::string url_of(const std::string &path) {
 }  // namespace
 
 InputFile::InputFile(const std::string &path) : file_(searchable(open(path))), url_(url_of(path)) {
-    struct stat status {};
+    struct stat status{};
     if (fstat(fileno(file_.get()), &status) != 0) fail("");
     id_ = FileId(status);
     size_ = status.st_size;

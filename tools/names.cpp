@@ -11,8 +11,7 @@ struct Name {
     const char *text;
 };
 
-#define NAME(name) \
-    { TAVU_MT_##name, #name }
+#define NAME(name) {TAVU_MT_##name, #name}
 
 constexpr Name NAMES[] = {
     NAME(NONE),     NAME(VID_MPEG4),   NAME(VID_H263),   NAME(VID_H264),    NAME(VID_WMV1),

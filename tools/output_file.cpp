@@ -29,8 +29,7 @@ extern "C" void remove_unfinished(int signal) {
 void handle_signals() {
     constexpr int HARMLESS[] = {SIGCHLD, SIGCONT, SIGSTOP,  SIGTSTP, SIGTTIN,
                                 SIGTTOU, SIGURG,  SIGWINCH, SIGKILL};
-    struct sigaction ours {
-    }, before{};
+    struct sigaction ours{}, before{};
     ours.sa_handler = remove_unfinished;
     ours.sa_flags = static_cast<int>(SA_RESETHAND);
     for (int signal = 1; signal <= SIGRTMAX; signal++) {
@@ -61,7 +60,7 @@ class HoldSignals {
 
 OutputFile::OutputFile(const std::string &path, std::initializer_list<FileId> inputs)
     : name_(path == "-" ? "standard output" : path) {
-    struct stat old {};
+    struct stat old{};
     const bool exists = (path == "-" ? fstat(STDOUT_FILENO, &old) : stat(path.c_str(), &old)) == 0;
     if (exists) refuse(old, inputs);
     if (path == "-") {

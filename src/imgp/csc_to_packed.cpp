@@ -43,11 +43,10 @@ void best_to_packed(const Csc &c) {
     if (c.src_w < LANES) return to_packed_scalar(c, is_yuv<Format>, Format::TARGET, bgr);
     uint8_t *const target = packed_target(c, bgr);
     choose(bgr, [&](auto swapped) {
-        convert_rows<Format>(
-            c, target, [=](At & at) __attribute__((always_inline)) {
-                const RgbBlock p = load_rgb<typename Format::Space>(at);
-                store_pixels<Format>(at, pick(swapped, p.b, p.r), p.g, pick(swapped, p.r, p.b));
-            });
+        convert_rows<Format>(c, target, [=](At &at) __attribute__((always_inline)) {
+            const RgbBlock p = load_rgb<typename Format::Space>(at);
+            store_pixels<Format>(at, pick(swapped, p.b, p.r), p.g, pick(swapped, p.r, p.b));
+        });
     });
 }
 

@@ -48,10 +48,9 @@ TAVU_ONE_COPY void convert_row(const YuvLine &at, bool bgr, int32_t width) {
     using Place = PackedCursor<Step>;
     const Place start = {at.in[bgr ? 2 : 0], at.out[0], at.out[1], at.out[2], at.out[3]};
     choose(bgr, [&](auto swapped) {
-        for_each_block(
-            start, width, [=](Place & place) __attribute__((always_inline)) {
-                convert_block<Step>(place, swapped);
-            });
+        for_each_block(start, width, [=](Place &place) __attribute__((always_inline)) {
+            convert_block<Step>(place, swapped);
+        });
     });
 }
 

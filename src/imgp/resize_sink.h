@@ -77,18 +77,17 @@ TAVU_ONE_COPY void weigh_and_mix_row(const RowPair &rows, const Taps<1> *taps, u
     const uint8_t *top[size_t{PLANES}], *bottom[size_t{PLANES}];
 #pragma GCC unroll 4
     for (int p = 0; p < PLANES; p++) top[p] = rows.top[p], bottom[p] = rows.bottom[p];
-    for_each_block(
-        Place{taps, out}, width, [&](Place & at) __attribute__((always_inline)) {
-            const auto &lo = load_taps(at.taps[0]), &hi = load_taps(at.taps[1]);
-            UWide sums[size_t{PLANES}];
+    for_each_block(Place{taps, out}, width, [&](Place &at) __attribute__((always_inline)) {
+        const auto &lo = load_taps(at.taps[0]), &hi = load_taps(at.taps[1]);
+        UWide sums[size_t{PLANES}];
 #pragma GCC unroll 4
-            for (int p = 0; p < PLANES; p++) {
-                sums[p] = mix_block({weigh<1>(top[p], lo), weigh<1>(top[p], hi)},
-                                    {weigh<1>(bottom[p], lo), weigh<1>(bottom[p], hi)}, b);
-            }
-            at.taps += 2;
-            Pixels::store(at.out, sums);
-        });
+        for (int p = 0; p < PLANES; p++) {
+            sums[p] = mix_block({weigh<1>(top[p], lo), weigh<1>(top[p], hi)},
+                                {weigh<1>(bottom[p], lo), weigh<1>(bottom[p], hi)}, b);
+        }
+        at.taps += 2;
+        Pixels::store(at.out, sums);
+    });
 }
 
 template <class Pixels>
@@ -100,7 +99,7 @@ void mix_row(const WeighedRow &upper, const WeighedRow &lower, uint16_t b, int32
         TAVU_VEC_INLINE void move(int32_t elements) { out += elements * Pixels::BYTES; }
     };
     for_each_block(
-        Place{upper.sums, lower.sums, out}, width, [b](Place & at) __attribute__((always_inline)) {
+        Place{upper.sums, lower.sums, out}, width, [b](Place &at) __attribute__((always_inline)) {
             UWide sums[Pixels::PLANES];
 #pragma GCC unroll 4
             for (int p = 0; p < Pixels::PLANES; p++) {

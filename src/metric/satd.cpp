@@ -72,9 +72,8 @@ constexpr int N = WIDEST < 32 ? WIDEST : 32;
 
 struct Tiles4x4 {
     static TAVU_VEC_INLINE int32_t satd(int32_t width, int32_t height, const Blocks &at) {
-        const auto add = [](auto &sum, Blocks &strip) __attribute__((always_inline)) {
-            add_satd4x4(sum, strip);
-        };
+        const auto add = [](auto &sum, Blocks &strip)
+                             __attribute__((always_inline)) { add_satd4x4(sum, strip); };
         if constexpr (WIDEST == 64) {
             if (((width | height * 2) & 15) == 0) {
                 return whole_registers<MagnitudeSum<64>, 16, 8>(width, height, at, add);
@@ -87,14 +86,12 @@ struct Tiles4x4 {
 struct Tiles8x8 {
     static TAVU_VEC_INLINE int32_t satd(int32_t width, int32_t height, const Blocks &at) {
 #if defined(__ARM_NEON)
-        const auto add = [](auto &sum, Blocks &strip) __attribute__((always_inline)) {
-            add_satd8x8_twice(sum, strip);
-        };
+        const auto add = [](auto &sum, Blocks &strip)
+                             __attribute__((always_inline)) { add_satd8x8_twice(sum, strip); };
         return best_tiles<RoundedSums, 16, 8>(width, height, at, add, single_satd8x8s);
 #else
-        const auto add = [](auto &sum, Blocks &strip) __attribute__((always_inline)) {
-            add_satd8x8(sum, strip);
-        };
+        const auto add = [](auto &sum, Blocks &strip)
+                             __attribute__((always_inline)) { add_satd8x8(sum, strip); };
         return best_tiles<RoundedSum<N>, N / 2, 8>(width, height, at, add, single_satd8x8s);
 #endif
     }
@@ -155,13 +152,11 @@ TAVU_VEC_INLINE int32_t best_area(int32_t width, int32_t height, const Blocks &a
 #endif
 
 constexpr auto best_satd4x4_area =
-    [](int32_t width, int32_t height, const Blocks &at) __attribute__((always_inline)) {
-    return best_area<Tiles4x4>(width, height, at);
-};
+    [](int32_t width, int32_t height, const Blocks &at)
+        __attribute__((always_inline)) { return best_area<Tiles4x4>(width, height, at); };
 constexpr auto best_satd8x8_area =
-    [](int32_t width, int32_t height, const Blocks &at) __attribute__((always_inline)) {
-    return best_area<Tiles8x8>(width, height, at);
-};
+    [](int32_t width, int32_t height, const Blocks &at)
+        __attribute__((always_inline)) { return best_area<Tiles8x8>(width, height, at); };
 
 #else
 

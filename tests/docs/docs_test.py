@@ -207,7 +207,7 @@ class Documents(unittest.TestCase):
                     re.findall(r'"name": "([\w-]+)"', text_of("CMakePresets.json")) + ["X"],
                 r"\bscripts/[\w-]+ [^`\n|#]*?(--[a-z-]+)":
                     re.findall(r"--[a-z-]+", text_of("scripts/*")) + ["--csv", "--markdown"],
-                r"(?:ctest\b.* -R |--gtest_filter=)['^*]*(\w+)":
+                r"(?:ctest\b.* -R |--gtest_filter=)['^*]*(?:tools_)?(\w+)":
                     text_of("tests/**/*.cpp", "tests/**/CMakeLists.txt", "fuzz/CMakeLists.txt"),
         }.items():
             self.assert_all(lambda _, name, known=known: name in known, (
