@@ -75,13 +75,13 @@ AVIOContext *make_io(int descriptor, int64_t end) {
     constexpr int SIZE = 1 << 15;
     auto *buffer = static_cast<uint8_t *>(av_malloc(SIZE));
     if (!buffer) throw std::bad_alloc();
-    auto cursor = std::make_unique<Cursor>(Cursor{descriptor, 0, end});
-    AVIOContext *io = avio_alloc_context(buffer, SIZE, 0, cursor.get(), read_on, nullptr, seek);
+    auto *cursor = new Cursor{descriptor, 0, end};
+    AVIOContext *io = avio_alloc_context(buffer, SIZE, 0, cursor, read_on, nullptr, seek);
     if (!io) {
+        delete cursor;
         av_free(buffer);
         throw std::bad_alloc();
     }
-    static_cast<void>(cursor.release());
     return io;
 }
 
