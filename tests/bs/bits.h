@@ -1,7 +1,8 @@
-// Bits as strings of 0 and 1, the plain form that the reader and the writer are compared with.
+// Bits in plain forms: strings of 0 and 1, and the cache word of the models.
 #ifndef TAVU_TESTS_BITS_H
 #define TAVU_TESTS_BITS_H
 
+#include <bitset>
 #include <string>
 
 #include "memory.h"
@@ -10,28 +11,34 @@ inline Bytes pack(std::string bits) {
     bits.resize((bits.size() + 7) / 8 * 8, '0');
     Bytes bytes;
     for (size_t i = 0; i < bits.size(); i += 8) {
-        bytes.push_back(static_cast<uint8_t>(std::stoi(bits.substr(i, 8), nullptr, 2)));
+        bytes.push_back(static_cast<uint8_t>(std::bitset<8>(bits, i, 8).to_ulong()));
     }
     return bytes;
 }
 
-inline std::string unpack(const Bytes &bytes) {
-    std::string bits;
-    for (uint8_t b : bytes) {
-        for (int i = 7; i >= 0; i--) bits += static_cast<char>('0' + (b >> i & 1));
-    }
-    return bits;
-}
-
-inline uint32_t value_of(const std::string &bits, size_t at, size_t n) {
-    return n == 0 ? 0 : static_cast<uint32_t>(std::stoul(bits.substr(at, n), nullptr, 2));
-}
-
 inline std::string exp_golomb(uint32_t v) {
-    std::string info;
-    for (uint32_t x = v + 1; x > 0; x >>= 1)
-        info.insert(info.begin(), static_cast<char>('0' + (x & 1)));
-    return std::string(info.size() - 1, '0') + info;
+    const std::string bits = std::bitset<32>(v + 1).to_string();
+    const size_t first = bits.find('1');
+    return std::string(31 - first, '0') + bits.substr(first);
 }
+
+// A cache word, whose first bit is bit 31. A shift takes its count modulo 256, and 32 or more leave
+// nothing.
+struct CacheBits {
+    std::bitset<32> bits;
+
+    bool at(int i) const { return bits[static_cast<size_t>(31 - i)]; }
+    void set(int i) { bits.set(static_cast<size_t>(31 - i)); }
+    // The first `n`: the word shifted right by 32 - n.
+    uint32_t top(int n) const {
+        return static_cast<uint32_t>((bits >> ((32 - n) & 0xFF)).to_ulong());
+    }
+    void drop(int n) { bits <<= n & 0xFF; }
+    int run(bool value) const {
+        int n = 0;
+        while (n < 32 && at(n) == value) n++;
+        return n;
+    }
+};
 
 #endif

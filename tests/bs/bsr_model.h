@@ -7,27 +7,8 @@
 #include <array>
 #include <cstdint>
 
+#include "bits.h"
 #include "tavu.h"
-
-// The bits of a cache word, first one first. A shift takes its count modulo 256, and 32 or more
-// leave nothing.
-struct CacheBits {
-    bool bits[32] = {};
-
-    // The first `n`: the word shifted right by 32 - n.
-    uint32_t top(int n) const {
-        uint32_t value = 0;
-        for (int i = 0; i < 32 - ((32 - n) & 0xFF); i++) value = value << 1 | (bits[i] ? 1 : 0);
-        return value;
-    }
-    void drop(int n) {
-        n &= 0xFF;
-        for (int i = 0; i < 32; i++) bits[i] = i + n < 32 && bits[i + n];
-    }
-    int run(bool value) const {
-        return static_cast<int>(std::find(bits, bits + 32, !value) - bits);
-    }
-};
 
 // How many bytes each of four refills may load, in turn.
 using Loads = std::array<uint8_t, 4>;
@@ -40,11 +21,15 @@ struct ShortReader : tavu_bsr_t {
     static int32_t refill(tavu_bsr_t *bs, int32_t bytes) {
         auto *self = static_cast<ShortReader *>(bs);
         self->asked = bytes;
-        return -tavu_bsr_flush(bs, std::min<int32_t>(bytes, self->loads[self->refills++ % 4]));
+        const int32_t most = self->loads[self->refills++ % 4];
+        const int32_t status = tavu_bsr_flush(bs, std::min(bytes, most));
+        if (status != 0) self->ended = true;
+        return -status;
     }
     Loads loads;
     unsigned refills = 0;
     int32_t asked = 0;  // bytes, by the last refill
+    bool ended = false;
 };
 
 struct ReaderModel {
@@ -59,8 +44,9 @@ struct ReaderModel {
         asked = bytes;
         const int most = loads != nullptr ? (*loads)[refills++ % 4] : bytes;
         const int n = std::min({bytes, most, size - loaded});
-        for (int i = 0; i < 32; i++) {
-            cache.bits[i] = i / 8 < n && (data[loaded + i / 8] >> (7 - i % 8) & 1) != 0;
+        cache = {};
+        for (int i = 0; i < std::min(8 * n, 32); i++) {
+            if ((data[loaded + i / 8] >> (7 - i % 8) & 1) != 0) cache.set(i);
         }
         left = 8 * n;
         loaded += n;
@@ -93,8 +79,7 @@ struct ReaderModel {
         const int valid = left, free_bytes = (32 - left) >> 3;
         if (free_bytes <= 0) return;
         refill(free_bytes);
-        const uint32_t moved = cache.top(32 - valid);  // the word shifted right by `valid`
-        for (int i = 0; i < 32; i++) cache.bits[i] = old.bits[i] || (moved >> (31 - i) & 1) != 0;
+        cache.bits = old.bits | cache.bits >> (valid & 0xFF);
         left += valid;
     }
     uint32_t peek(int n) {
@@ -121,12 +106,7 @@ struct ReaderModel {
     }
     uint32_t read_te(int range) { return range < 1 ? 0 : range > 1 ? read_ue() : 1 - read1(); }
     // Of the valid bits and the one that follows them, is any a 0?
-    bool run_ends() const {
-        CacheBits inverted = cache;
-        for (bool &bit : inverted.bits) bit = !bit;
-        return left != 0 && inverted.top(left + 1) != 0;
-    }
-    uint32_t read_un() { return read_tu(INT32_MAX); }
+    bool run_ends() const { return left != 0 && CacheBits{~cache.bits}.top(left + 1) != 0; }
     uint32_t read_tu(int most) {
         int dropped = 0;
         if (most == 0) return 0;
@@ -142,23 +122,24 @@ struct ReaderModel {
     }
 };
 
-// The operations, by number; what a function returns by pointer counts as part of its result.
-constexpr int READER_OPERATIONS = 12;
+enum { READ1, PEEK, SKIP, SKIP_PEEK, UN, READ_ALIGN8, UE, SE, TU, TE, ALIGN8, READ };
+constexpr int READER_OPERATIONS = READ + 1;
 
+// What read_align8() returns by pointer counts as part of its result.
 inline uint32_t operate(tavu_bsr_t *r, int op, int n, int most) {
     int32_t result = 0, bits = 0;
     switch (op) {
-        case 0: result = tavu_bsr_read1(r); break;
-        case 1: return tavu_bsr_peek(r, n);
-        case 2: tavu_bsr_skip(r, n); break;
-        case 3: return tavu_bsr_skip_peek(r, most, n);
-        case 4: result = tavu_bsr_read_un(r); break;
-        case 5: result = tavu_bsr_read_align8(r, &bits); break;
-        case 6: result = tavu_bsr_read_ue(r); break;
-        case 7: result = tavu_bsr_read_se(r); break;
-        case 8: result = tavu_bsr_read_tu(r, 2 * n); break;
-        case 9: result = tavu_bsr_read_te(r, most % 3); break;
-        case 10: tavu_bsr_skip_align8(r); break;
+        case READ1: result = tavu_bsr_read1(r); break;
+        case PEEK: return tavu_bsr_peek(r, n);
+        case SKIP: tavu_bsr_skip(r, n); break;
+        case SKIP_PEEK: return tavu_bsr_skip_peek(r, most, n);
+        case UN: result = tavu_bsr_read_un(r); break;
+        case READ_ALIGN8: result = tavu_bsr_read_align8(r, n % 2 != 0 ? nullptr : &bits); break;
+        case UE: result = tavu_bsr_read_ue(r); break;
+        case SE: result = tavu_bsr_read_se(r); break;
+        case TU: result = tavu_bsr_read_tu(r, 2 * n); break;
+        case TE: result = tavu_bsr_read_te(r, most % 3); break;
+        case ALIGN8: tavu_bsr_skip_align8(r); break;
         default: result = tavu_bsr_read(r, n);
     }
     return static_cast<uint32_t>(result + 256 * bits);
@@ -167,17 +148,18 @@ inline uint32_t operate(tavu_bsr_t *r, int op, int n, int most) {
 inline uint32_t operate(ReaderModel *m, int op, int n, int most) {
     const int align = m->left & 7;
     switch (op) {
-        case 0: return m->read1();
-        case 1: return m->peek(n);
-        case 2: return m->skip(n), 0;
-        case 3: return m->skip(most) ? m->peek(n) : 0;
-        case 4: return m->read_un();
-        case 5: return m->take(align) + 256 * static_cast<uint32_t>(align);
-        case 6: return m->read_ue();
-        case 7: return m->read_se();
-        case 8: return m->read_tu(2 * n);
-        case 9: return m->read_te(most % 3);
-        case 10: return m->drop(align), 0;
+        case READ1: return m->read1();
+        case PEEK: return m->peek(n);
+        case SKIP: return m->skip(n), 0;
+        case SKIP_PEEK: return m->skip(most) ? m->peek(n) : 0;
+        case UN: return m->read_tu(INT32_MAX);
+        case READ_ALIGN8:
+            return m->take(align) + static_cast<uint32_t>(n % 2 != 0 ? 0 : 256 * align);
+        case UE: return m->read_ue();
+        case SE: return m->read_se();
+        case TU: return m->read_tu(2 * n);
+        case TE: return m->read_te(most % 3);
+        case ALIGN8: return m->drop(align), 0;
         default: return m->read(n);
     }
 }
@@ -186,7 +168,7 @@ inline uint32_t operate(ReaderModel *m, int op, int n, int most) {
 inline bool step(tavu_bsr_t *r, ReaderModel *m, int op, int n, int most) {
     const uint32_t got = operate(r, op, n, most), wanted = operate(m, op, n, most);
     return got == wanted && r->leftbits == m->left && r->code == m->cache.top(32) &&
-           r->cur - r->beg == m->loaded;
+           r->cur - r->beg == m->loaded && r->size == m->size;
 }
 
 #endif

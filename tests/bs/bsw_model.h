@@ -4,42 +4,46 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <vector>
 
-#include "bsr_model.h"
+#include "bits.h"
 #include "tavu.h"
 
-// A spill function like the default one whose result must not matter.
-inline int32_t failing_spill(tavu_bsw_t *bs) {
+// Writes the inverse of what the default spill writes. Only tavu_bsw_deinit() returns its result.
+constexpr int32_t SPILL_RESULT = -77;
+inline int32_t inverting_spill(tavu_bsw_t *bs) {
     for (int n = (39 - bs->leftbits) >> 3; n > 0; n--, bs->code <<= 8) {
-        *bs->cur++ = static_cast<uint8_t>(bs->code >> 24);
+        *bs->cur++ = static_cast<uint8_t>(~(bs->code >> 24));
     }
-    return -1;
+    return SPILL_RESULT;
 }
 
 struct WriterModel {
     int size;
+    bool inverts;  // the spill
     CacheBits cache{};
     int free_bits = 32;
     std::vector<uint8_t> written{};
 
     int remaining() const { return size - static_cast<int>(written.size()); }
     int pending() const { return (39 - free_bits) >> 3; }  // bytes that a spill writes
-    void spill() {
+    int spill() {
         for (int n = pending(); n > 0; n--, cache.drop(8)) {
-            written.push_back(static_cast<uint8_t>(cache.top(8)));
+            written.push_back(static_cast<uint8_t>(cache.top(8) ^ (inverts ? 0xFF : 0)));
         }
+        return inverts ? SPILL_RESULT : 0;
     }
     void spill_all() {
         spill();
         cache = {};
         free_bits = 32;
     }
-    // Ors the low `length` bits of `value` into the cache, the first one at bit `at`.
+    // Ors the low `length` bits of `value` into the cache, the first one at position `at`.
     void insert(uint32_t value, int length, int at) {
-        for (int i = 0; i < length; i++) {
-            const bool bit = (value >> (length - 1 - i) & 1) != 0;
-            if (at + i >= 0 && at + i < 32 && bit) cache.bits[at + i] = true;
+        for (int i = at; i < at + length; i++) {
+            const bool bit = (value >> (at + length - 1 - i) & 1) != 0;
+            if (i >= 0 && i < 32 && bit) cache.set(i);
         }
     }
     int write(uint32_t value, int length) {
@@ -47,16 +51,13 @@ struct WriterModel {
         insert(value, length, used);
         const bool full = free_bits <= length;
         if (full && remaining() < 5) return -1;
+        const int left = free_bits - length + (full ? 32 : 0);
         if (full) {
-            const int kept = free_bits + 32 - length;
             free_bits = 0;
-            spill();
-            cache = {};
+            spill_all();
             insert(value, length, used - 32);
-            free_bits = kept;
-        } else {
-            free_bits -= length;
         }
+        free_bits = left;
         return 0;
     }
     int write1(int bit) {
@@ -73,8 +74,74 @@ struct WriterModel {
         return 0;
     }
     bool equals(const tavu_bsw_t &w) const {
-        return w.code == cache.top(32) && w.leftbits == free_bits &&
+        return w.code == cache.top(32) && w.leftbits == free_bits && w.size == size &&
                w.cur - w.beg == static_cast<ptrdiff_t>(written.size());
+    }
+};
+
+// What a call writes, by both; what codes the reader reads. TE takes the least range.
+struct Code {
+    enum { FIXED, SINGLE, UE, SE, TE, SINGLES, SINK, DEINIT, KINDS };
+    int kind;
+    uint32_t value;
+    int32_t length;
+
+    Code(int k, uint32_t v, int fixed_length) : kind(k), value(v), length(fixed_length) {
+        if (kind == SINGLE) length = 1;
+        if (kind == SINGLES) length = static_cast<int32_t>(value >> 1 & 0xFF);
+        if (kind == FIXED && length < 32) value &= (1U << length) - 1;
+        if (kind == SINGLE || kind == SINGLES) value &= 1;
+        if (kind == UE || kind == TE) value = (value & 0xFFFF) % 65535 >> (value >> 16) % 16;
+        if (kind == SE) value = static_cast<uint32_t>(static_cast<int32_t>(value % 65535) - 32767);
+    }
+    int32_t number() const { return static_cast<int32_t>(value); }
+    int32_t range() const { return std::max(number(), 1); }
+    // 0, 1, -1, 2, -2 as 0, 1, 2, 3, 4.
+    uint32_t index() const {
+        const auto magnitude = static_cast<uint32_t>(std::abs(number()));
+        return kind == SE ? 2 * magnitude - (number() > 0 ? 1 : 0) : value;
+    }
+    int32_t write(tavu_bsw_t *w) const {
+        int32_t result = 0;
+        switch (kind) {
+            case FIXED: return tavu_bsw_write(w, value, length);
+            case UE: return tavu_bsw_write_ue(w, value);
+            case SE: return tavu_bsw_write_se(w, number());
+            case TE: return tavu_bsw_write_te(w, number(), range());
+            case SINK: return tavu_bsw_sink(w);
+            case DEINIT: return tavu_bsw_deinit(w);
+            default:
+                for (int i = 0; i < length; i++) result |= tavu_bsw_write1(w, number());
+                return result;
+        }
+    }
+    int32_t write(WriterModel *m) const {
+        int32_t result = 0;
+        switch (kind) {
+            case FIXED: return m->write(value, length);
+            case SINK: return m->sink();
+            case DEINIT: return m->spill();
+            case UE:
+            case SE:
+            case TE:
+                if (kind == TE && value < 2) return m->write1(1 - number());
+                return m->write(index() + 1, static_cast<int>(exp_golomb(index()).size()));
+            default:
+                for (int i = 0; i < length; i++) result |= m->write1(number());
+                return result;
+        }
+    }
+    bool read(tavu_bsr_t *r) const {
+        bool same = true;
+        switch (kind) {
+            case FIXED: return tavu_bsr_read(r, length) == number();
+            case UE: return tavu_bsr_read_ue(r) == number();
+            case SE: return tavu_bsr_read_se(r) == number();
+            case TE: return tavu_bsr_read_te(r, range()) == number();
+            default:
+                for (int i = 0; i < length; i++) same &= tavu_bsr_read1(r) == number();
+                return same;
+        }
     }
 };
 

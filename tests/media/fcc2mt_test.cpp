@@ -14,6 +14,15 @@ uint32_t fcc(const std::string &s) {
     return code;
 }
 
+// A mapper of its own family knows the code, the others do not.
+void expect(uint32_t code, int32_t mt) {
+    EXPECT_EQ(tavu_fcc2mt(code), mt) << code;
+    EXPECT_EQ(tavu_fcc2mt_vid(code), mt >= 102 && mt < 300 ? mt : 299) << code;
+    EXPECT_EQ(tavu_fcc2mt_aud(code), mt >= 300 && mt < 500 ? mt : 499) << code;
+    EXPECT_EQ(tavu_fcc2mt_sub(code), mt >= 3000 ? mt : 3199) << code;
+    EXPECT_EQ(tavu_fcc2mt_drm(code), 1299) << code;
+}
+
 TEST(Fcc2mt, FamiliesKnowTheirOwnCodesOnly) {
     EXPECT_EQ(fcc("avc1"), 0x31637661U);
     const std::pair<int32_t, std::string> families[] = {
@@ -45,15 +54,7 @@ TEST(Fcc2mt, FamiliesKnowTheirOwnCodesOnly) {
         {3007, "SASS"},
         {3008, "SSSA"}};
     for (const auto &[mt, codes] : families) {
-        const bool audio = mt >= 300 && mt < 500, subtitle = mt >= 3000;
-        for (size_t i = 0; i < codes.size(); i += 4) {
-            const uint32_t code = fcc(codes.substr(i, 4));
-            EXPECT_EQ(tavu_fcc2mt(code), mt) << codes.substr(i, 4);
-            EXPECT_EQ(tavu_fcc2mt_aud(code), audio ? mt : 499);
-            EXPECT_EQ(tavu_fcc2mt_vid(code), audio || subtitle ? 299 : mt);
-            EXPECT_EQ(tavu_fcc2mt_sub(code), subtitle ? mt : 3199);
-            EXPECT_EQ(tavu_fcc2mt_drm(code), 1299);
-        }
+        for (size_t i = 0; i < codes.size(); i += 4) expect(fcc(codes.substr(i, 4)), mt);
     }
 }
 
@@ -61,10 +62,7 @@ TEST(Fcc2mt, WaveFormatTagsAreAudio) {
     const int32_t tags[][2] = {{1, 300},    {6, 301},    {7, 302},   {80, 304},  {85, 305},
                                {255, 306},  {352, 312},  {353, 312}, {354, 313}, {355, 314},
                                {8192, 307}, {8193, 308}, {2, 0},     {0, 0}};
-    for (const auto &t : tags) {
-        EXPECT_EQ(tavu_fcc2mt(static_cast<uint32_t>(t[0])), t[1]) << t[0];
-        EXPECT_EQ(tavu_fcc2mt_aud(static_cast<uint32_t>(t[0])), t[1] != 0 ? t[1] : 499) << t[0];
-    }
+    for (const auto &[tag, mt] : tags) expect(static_cast<uint32_t>(tag), mt);
 }
 
 TEST(Fcc2mt, DrmIsSeenByItsOwnMapperAloneAndOtherSpellingsByNone) {
@@ -73,9 +71,7 @@ TEST(Fcc2mt, DrmIsSeenByItsOwnMapperAloneAndOtherSpellingsByNone) {
         EXPECT_EQ(tavu_fcc2mt(fcc(text)), TAVU_MT_VID_MPEG4);
     }
     for (const char *text : {"Avc1", "aVC1", "rv10", "vp80", "hfyu", "ssrt", "Divx", "1cva"}) {
-        EXPECT_EQ(tavu_fcc2mt(fcc(text)), TAVU_MT_NONE) << text;
-        EXPECT_EQ(tavu_fcc2mt_vid(fcc(text)), TAVU_MT_VID_UNKNOWN);
-        EXPECT_EQ(tavu_fcc2mt_drm(fcc(text)), TAVU_MT_DRM_UNKNOWN);
+        expect(fcc(text), TAVU_MT_NONE);
     }
 }
 

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 
 #include "memory.h"
@@ -13,32 +14,27 @@ std::string hex(const uint8_t *digest) {
     return text;
 }
 
-// Feeds `data` in pieces of `piece` bytes.
-void digest_of(const char *data, size_t size, size_t piece, uint8_t *digest) {
+using Digest = std::array<uint8_t, 16>;
+
+// Feeds `text` in pieces of `piece` bytes.
+Digest digest_of(const std::string &text, size_t piece) {
     tavu_md5_t context;
     tavu_md5_init(&context);
-    for (size_t at = 0; at < size; at += piece) {
-        tavu_md5_update(&context, data + at, static_cast<uint32_t>(std::min(piece, size - at)));
+    for (size_t at = 0; at < text.size(); at += piece) {
+        const size_t size = std::min(piece, text.size() - at);
+        tavu_md5_update(&context, text.data() + at, static_cast<uint32_t>(size));
     }
-    tavu_md5_finish(&context, digest);
+    Digest digest;
+    tavu_md5_finish(&context, digest.data());
+    return digest;
 }
 
-std::string md5(const std::string &text, size_t piece = 1000) {
-    uint8_t digest[16];
-    digest_of(text.data(), text.size(), piece, digest);
-    return hex(digest);
-}
+std::string md5(const std::string &text) { return hex(digest_of(text, 1000).data()); }
 
 // RFC 1321, A.5.
 TEST(Md5, KnownDigests) {
     EXPECT_EQ(md5(""), "d41d8cd98f00b204e9800998ecf8427e");
-    EXPECT_EQ(md5("a"), "0cc175b9c0f1b6a831c399e269772661");
     EXPECT_EQ(md5("abc"), "900150983cd24fb0d6963f7d28e17f72");
-    EXPECT_EQ(md5("abc", 1), "900150983cd24fb0d6963f7d28e17f72");
-    EXPECT_EQ(md5("message digest"), "f96b697d7cb7938d525a2f31aaf161d0");
-    EXPECT_EQ(
-        md5("12345678901234567890123456789012345678901234567890123456789012345678901234567890"),
-        "57edf4a22be3c955ac49da2e2107b67a");
     EXPECT_EQ(md5(std::string(1000000, 'a')), "7707d6ae4e027c70eea2a935c2296f21");
 }
 
@@ -47,16 +43,12 @@ TEST(Md5, EveryLengthUpTo300InPiecesOfAnySizeAndAlignment) {
     std::string pattern;
     for (int i = 0; i < 300; i++) pattern += static_cast<char>((i * 7 + 3) % 256);
     for (size_t piece : {1U, 3U, 63U, 64U, 65U, 300U}) {
-        tavu_md5_t all;
-        tavu_md5_init(&all);
+        std::string all;
         for (size_t n = 0; n <= 300; n++) {
-            uint8_t digest[16];
-            digest_of(pattern.data(), n, piece, digest);
-            tavu_md5_update(&all, digest, 16);
+            const Digest digest = digest_of(pattern.substr(0, n), piece);
+            all.append(digest.begin(), digest.end());
         }
-        uint8_t digest[16];
-        tavu_md5_finish(&all, digest);
-        EXPECT_EQ(hex(digest), "bbc8219ce2f09cb1b1235ce3b7ef018c") << piece;
+        EXPECT_EQ(md5(all), "bbc8219ce2f09cb1b1235ce3b7ef018c") << piece;
     }
 }
 
@@ -101,6 +93,10 @@ TEST(Md5, OneCallMayAddMoreBitsThanAWordCounts) {
 }
 #endif
 
+struct Region {
+    int first, rows, bytes;
+};
+
 // An image buffer whose whole payload is filled, padding too.
 struct Picture {
     Picture(int w, int h, int cs, const uint32_t *pad = nullptr)
@@ -116,45 +112,42 @@ struct Picture {
         EXPECT_EQ(tavu_md5_imgb(image, out), TAVU_OK);
         return hex(out);
     }
-    // The bytes that should be hashed: `rows` rows from `first` on, `bytes` each.
-    std::string region(int plane, int first, int rows, int bytes) const {
+    // What should be hashed of the planes, both of chroma alike.
+    std::string bytes(const Region &luma, const Region &chroma) const {
         std::string text;
-        for (int r = first; r < first + rows; r++) {
-            const auto *row = image->addr[plane] + r * image->stride[plane];
-            text.append(row, row + bytes);
+        for (int plane = 0; plane < 3; plane++) {
+            const Region &region = plane == 0 ? luma : chroma;
+            for (int r = region.first; r < region.first + region.rows; r++) {
+                const auto *row = image->addr[plane] + r * image->stride[plane];
+                text.append(row, row + region.bytes);
+            }
         }
         return text;
     }
     tavu_imgb_t *image;
 };
 
-TEST(Md5Imgb, HashesTheVisiblePictureAlone) {
-    const uint32_t pad[] = {5 << 16 | 2, 1 << 16, 3};
-    const Picture p(3, 3, 11, pad);
-    EXPECT_EQ(p.digest(), md5(p.region(0, 0, 3, 3) + p.region(1, 0, 2, 2) + p.region(2, 0, 2, 2)));
-}
-
-TEST(Md5Imgb, TakesChromaAsHalvedInEveryLayout) {
-    const Picture grey(5, 4, 10), full(5, 4, 43);
-    EXPECT_EQ(grey.digest(), md5(grey.region(0, 0, 4, 5)));
-    EXPECT_EQ(full.digest(),
-              md5(full.region(0, 0, 4, 5) + full.region(1, 0, 2, 3) + full.region(2, 0, 2, 3)));
-}
-
-TEST(Md5Imgb, RegionOfInterestStartsLowerAndShortensRows) {
-    const Picture p(9, 8, 11);
-    p.image->x = 3;
-    p.image->y = 5;
-    EXPECT_EQ(p.digest(), md5(p.region(0, 5, 3, 6) + p.region(1, 2, 2, 3) + p.region(2, 2, 2, 3)));
-}
-
-TEST(Md5Imgb, NegativeOriginsReachIntoThePadding) {
-    const uint32_t pad[] = {4 << 16 | 4, 4 << 16 | 4, 4 << 16 | 4};
-    const Picture p(5, 7, 11, pad);
-    p.image->x = -3;
-    p.image->y = -3;  // half of it, rounded down, is -2
-    EXPECT_EQ(p.digest(),
-              md5(p.region(0, -3, 10, 8) + p.region(1, -2, 6, 4) + p.region(2, -2, 6, 4)));
+TEST(Md5Imgb, HashesTheVisibleRowsAlone) {
+    constexpr uint32_t PAD = 5 << 16 | 4;
+    const struct {
+        const char *what;
+        int w, h, cs, x, y;
+        uint32_t pad;
+        Region luma, chroma;
+    } cases[] = {
+        {"padding is left out", 3, 3, 11, 0, 0, PAD, {0, 3, 3}, {0, 2, 2}},
+        {"no chroma", 5, 4, 10, 0, 0, 0, {0, 4, 5}, {0, 0, 0}},
+        {"chroma counts as halved in every layout", 5, 4, 43, 0, 0, 0, {0, 4, 5}, {0, 2, 3}},
+        {"an origin lowers the start and shortens rows", 9, 8, 11, 3, 5, 0, {5, 3, 6}, {2, 2, 3}},
+        {"half of -3 is -2", 5, 7, 11, -3, -3, PAD, {-3, 10, 8}, {-2, 6, 4}},
+    };
+    for (const auto &c : cases) {
+        const uint32_t pad[] = {c.pad, c.pad, c.pad, c.pad};
+        const Picture p(c.w, c.h, c.cs, pad);
+        p.image->x = c.x;
+        p.image->y = c.y;
+        EXPECT_EQ(p.digest(), md5(p.bytes(c.luma, c.chroma))) << c.what;
+    }
 }
 
 // The largest height has no successor in 32 bits. All rows are the same one.
@@ -163,8 +156,7 @@ TEST(Md5Imgb, LargestHeight) {
     for (int32_t &stride : p.image->stride) stride = 0;
     p.image->h = INT32_MAX;
     p.image->y = INT32_MAX - 2;
-    EXPECT_EQ(p.digest(), md5(p.region(0, 0, 2, 5) + p.region(1, 0, 1, 3) + p.region(1, 0, 1, 3) +
-                              p.region(2, 0, 1, 3) + p.region(2, 0, 1, 3)));
+    EXPECT_EQ(p.digest(), md5(p.bytes({0, 2, 5}, {0, 2, 3})));
 }
 
 TEST(Md5Imgb, RefusesPackedPictures) {
