@@ -111,7 +111,8 @@ struct Code {
             case SINK: return tavu_bsw_sink(w);
             case DEINIT: return tavu_bsw_deinit(w);
             default:
-                for (int i = 0; i < length; i++) result |= tavu_bsw_write1(w, number());
+                // Bit 0 alone counts.
+                for (int i = 0; i < length; i++) result |= tavu_bsw_write1(w, number() + 2);
                 return result;
         }
     }

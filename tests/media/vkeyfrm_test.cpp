@@ -58,7 +58,7 @@ TEST(Vkeyfrm, Mpeg4LooksForAVopOrAShortHeader) {
                                {{0, 0, 0x80, 1, 0x08}, 0},
                                {{0, 0, 0x84, 2, 0x08}, 0},
                                // A short header of extended type is passed over.
-                               {{0, 0, 0x80, 2, 0x1C, 0, 0, 1, 0xB6, 0x10}, 1}});
+                               {{0, 0, 0x80, 2, 0x1E, 0, 0, 1, 0xB6, 0x10}, 1}});
 }
 
 TEST(Vkeyfrm, H263ReadsThePictureType) {
@@ -91,7 +91,7 @@ TEST(Vkeyfrm, PictureTypeInTheFirstByte) {
 
 TEST(Vkeyfrm, CodecsAndSizesThatAreAlwaysOrNeverKeys) {
     EXPECT_EQ(tavu_is_vkeyfrm(TAVU_MT_VID_HFYU, nullptr, 0), 1);
-    const Bytes idr{0, 0, 1, 0x65, 0, 0, 1, 0xB6, 0};
+    const Bytes idr{0, 0, 1, 0x26, 0, 0, 1, 0xB6, 0};
     for (int32_t codec : {107, 113, 114, 115, 116, 117, 118, 119, 299, 0, -1, 306}) {
         EXPECT_EQ(is_key(codec, idr), 0) << codec;
     }
