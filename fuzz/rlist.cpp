@@ -45,6 +45,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const auto slot_size = static_cast<uint32_t>(in.range(0, 40));
     const int32_t capacity = in.range(-1, 8);
     tavu_rlist_t *pool = tavu_rlist_create(slot_size, capacity);
+    require(pool->first != nullptr);  // whatever the capacity
     Queue free, used;
     while (!in.empty()) {
         const uint8_t op = in.byte();

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <string>
+#include <tuple>
 
 #include "buf/geometry_model.h"
 #include "memory.h"
@@ -31,62 +31,42 @@ void *refuse(int32_t size, uint32_t *) {
 }
 void unused(void *, uint32_t) {}
 
-int32_t create_status(const PictureRequest &r) {
-    int32_t status = 1;
-    requested = -1;
-    EXPECT_EQ(tavu_imgb_create(r.w, r.h, r.cs, 3, r.align, r.pad, refuse, unused, &status),
-              nullptr);
-    return status;
-}
-
-void expect_exact(const PictureRequest &r) {
+// Creation, and another picture in the payload of `image`.
+void expect_exact(tavu_imgb_t *image, const PictureRequest &r) {
     const PictureSize size = picture_size(r);
     const bool fits = size.status == TAVU_OK;
-    ASSERT_EQ(create_status(r), fits ? TAVU_ERR_BUFFER_ALLOC : size.status) << r.w << 'x' << r.h;
-    ASSERT_EQ(requested, fits ? size.bytes : -1) << r.w << 'x' << r.h << ' ' << r.cs;
+    int32_t status = 1;
+    requested = -1;
+    tavu_imgb_create(r.w, r.h, r.cs, 3, r.align, r.pad, refuse, unused, &status);
+    EXPECT_EQ(status, fits ? TAVU_ERR_BUFFER_ALLOC : size.status) << r.w << 'x' << r.h;
+    EXPECT_EQ(requested, fits ? size.bytes : -1) << r.w << 'x' << r.h << ' ' << r.cs;
+    EXPECT_EQ(tavu_imgb_rebirth(image, r.w, r.h, r.cs, 3, r.align, r.pad),
+              size.bytes <= image->size ? size.status : TAVU_ERR_OUT_OF_MEMORY)
+        << r.w << 'x' << r.h << ' ' << r.cs;
 }
 
 TEST(Sizes, PicturesAskForExactlyTheirPlanesOrAreRefused) {
+    tavu_imgb_t *image =
+        tavu_imgb_create(64, 64, 500, 0, nullptr, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(image->base[0]) % 32, 0U);
     const uint32_t entries[] = {0x10001,    0x20001,    0x80008000, 0x7FFF0001,
                                 0xFFFFFFFF, 0x00010000, 0x80000001, 0x18000};
     for (const int32_t cs : {-1, 0,  9,  10,  11,  12,  13,  14,  17,  18,  19, 42,
                              43, 44, 99, 100, 299, 300, 400, 500, 599, 600, BIG}) {
-        for (const int32_t w : limits()) {
-            for (const int32_t h : limits()) {
-                expect_exact({w, h, cs, nullptr, nullptr});
-                if (HasFatalFailure()) return;
-            }
-        }
         for (const int32_t n : limits()) {
+            for (const int32_t h : limits()) expect_exact(image, {n, h, cs, nullptr, nullptr});
             for (const uint32_t align : entries) {
                 for (const uint32_t pad : entries) {
                     // The later planes differ from the first.
                     const uint32_t aligns[] = {align, 0x10001, align, 0x80001};
                     const uint32_t pads[] = {pad, pad, 0, 0xFFFF0000};
                     for (const int32_t m : {0, 1, 3, 0x8001, BIG}) {
-                        expect_exact({n, m, cs, aligns, pads});
-                        expect_exact({m, n, cs, nullptr, pads});
+                        expect_exact(image, {n, m, cs, aligns, pads});
+                        expect_exact(image, {m, n, cs, nullptr, pads});
                     }
-                    if (HasFatalFailure()) return;
                 }
             }
-        }
-    }
-}
-
-TEST(Sizes, RebirthTakesWhatFitsAndNothingElse) {
-    tavu_imgb_t *image =
-        tavu_imgb_create(64, 64, 500, 0, nullptr, nullptr, nullptr, nullptr, nullptr);
-    EXPECT_EQ(reinterpret_cast<uintptr_t>(image->base[0]) % 32, 0U);
-    for (const int32_t cs : {10, 11, 18, 43, 200, 400}) {
-        for (const int32_t w : limits()) {
-            for (const int32_t h : limits()) {
-                const PictureSize size = picture_size({w, h, cs, nullptr, nullptr});
-                const bool fits = size.bytes <= 64 * 64 * 4;
-                ASSERT_EQ(tavu_imgb_rebirth(image, w, h, cs, 3, nullptr, nullptr),
-                          fits ? size.status : TAVU_ERR_OUT_OF_MEMORY)
-                    << w << 'x' << h;
-            }
+            if (HasFailure()) return;
         }
     }
     image->release(image);
@@ -109,29 +89,26 @@ TEST(Sizes, TheLongestEmptyPicturesHaveBordersAndDigests) {
 }
 
 TEST(Sizes, AudioBlocksAskForExactlyTheirSamplesOrAreRefused) {
+    const auto expect_blocks = [](int32_t samples, int32_t channels, int32_t bits, int32_t format) {
+        const int64_t each = samples * ((int64_t{bits} + 7) / 8);
+        const double bytes = static_cast<double>(each) * (format == 1 ? channels : 1);
+        const bool fits = std::min({samples, channels, bits}) >= 0 &&
+                          (format == 1 || channels <= 8) && each <= BIG && bytes <= BIG;
+        const bool asks = fits && (format == 1 || channels > 0);
+        int32_t status = 1;
+        requested = -1;
+        tavu_audb_t *audio =
+            tavu_audb_create(samples, channels, bits, 0, format, 0, refuse, unused, &status);
+        ASSERT_EQ(static_cast<double>(requested), asks ? bytes : -1) << samples << ' ' << channels;
+        ASSERT_EQ(status, asks   ? TAVU_ERR_BUFFER_ALLOC
+                          : fits ? TAVU_OK
+                                 : TAVU_ERR_INVALID_ARGUMENT);
+        if (audio != nullptr) audio->release(audio);
+    };
     for (const int32_t samples : limits()) {
         for (const int32_t channels : {0, 1, 2, 3, 8, 9, 0x8000, 0x10000, BIG, -1}) {
             for (const int32_t bits : {0, 1, 8, 9, 17, 64, BIG, -1}) {
-                for (const int32_t format : {0, 1}) {
-                    const int64_t sample = (int64_t{bits} + 7) / 8;
-                    int64_t bytes;
-                    bool fits = samples >= 0 && channels >= 0 && bits >= 0;
-                    fits = fits && (format == 1 || channels <= 8);
-                    fits = fits && samples * sample <= BIG &&
-                           !__builtin_mul_overflow(samples * sample, format == 1 ? channels : 1,
-                                                   &bytes) &&
-                           bytes <= BIG;
-                    int32_t status = 1;
-                    requested = -1;
-                    tavu_audb_t *audio = tavu_audb_create(samples, channels, bits, 0, format, 0,
-                                                          refuse, unused, &status);
-                    const bool asks = fits && (format == 1 || channels > 0);
-                    ASSERT_EQ(requested, asks ? bytes : -1) << samples << ' ' << channels;
-                    ASSERT_EQ(status, asks   ? TAVU_ERR_BUFFER_ALLOC
-                                      : fits ? TAVU_OK
-                                             : TAVU_ERR_INVALID_ARGUMENT);
-                    if (audio != nullptr) audio->release(audio);
-                }
+                for (const int32_t format : {0, 1}) expect_blocks(samples, channels, bits, format);
             }
         }
     }
@@ -221,29 +198,23 @@ TEST(Sizes, ResizersHoldExactLengthsOrAreRefused) {
     }
 }
 
+int32_t irsz_status(const IrszFormat &f, int32_t band_h, int64_t src_stride, int64_t dst_stride) {
+    const int32_t mode = band_h > 0 ? TAVU_IRSZ_MODE_LINE : TAVU_IRSZ_MODE_FULL;
+    const auto src_s = static_cast<int32_t>(src_stride), dst_s = static_cast<int32_t>(dst_stride);
+    const tavu_irsz_param p = {f.fmt, mode, 4, 4, src_s, band_h, 4, 4, dst_s, nullptr};
+    int32_t err = 1;
+    tavu_irsz_delete(tavu_irsz_create(&p, &err));
+    return err;
+}
+
 // The first strides that do not fit: 16 source lines, one target line, in bands band_h + 16 lines.
 TEST(Sizes, ResizersTakeEveryStrideThatFits) {
     const auto expect_last = [](const IrszFormat &f, int32_t band_h, int64_t src_s, int64_t dst_s) {
-        const auto status = [&](int64_t src, int64_t dst) {
-            const int32_t mode = band_h > 0 ? TAVU_IRSZ_MODE_LINE : TAVU_IRSZ_MODE_FULL;
-            const tavu_irsz_param p = {f.fmt,
-                                       mode,
-                                       4,
-                                       4,
-                                       static_cast<int32_t>(src),
-                                       band_h,
-                                       4,
-                                       4,
-                                       static_cast<int32_t>(dst),
-                                       nullptr};
-            int32_t err = 1;
-            tavu_irsz_delete(tavu_irsz_create(&p, &err));
-            return err;
-        };
-        const int64_t away_src = src_s < 0 ? -1 : 1, away_dst = dst_s < 0 ? -1 : 1;
-        EXPECT_EQ(status(src_s, dst_s), TAVU_OK) << f.fmt << ' ' << band_h << ' ' << src_s;
-        EXPECT_EQ(status(src_s + away_src, 4), TAVU_ERR) << f.fmt << ' ' << band_h << ' ' << src_s;
-        EXPECT_EQ(status(4, dst_s + away_dst), f.dst_unit > 1 ? TAVU_ERR : TAVU_OK) << f.fmt;
+        const int64_t away = src_s < 0 ? -1 : 1;
+        SCOPED_TRACE(testing::Message() << f.fmt << ' ' << band_h << ' ' << src_s);
+        EXPECT_EQ(irsz_status(f, band_h, src_s, dst_s), TAVU_OK);
+        EXPECT_EQ(irsz_status(f, band_h, src_s + away, 4), TAVU_ERR);
+        EXPECT_EQ(irsz_status(f, band_h, 4, dst_s + away), f.dst_unit > 1 ? TAVU_ERR : TAVU_OK);
     };
     constexpr int64_t SMALL = INT32_MIN;
     for (const IrszFormat &f : IRSZ_FORMATS) {
@@ -286,8 +257,7 @@ std::vector<Creator> creators() {
     constexpr int32_t RECORD = TAVU_ERR_OUT_OF_MEMORY;
     static const uint8_t bytes[4] = {1, 2, 3, 4};
     static tavu_vdata_t source = {7, 4, const_cast<uint8_t *>(bytes)};
-    static const auto vdata = [](int32_t status, int32_t *out, tavu_vdata_t *vd) {
-        EXPECT_EQ(status == TAVU_OK, vd->data != nullptr);
+    static const auto drop_vdata = [](int32_t status, tavu_vdata_t *vd, int32_t *out) {
         tavu_vdata_free(vd);
         return (*out = status) == TAVU_OK;
     };
@@ -310,12 +280,12 @@ std::vector<Creator> creators() {
         {"vdata_set", 1, RECORD, RECORD,
          [](int32_t *s) {
              tavu_vdata_t vd{};
-             return vdata(tavu_vdata_set(&vd, bytes, 4, 7), s, &vd);
+             return drop_vdata(tavu_vdata_set(&vd, bytes, 4, 7), &vd, s);
          }},
         {"vdata_cpy", 1, RECORD, RECORD,
          [](int32_t *s) {
              tavu_vdata_t vd{};
-             return vdata(tavu_vdata_cpy(&vd, &source), s, &vd);
+             return drop_vdata(tavu_vdata_cpy(&vd, &source), &vd, s);
          }},
         {"list", 3, 0, 0,
          [](int32_t *) { return drop(tavu_list_create(4, nullptr), tavu_list_delete); }},
@@ -352,29 +322,25 @@ TEST(FailedAllocation, LeavesAGrowingListAsItWas) {
     tavu_list_t *list = tavu_list_create(4, nullptr);
     tavu_list_add(list, &one);
     tavu_list_move_first(list);
-    const std::function<void *()> grow[] = {[&] { return tavu_list_add(list, &two); },
-                                            [&] { return tavu_list_add_first(list, &two); },
-                                            [&] { return tavu_list_insert_at(list, &two, -1); },
-                                            [&] {
-                                                const int32_t n = tavu_list_get_cnt(list);
-                                                return tavu_list_insert_at(list, &two, n);
-                                            }};
-    for (const auto &add : grow) {
-        const int32_t count = tavu_list_get_cnt(list);
-        void *first = tavu_list_get_first(list), *last = tavu_list_get_last(list);
+    const auto state = [&] {
+        return std::tuple(tavu_list_get_cnt(list), tavu_list_get_first(list),
+                          tavu_list_get_last(list), tavu_list_get_cur(list));
+    };
+    const auto insert = [&](int32_t way) {
+        if (way == 0) return tavu_list_add(list, &two);
+        if (way == 1) return tavu_list_add_first(list, &two);
+        return tavu_list_insert_at(list, &two, way == 2 ? -1 : tavu_list_get_cnt(list));
+    };
+    for (const int32_t way : {0, 1, 2, 3}) {
+        const auto before = state();
         {
             FailingAllocations failing(0);
-            EXPECT_EQ(add(), nullptr);
+            EXPECT_EQ(insert(way), nullptr);
             EXPECT_EQ(failing.kept(), 0);
         }
-        EXPECT_EQ(tavu_list_get_cnt(list), count);
-        EXPECT_EQ(tavu_list_get_first(list), first);
-        EXPECT_EQ(tavu_list_get_last(list), last);
-        EXPECT_EQ(memcmp(tavu_list_get_cur(list), &one, 4), 0);
-        void *added = add();
-        ASSERT_NE(added, nullptr);
-        EXPECT_EQ(memcmp(added, &two, 4), 0);
-        EXPECT_EQ(tavu_list_get_cnt(list), count + 1);
+        EXPECT_EQ(state(), before);
+        ASSERT_NE(insert(way), nullptr);
+        EXPECT_EQ(tavu_list_get_cnt(list), std::get<0>(before) + 1);
     }
     tavu_list_delete(list);
 }

@@ -1,7 +1,8 @@
-// What a picture needs, in arithmetic that cannot wrap: for the tests and the fuzz target.
+// What a picture needs, in arithmetic that cannot wrap and is exact below 2^53: for the tests and the fuzz target.
 #ifndef TAVU_TESTS_BUF_GEOMETRY_MODEL_H
 #define TAVU_TESTS_BUF_GEOMETRY_MODEL_H
 
+#include <algorithm>
 #include <cstdint>
 
 #include "tavu.h"
@@ -36,36 +37,30 @@ inline LayoutModel layout_model(int32_t cs) {
 
 inline bool is_power(uint32_t n) { return __builtin_popcount(n) == 1; }
 
-inline int64_t round_up(int64_t n, int64_t unit) { return (n + unit - 1) / unit * unit; }
+inline int64_t divide_up(int64_t n, int64_t by) { return (n + by - 1) / by; }
 
 // The status that creation gives before it allocates, and the bytes that it asks for.
 inline PictureSize picture_size(const PictureRequest &r) {
     const LayoutModel layout = layout_model(r.cs);
     if (layout.planes == 0) return {TAVU_ERR_UNSUPPORTED_CS, 0};
     if (r.w < 0 || r.h < 0) return {TAVU_ERR_INVALID_ARGUMENT, 0};
-    int64_t total = 0;
+    double total = 0;
     for (int p = 0; p < layout.planes; p++) {
         const uint32_t align = r.align != nullptr ? r.align[p] : 0x10001;
         const uint32_t pad = r.pad != nullptr ? r.pad[p] : 0;
         if (!is_power(align >> 16) || !is_power(align & 0xFFFF)) {
             return {TAVU_ERR_INVALID_ARGUMENT, 0};
         }
-        const int64_t w =
-            round_up(round_up(r.w, p > 0 ? layout.divide_w : 1) / (p > 0 ? layout.divide_w : 1),
-                     align >> 16);
-        const int64_t h =
-            round_up(round_up(r.h, p > 0 ? layout.divide_h : 1) / (p > 0 ? layout.divide_h : 1),
-                     align & 0xFFFF);
-        const int64_t stride = (w + 2 * int64_t{pad >> 16}) * layout.bytes;
-        const int64_t rows = h + 2 * int64_t{pad & 0xFFFF};
-        int64_t plane;
-        if (stride > INT32_MAX || rows > INT32_MAX ||
-            __builtin_mul_overflow(stride, rows, &plane) ||
-            __builtin_add_overflow(total, plane, &total) || total > INT32_MAX) {
-            return {TAVU_ERR_INVALID_ARGUMENT, 0};
-        }
+        const int64_t w = divide_up(r.w, p > 0 ? layout.divide_w : 1), unit_w = align >> 16;
+        const int64_t h = divide_up(r.h, p > 0 ? layout.divide_h : 1), unit_h = align & 0xFFFF;
+        const auto columns = static_cast<double>(divide_up(w, unit_w) * unit_w);
+        const auto lines = static_cast<double>(divide_up(h, unit_h) * unit_h);
+        const double stride = (columns + 2.0 * (pad >> 16)) * layout.bytes;
+        const double rows = lines + 2.0 * (pad & 0xFFFF);
+        total += stride * rows;
+        if (std::max({stride, rows, total}) > INT32_MAX) return {TAVU_ERR_INVALID_ARGUMENT, 0};
     }
-    return {TAVU_OK, total};
+    return {TAVU_OK, static_cast<int64_t>(total)};
 }
 
 #endif

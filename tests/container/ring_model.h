@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "tavu.h"
@@ -20,13 +21,10 @@ class RingMemory {
     explicit RingMemory(int64_t size) : bytes_(static_cast<size_t>(size + 2 * MARGIN), 0xA5) {}
     explicit RingMemory(const std::vector<uint8_t> &content)
         : RingMemory(static_cast<int64_t>(content.size())) {
-        for (size_t i = 0; i < content.size(); i++) write(static_cast<int64_t>(i), content[i]);
+        std::copy(content.begin(), content.end(), data());
     }
     int64_t size() const { return static_cast<int64_t>(bytes_.size()) - 2 * MARGIN; }
     uint8_t *data() { return bytes_.data() + MARGIN; }
-    bool holds(const uint8_t *bytes) const {
-        return std::equal(bytes, bytes + size(), bytes_.begin() + MARGIN);
-    }
     bool operator==(const RingMemory &other) const { return bytes_ == other.bytes_; }
 
     int64_t read(int64_t at) const {
@@ -47,9 +45,8 @@ class RingMemory {
 };
 
 struct RingModel {
-    explicit RingModel(int64_t size) : s(size), storage(size) {
-        for (int64_t i = 0; i < size; i++) storage.write(i, 0);
-    }
+    explicit RingModel(size_t size)
+        : s(static_cast<int64_t>(size)), storage(std::vector<uint8_t>(size)) {}
 
     bool empty() const { return h == t; }
     bool full() const { return h == mod(t + s - 1); }
@@ -60,38 +57,21 @@ struct RingModel {
 
     int64_t skip_head(int64_t n) {
         if (full()) return 0;
-        if (h < t) {
-            const int64_t k = std::min(n, t - 1 - h);
-            h += k;
-            return k;
-        }
         const int64_t room = s - h;
-        if (n < room) {
-            h += n;
-            return n;
-        }
+        if (h < t) return advance(&h, std::min(n, t - 1 - h));
+        if (n < room) return advance(&h, n);
         if (t == 0) return std::min(n, room - 1);
-        int64_t r = n - room;
-        if (t <= r) r = t - 1;
-        h = r;
-        return room + r;
+        h = n - room < t ? n - room : t - 1;
+        return room + h;
     }
 
     int64_t skip_tail(int64_t n) {
         if (empty()) return 0;
-        if (h > t) {
-            const int64_t k = std::min(n, h - t);
-            t += k;
-            return k;
-        }
         const int64_t room = s - t;
-        if (n < room) {
-            t += n;
-            return n;
-        }
-        const int64_t k = std::min(n - room, h);
-        t = k;
-        return room + k;
+        if (h > t) return advance(&t, std::min(n, h - t));
+        if (n < room) return advance(&t, n);
+        t = std::min(n - room, h);
+        return room + t;
     }
 
     int64_t put(const RingMemory &src, int64_t n) {
@@ -99,36 +79,28 @@ struct RingModel {
         const int64_t room = s - h;
         if (h < t ? t - h > n : n < room || (t == 0 && n == room)) {
             storage.copy(h, src, 0, n);
-            h += n;
-            return n;
+            return advance(&h, n);
         }
         if (h < t || t == 0) return 0;
         storage.copy(h, src, 0, room);
-        const int64_t r = n - room;
-        if (t <= r) return 0;
-        storage.copy(0, src, room, r);
-        h = r;
-        return room + r;
+        if (t <= n - room) return 0;
+        h = n - room;
+        storage.copy(0, src, room, h);
+        return n;
     }
 
     int64_t get(RingMemory *dst, int64_t n) {
         if (n < 0 || empty()) return 0;
-        if (h > t) {
-            const int64_t k = std::min(n, h - t);
-            dst->copy(0, storage, t, k);
-            t += k;
-            return k;
-        }
-        const int64_t first = s - t;
-        dst->copy(0, storage, t, std::min(n, first));
+        const int64_t first = h > t ? h - t : s - t, k = std::min(n, first);
+        dst->copy(0, storage, t, k);
+        if (h > t) return advance(&t, k);
         if (n <= first) {
             t = mod(t + n);
             return n;
         }
-        const int64_t k = std::min(n - first, h);
-        dst->copy(first, storage, 0, k);
-        t = k;
-        return first + k;
+        t = std::min(n - first, h);
+        dst->copy(first, storage, 0, t);
+        return first + t;
     }
 
     int64_t get_one_line(RingMemory *dst, int64_t z) {
@@ -136,13 +108,13 @@ struct RingModel {
         const int64_t first = s - t;
         const int64_t n = copy_line(dst, 0, t, h > t ? std::min(z - 1, h - t) : first);
         if (n > 0) return finish_line(dst, n, t + n);
-        if (h > t || z <= first) return n;
+        if (h > t || z <= first) return 0;
         if (storage.read(s - 1) == '\r' && storage.read(0) == '\n') {
             dst->write(first, '\n');
             return finish_line(dst, first + 2, 1);
         }
         const int64_t m = copy_line(dst, first, 0, std::min(z - first, h));
-        return m > 0 ? finish_line(dst, first + m, m) : m;
+        return m > 0 ? finish_line(dst, first + m, m) : 0;
     }
 
     int64_t s, h = 0, t = 0;
@@ -150,6 +122,11 @@ struct RingModel {
 
   private:
     int64_t mod(int64_t position) const { return static_cast<uint32_t>(position) % s; }
+
+    static int64_t advance(int64_t *position, int64_t n) {
+        *position += n;
+        return n;
+    }
 
     int64_t copy_line(RingMemory *dst, int64_t to, int64_t from, int64_t m) const {
         for (int64_t i = 0; i < m; i++) {
@@ -175,25 +152,24 @@ struct RingModel {
 class RingPair {
   public:
     explicit RingPair(int32_t size)
-        : model(size), ring_(tavu_rbuf_create(size), tavu_rbuf_delete) {}
+        : model(static_cast<size_t>(size)), ring_(tavu_rbuf_create(size), tavu_rbuf_delete) {}
 
-    // `storage` may be longer than the ring's.
     void set(int32_t head, int32_t tail, const std::vector<uint8_t> &storage) {
         model.h = ring_->head = head;
         model.t = ring_->tail = tail;
-        std::copy_n(storage.begin(), model.s, ring_->buf);
-        std::copy_n(storage.begin(), model.s, model.storage.data());
+        std::copy(storage.begin(), storage.end(), ring_->buf);
+        model.storage = RingMemory(storage);
     }
 
     // One operation on both; false if they differ in the result, in what they write to a buffer of
     // the size that the header demands, or in their state.
     bool step(RingOp op, int32_t n, const std::vector<uint8_t> &src = {}) {
         RingMemory ours(room(op, n)), wanted = ours;
-        const int32_t result = call(op, n, src.data(), ours.data());
-        const bool same = result == narrow(call_model(op, n, src, &wanted));
+        const auto [result, right] = run(op, n, src, ours.data(), &wanted);
         model.h = narrow(model.h);
         model.t = narrow(model.t);
-        return same && ours == wanted && !wanted.written_beyond() && same_state();
+        return result == narrow(right) && ours == wanted && !wanted.written_beyond() &&
+               same_state();
     }
 
     // Fills the bytes that may be written in place.
@@ -222,32 +198,29 @@ class RingPair {
                                   : 0;
     }
 
-    int32_t call(RingOp op, int32_t n, const uint8_t *src, uint8_t *dst) {
+    // What the operation returns on the ring and on the model.
+    std::pair<int32_t, int64_t> run(RingOp op, int32_t n, const std::vector<uint8_t> &src,
+                                    uint8_t *dst, RingMemory *model_dst) {
         tavu_rbuf_t *ring = ring_.get();
         switch (op) {
-            case RingOp::GET: return tavu_rbuf_get(ring, dst, n);
-            case RingOp::LINE: return tavu_rbuf_get_one_line(ring, dst, n);
-            case RingOp::PUT: return tavu_rbuf_put(ring, src, n);
-            case RingOp::SKIP_HEAD: return tavu_rbuf_skip_head(ring, n);
-            case RingOp::SKIP_TAIL: return tavu_rbuf_skip_tail(ring, n);
-            default: tavu_rbuf_empty(ring); return 0;
+            case RingOp::GET: return {tavu_rbuf_get(ring, dst, n), model.get(model_dst, n)};
+            case RingOp::LINE:
+                return {tavu_rbuf_get_one_line(ring, dst, n), model.get_one_line(model_dst, n)};
+            case RingOp::PUT:
+                return {tavu_rbuf_put(ring, src.data(), n), model.put(RingMemory(src), n)};
+            case RingOp::SKIP_HEAD: return {tavu_rbuf_skip_head(ring, n), model.skip_head(n)};
+            case RingOp::SKIP_TAIL: return {tavu_rbuf_skip_tail(ring, n), model.skip_tail(n)};
+            default:
+                tavu_rbuf_empty(ring);
+                model.t = model.h;
+                return {0, 0};
         }
     }
 
-    int64_t call_model(RingOp op, int64_t n, const std::vector<uint8_t> &src, RingMemory *dst) {
-        switch (op) {
-            case RingOp::GET: return model.get(dst, n);
-            case RingOp::LINE: return model.get_one_line(dst, n);
-            case RingOp::PUT: return model.put(RingMemory(src), n);
-            case RingOp::SKIP_HEAD: return model.skip_head(n);
-            case RingOp::SKIP_TAIL: return model.skip_tail(n);
-            default: model.t = model.h; return 0;
-        }
-    }
-
-    bool same_state() const {
+    bool same_state() {
         tavu_rbuf_t *r = ring_.get();
-        return r->head == model.h && r->tail == model.t && model.storage.holds(r->buf) &&
+        return r->head == model.h && r->tail == model.t &&
+               std::equal(r->buf, r->buf + model.s, model.storage.data()) &&
                tavu_rbuf_is_empty(r) == model.empty() && tavu_rbuf_is_full(r) == model.full() &&
                tavu_rbuf_get_tot_len(r) == model.s - 1 &&
                tavu_rbuf_get_fill_len(r) == narrow(model.fill_len()) &&
