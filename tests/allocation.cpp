@@ -13,10 +13,9 @@ bool fails(uint64_t size) {
     if (!active) return false;
     last = size;
     calls++;
-    held++;
-    if (countdown-- != 0) return false;
-    held--;
-    return true;
+    const bool fail = countdown-- == 0;
+    held += fail ? 0 : 1;
+    return fail;
 }
 }  // namespace
 

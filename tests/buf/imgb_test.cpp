@@ -39,7 +39,6 @@ TEST_F(Imgb, LaysPlanesOutByColourSpace) {
         SCOPED_TRACE(c.cs);
         const Image image = create(5, 3, c.cs);
         ASSERT_NE(image, nullptr);
-        EXPECT_EQ(image->refcnt, 1);
         int offset = 0;
         for (int p = 0; p < 4; p++) {
             const bool exists = p < c.planes;
@@ -51,9 +50,6 @@ TEST_F(Imgb, LaysPlanesOutByColourSpace) {
             offset += image->stride[p] * image->rows[p];
         }
         EXPECT_EQ(image->size, offset);
-        EXPECT_EQ(memory.size, offset);
-        EXPECT_EQ(image->aw, 5);
-        EXPECT_EQ(image->ah, 3);
     }
 }
 
