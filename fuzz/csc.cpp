@@ -3,6 +3,7 @@
 
 #include "input.h"
 #include "kernels.h"
+#include "memory.h"
 #include "resize_kernels.h"
 
 namespace {
@@ -36,10 +37,6 @@ struct Call {
             }
             src[p] = sources.back().data() + (interleaved ? p : 0);
         }
-    }
-
-    static size_t plane_size(int32_t stride, int32_t rows, int32_t row) {
-        return static_cast<size_t>(stride * (rows - 1) + row);
     }
 
     // The targets, with what lies between their rows.

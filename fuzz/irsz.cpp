@@ -1,5 +1,6 @@
 // Resize kernels of every level against their models, and bands against the whole image.
 #include "input.h"
+#include "memory.h"
 #include "resize_kernels.h"
 
 namespace {
@@ -24,11 +25,6 @@ struct Sizes {
         if (kind % 8 == 4) dst_w *= 8;
     }
 };
-
-size_t plane_size(int32_t line, int32_t rows, int32_t row_bytes) {
-    return static_cast<size_t>(line) * static_cast<size_t>(rows - 1) +
-           static_cast<size_t>(row_bytes);
-}
 
 int32_t src_line(const ResizeKernel &kernel, const Sizes &s) {
     return s.src_w * kernel.src_bytes + s.src_gap * kernel.line_unit;
@@ -56,16 +52,10 @@ Block banded(const ResizeKernel &kernel, int32_t fmt, const Sizes &s, const Bloc
              int32_t band) {
     Block dst = target(kernel, s);
     const int32_t line = src_line(kernel, s);
-    const tavu_irsz_param param = {fmt,
-                                   TAVU_IRSZ_MODE_LINE,
-                                   s.src_w,
-                                   s.src_h,
-                                   line / kernel.src_bytes,
-                                   band,
-                                   s.dst_w,
-                                   s.dst_h,
-                                   dst_line(kernel, s) / kernel.dst_bytes,
-                                   dst.data()};
+    const int32_t src_s = line / kernel.src_bytes, dst_s = dst_line(kernel, s) / kernel.dst_bytes;
+    const tavu_irsz_param param = {
+        fmt,   TAVU_IRSZ_MODE_LINE, s.src_w, s.src_h, src_s, band, s.dst_w, s.dst_h,
+        dst_s, dst.data()};
     int32_t err = 1;
     tavu_irsz_t *rsz = tavu_irsz_create(&param, &err);
     require(rsz != nullptr && err == TAVU_OK);

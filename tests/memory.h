@@ -23,6 +23,11 @@ inline Bytes random_bytes(size_t size, unsigned seed) {
     return bytes;
 }
 
+inline size_t plane_size(int stride, int rows, int row_bytes) {
+    return static_cast<size_t>(stride) * static_cast<size_t>(rows - 1) +
+           static_cast<size_t>(row_bytes);
+}
+
 // `size` bytes that end at an unreadable page, after an unreadable page and a margin of canaries:
 // the sanitizers do not see what vector instructions read beyond a buffer.
 class GuardedBytes {

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <map>
+#include <string>
 
 #include "memory.h"
 #include "resize_kernels.h"
@@ -14,47 +15,43 @@ namespace {
 constexpr int ROWS = 3, ROW_BYTES = 4096;
 constexpr int32_t FAR = INT32_MAX - 63, NEAR = ROW_BYTES;
 
-// ROWS rows of ROW_BYTES, `distance` bytes apart, upwards or downwards.
-class Rows {
-  public:
-    explicit Rows(int64_t distance, int rows = ROWS) : distance_(distance), rows_(rows) {
-        const auto page = static_cast<uint64_t>(sysconf(_SC_PAGESIZE));
-        const int64_t span = std::abs(distance) * (rows - 1);
-        size_ = (static_cast<uint64_t>(span) + ROW_BYTES + page - 1) / page * page;
-        void *map =
-            mmap(nullptr, size_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-        if (map == MAP_FAILED) throw std::bad_alloc();
-        map_ = static_cast<uint8_t *>(map);
-        first_ = map_ + (distance < 0 ? span : 0);
+// Addresses without memory, which are kept.
+uint8_t *reserve(uint64_t size) {
+    constexpr int FLAGS = MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE;
+    void *map = mmap(nullptr, size, PROT_NONE, FLAGS, -1, 0);
+    if (map == MAP_FAILED) throw std::bad_alloc();
+    return static_cast<uint8_t *>(map);
+}
+
+// Rows of ROW_BYTES, `distance` bytes apart, upwards or downwards.
+struct Rows {
+    explicit Rows(int64_t distance_of_rows, int count = ROWS)
+        : distance(distance_of_rows), rows(count) {
+        const int64_t span = std::abs(distance) * (rows - 1), page = sysconf(_SC_PAGESIZE);
+        first = reserve(static_cast<uint64_t>(span + ROW_BYTES)) + (distance < 0 ? span : 0);
         for (int i = 0; i < rows; i++) {
-            const auto at = static_cast<uint64_t>(row(i) - map_), from = at / page * page;
-            if (mprotect(map_ + from, at + ROW_BYTES - from, PROT_READ | PROT_WRITE) != 0) {
+            const auto before = reinterpret_cast<intptr_t>(row(i)) % page;
+            const auto size = static_cast<size_t>(before + ROW_BYTES);
+            if (mprotect(row(i) - before, size, PROT_READ | PROT_WRITE) != 0)
                 throw std::bad_alloc();
-            }
         }
     }
-    Rows(const Rows &) = delete;
-    Rows &operator=(const Rows &) = delete;
-    ~Rows() { munmap(map_, size_); }
-
-    uint8_t *row(int i) const { return first_ + i * distance_; }
+    uint8_t *row(int i) const { return first + i * distance; }
     void fill(const Bytes &content) const {
-        for (int i = 0; i < rows_; i++) memcpy(row(i), content.data() + ROW_BYTES * i, ROW_BYTES);
+        for (int i = 0; i < rows; i++) memcpy(row(i), content.data() + ROW_BYTES * i, ROW_BYTES);
     }
     Bytes bytes() const {
         Bytes all;
-        for (int i = 0; i < rows_; i++) all.insert(all.end(), row(i), row(i) + ROW_BYTES);
+        for (int i = 0; i < rows; i++) all.insert(all.end(), row(i), row(i) + ROW_BYTES);
         return all;
     }
 
-  private:
-    int64_t distance_;
-    int rows_;
-    uint64_t size_;
-    uint8_t *map_, *first_;
+    int64_t distance;
+    int rows;
+    uint8_t *first;
 };
 
-// The rows of a plane, which are kept: mapping gigabytes takes its time.
+// The rows of a plane: mapping gigabytes takes its time.
 const Rows &plane(int number, int64_t distance, bool random) {
     static std::map<std::pair<int, int64_t>, Rows> planes;
     const Rows &rows = planes.try_emplace({number, distance}, distance).first->second;
@@ -63,14 +60,25 @@ const Rows &plane(int number, int64_t distance, bool random) {
     return rows;
 }
 
+// run(src_stride, dst_stride) returns what it wrote.
+template <class Run>
+void expect_same_far(const std::string &name, Run run) {
+    const Bytes near = run(NEAR, NEAR);
+    EXPECT_NE(near, Bytes(near.size())) << name;
+    EXPECT_EQ(run(FAR, -FAR), near) << name;
+    EXPECT_EQ(run(-FAR, FAR), near) << name;
+}
+
+constexpr int32_t SRC_W = 300;
 struct Size {
     int32_t w, h;
 };
+// Growing, halving, columns of several windows, and too narrow for vectors.
+constexpr Size SIZES[] = {{400, 3}, {150, 2}, {40, 3}, {5, 3}};
 
 // Runs a conversion on rows of these strides; its targets.
 Bytes convert(const CscKernel &kernel, tavu_fn_csc_t routine, Size size, int32_t code,
               int32_t src_stride, int32_t dst_stride) {
-    constexpr int32_t W = 300;
     uint8_t *src[4] = {}, *dst[4] = {};
     for (int p = 0; p < kernel.src_planes; p++) {
         const bool packed = kernel.src_step > 1;
@@ -79,13 +87,13 @@ Bytes convert(const CscKernel &kernel, tavu_fn_csc_t routine, Size size, int32_t
     std::vector<const Rows *> targets;
     for (size_t p = 0; p < kernel.dst_bytes.size(); p++) {
         const bool units = p == 0 && kernel.dst_bytes[0] == 2;
-        const int64_t distance = units ? 2 * (int64_t{dst_stride} - W) : dst_stride;
+        const int64_t distance = units ? 2 * (int64_t{dst_stride} - SRC_W) : dst_stride;
         targets.push_back(&plane(4 + static_cast<int>(p), distance, false));
         dst[code == 401 || code == 501 ? 2 : p] = targets.back()->row(0);
     }
     const int32_t src_strides[4] = {src_stride, src_stride, src_stride, src_stride},
                   dst_strides[4] = {dst_stride, dst_stride, dst_stride, dst_stride};
-    routine(src, W, ROWS, src_strides, 13, dst, size.w, size.h, dst_strides, code);
+    routine(src, SRC_W, ROWS, src_strides, 13, dst, size.w, size.h, dst_strides, code);
     Bytes all;
     for (const Rows *target : targets) {
         const Bytes bytes = target->bytes();
@@ -94,54 +102,46 @@ Bytes convert(const CscKernel &kernel, tavu_fn_csc_t routine, Size size, int32_t
     return all;
 }
 
-void expect_same_far(const CscKernel &kernel, Size size) {
+void convert_far(const CscKernel &kernel, Size size) {
     for (const CscVariant &variant : kernel.variants) {
         for (const int32_t code : kernel.codes) {
-            const auto run = [&](int32_t src_stride, int32_t dst_stride) {
-                return convert(kernel, variant.run, size, code, src_stride, dst_stride);
-            };
-            const Bytes near = run(NEAR, NEAR);
-            EXPECT_NE(near, Bytes(near.size()));
-            EXPECT_EQ(run(FAR, -FAR), near) << kernel.name << ' ' << variant.level << ' ' << code;
-            EXPECT_EQ(run(-FAR, FAR), near) << kernel.name << ' ' << variant.level << ' ' << code;
+            expect_same_far(std::string(kernel.name) + ' ' + variant.level,
+                            [&](int32_t s, int32_t d) {
+                                return convert(kernel, variant.run, size, code, s, d);
+                            });
         }
     }
 }
 
 TEST(FarRows, Conversions) {
     auto kernels = csc_kernels();
-    const auto add = [&](const char *name, tavu_fn_csc_t routine, int planes,
-                         const std::vector<int> &bytes, int32_t code) {
-        kernels.push_back({name, routine, {{"exported", routine}}, planes, 1, bytes, {code}});
+    const auto add = [&](const char *name, tavu_fn_csc_t routine, const std::vector<int> &bytes,
+                         int32_t code) {
+        kernels.push_back({name, routine, {{"exported", routine}}, 4, 1, bytes, {code}});
     };
-    add("copy", tavu_csc_yuv444x_to_yuv444x, 4, {1, 1, 1, 1}, 43);
-    add("streams", tavu_csc_yuv444a8_to_rgba5658, 4, {2, 3}, 430);
-    add("grey streams", tavu_csc_r8g8b8a8_to_rgba5658, 4, {2, 3}, 430);
-    for (const CscKernel &kernel : kernels) expect_same_far(kernel, {0, 0});
-    // Growing, halving, columns of several windows, and too narrow for vectors.
+    add("copy", tavu_csc_yuv444x_to_yuv444x, {1, 1, 1, 1}, 43);
+    add("streams", tavu_csc_yuv444a8_to_rgba5658, {2, 3}, 430);
+    add("grey streams", tavu_csc_r8g8b8a8_to_rgba5658, {2, 3}, 430);
+    for (const CscKernel &kernel : kernels) convert_far(kernel, {0, 0});
     for (const CscKernel &kernel : csc_rsz_kernels()) {
-        for (const Size size : {Size{400, 3}, {150, 2}, {40, 3}, {5, 3}}) {
-            expect_same_far(kernel, size);
-        }
+        for (const Size size : SIZES) convert_far(kernel, size);
     }
 }
 
 TEST(FarRows, ResizedImages) {
     for (const ResizeKernel &kernel : resize_kernels()) {
-        for (const Size size : {Size{400, 3}, {150, 2}, {40, 3}, {5, 3}}) {
+        for (const auto &[w, h] : SIZES) {
+            int32_t x, y;
+            bilinear_rsz_step_size(SRC_W, ROWS, w, h, &x, &y);
             for (const ResizeVariant &variant : kernel.variants) {
-                const auto run = [&](int32_t src_line, int32_t dst_line) {
+                const auto run = [&, w = w, h = h](int32_t src_line, int32_t dst_line) {
                     const int64_t unit = kernel.line_unit;
-                    int32_t x, y;
-                    bilinear_rsz_step_size(300, ROWS, size.w, size.h, &x, &y);
                     const Rows &dst = plane(4, dst_line * unit, false);
-                    variant.full(plane(0, src_line * unit, true).row(0), src_line, size.w, size.h,
-                                 dst_line, dst.row(0), x, y);
+                    variant.full(plane(0, src_line * unit, true).row(0), src_line, w, h, dst_line,
+                                 dst.row(0), x, y);
                     return dst.bytes();
                 };
-                const Bytes near = run(NEAR, NEAR);
-                EXPECT_EQ(run(FAR, -FAR), near) << kernel.name << ' ' << variant.level;
-                EXPECT_EQ(run(-FAR, FAR), near) << kernel.name << ' ' << variant.level;
+                expect_same_far(std::string(kernel.name) + ' ' + variant.level, run);
             }
         }
     }
@@ -156,7 +156,7 @@ TEST(FarRows, ResizedBands) {
     const auto run = [](int32_t src_s, const uint8_t *src, int32_t dst_s) {
         const Rows &dst = plane(4, 2 * int64_t{dst_s}, false);
         const tavu_irsz_param param = {
-            TAVU_IRSZ_5B6B5B, TAVU_IRSZ_MODE_LINE, 300, BAND_H, src_s, BAND_H, 70, ROWS, dst_s,
+            TAVU_IRSZ_5B6B5B, TAVU_IRSZ_MODE_LINE, SRC_W, BAND_H, src_s, BAND_H, 70, ROWS, dst_s,
             dst.row(0)};
         tavu_irsz_t *rsz = tavu_irsz_create(&param, nullptr);
         tavu_irsz(rsz, src, 0, BAND_H);
@@ -170,47 +170,33 @@ TEST(FarRows, ResizedBands) {
 }
 
 TEST(FarRows, CopiedPictures) {
-    for (const int32_t stride : {FAR, -FAR}) {
-        const Rows &src = plane(0, stride, true), &dst = plane(4, -stride, false);
-        tavu_mcpy_pic(dst.row(0), src.row(0), -stride, stride, ROW_BYTES, ROWS);
+    expect_same_far("mcpy_pic", [](int32_t src_stride, int32_t dst_stride) {
+        const Rows &src = plane(0, src_stride, true), &dst = plane(4, dst_stride, false);
+        tavu_mcpy_pic(dst.row(0), src.row(0), dst_stride, src_stride, ROW_BYTES, ROWS);
         EXPECT_EQ(dst.bytes(), src.bytes());
-    }
+        return dst.bytes();
+    });
 }
-
-// `size` bytes of addresses at which the same memory repeats.
-class Repeated {
-  public:
-    static constexpr size_t PIECE = 1 << 20;
-    explicit Repeated(size_t size) : size_(size) {
-        void *map =
-            mmap(nullptr, size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-        const int file = memfd_create("repeated", 0);
-        if (map == MAP_FAILED || ftruncate(file, PIECE) != 0) throw std::bad_alloc();
-        data = static_cast<uint8_t *>(map);
-        for (size_t at = 0; at < size; at += PIECE) {
-            if (mmap(data + at, PIECE, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_FIXED, file, 0) ==
-                MAP_FAILED) {
-                throw std::bad_alloc();
-            }
-        }
-        close(file);
-    }
-    Repeated(const Repeated &) = delete;
-    Repeated &operator=(const Repeated &) = delete;
-    ~Repeated() { munmap(data, size_); }
-    uint8_t *data;
-
-  private:
-    size_t size_;
-};
 
 TEST(FarRows, CopiedRunsOfMoreThan2GiB) {
     constexpr int32_t WIDTH = 1 << 20, HEIGHT = 2049;
-    const Repeated src(size_t{WIDTH} * HEIGHT), dst(size_t{WIDTH} * HEIGHT);
-    const Bytes content = random_bytes(Repeated::PIECE, 1);
-    memcpy(src.data, content.data(), content.size());
-    tavu_mcpy_pic(dst.data, src.data, WIDTH, WIDTH, WIDTH, HEIGHT);
-    EXPECT_EQ(memcmp(dst.data, content.data(), content.size()), 0);
+    uint8_t *pictures[2];
+    for (uint8_t *&picture : pictures) {  // the same memory in every row
+        picture = reserve(uint64_t{WIDTH} * HEIGHT);
+        const int file = memfd_create("row", 0);
+        ASSERT_EQ(ftruncate(file, WIDTH), 0);
+        for (size_t y = 0; y < HEIGHT; y++) {
+            ASSERT_NE(mmap(picture + y * WIDTH, WIDTH, PROT_READ | PROT_WRITE,
+                           MAP_SHARED | MAP_FIXED, file, 0),
+                      MAP_FAILED);
+        }
+        close(file);
+    }
+    const Bytes content = random_bytes(WIDTH, 1);
+    memcpy(pictures[0], content.data(), content.size());
+    tavu_mcpy_pic(pictures[1], pictures[0], WIDTH, WIDTH, WIDTH, HEIGHT);
+    EXPECT_EQ(memcmp(pictures[1], content.data(), content.size()), 0);
+    for (uint8_t *picture : pictures) munmap(picture, size_t{WIDTH} * HEIGHT);
 }
 
 }  // namespace

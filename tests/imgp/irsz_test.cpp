@@ -67,36 +67,28 @@ Bytes resize_by(tavu_irsz_fn driver, const Reference &r, bool *complete) {
     return dst.bytes();
 }
 
-// The same by every form of the driver.
+// A whole image by the exported kernel. Lines of 5-6-5 sources count pixels.
+Bytes resize_by_kernel(const Reference &r) {
+    const int unit = r.f.fmt == TAVU_IRSZ_5B6B5B ? 2 : 1;
+    GuardedBytes dst(r.target_size());
+    const tavu_irsz_param p = r.param(dst.data());
+    int32_t x, y;
+    bilinear_rsz_step_size(p.src_w, p.src_h, p.dst_w, p.dst_h, &x, &y);
+    r.f.full(r.plane.data(), r.src_line() / unit, p.dst_w, p.dst_h, p.dst_s * r.f.dst_bytes / unit,
+             static_cast<uint8_t *>(p.dst), x, y);
+    return dst.bytes();
+}
+
+// The same by every form of the driver, and by the kernel.
 Bytes resize(const Reference &r, bool *complete = nullptr) {
     Bytes target = resize_by(r.f.drivers[0].run, r, complete);
     for (size_t i = 1; i < r.f.drivers.size(); i++) {
         EXPECT_EQ(resize_by(r.f.drivers[i].run, r, complete), target) << r.f.drivers[i].level << r;
     }
-    return target;
-}
-
-TEST(Irsz, WholeImagesOfEveryFormat) {
-    const int sizes[][4] = {{17, 13, 9, 7},  {16, 16, 16, 16}, {9, 7, 31, 22}, {64, 40, 13, 5},
-                            {100, 90, 3, 2}, {33, 17, 66, 3},  {1, 1, 5, 4},   {1, 9, 3, 9},
-                            {9, 1, 9, 3},    {2, 2, 1, 1},     {70, 70, 4, 5}, {40, 20, 20, 10},
-                            {400, 3, 1, 1}};
-    for (const Format &f : FORMATS) {
-        for (const auto &s : sizes) {
-            const Reference r(f, {s[0], s[1], 0}, {s[2], s[3], 0}, 0);
-            const Bytes expected = r.run();
-            ASSERT_EQ(resize(r), expected) << r;
-
-            // The kernel by name; lines of 5-6-5 sources count pixels.
-            Bytes out(expected.size());
-            const int unit = f.fmt == TAVU_IRSZ_5B6B5B ? 2 : 1;
-            int32_t x, y;
-            bilinear_rsz_step_size(s[0], s[1], s[2], s[3], &x, &y);
-            f.full(r.plane.data(), r.src_line() / unit, s[2], s[3], r.dst_line() / unit, out.data(),
-                   x, y);
-            ASSERT_EQ(out, expected) << r;
-        }
+    if (r.band_h == 0) {
+        EXPECT_EQ(resize_by_kernel(r), target) << r;
     }
+    return target;
 }
 
 // As many geometries as TAVU_GEOMETRIES says, or as fit in some seconds.
@@ -112,7 +104,9 @@ TEST(Irsz, TheLoopOfTheHeaderGivesTheWholeImageWhereItSaysSo) {
     const auto pick = [&random](unsigned n) { return 1 + static_cast<int>(random() % n); };
     int sufficed = 0, differ = 0;
     while (!enough(sufficed)) {
-        const Size src{pick(40), pick(200), pick(4) - 1}, dst{pick(60), pick(300), pick(4) - 1};
+        const int steep = sufficed % 16 == 0 ? 10 : 1;
+        const Size src{pick(40) * steep, pick(200), pick(4) - 1};
+        const Size dst{pick(60), pick(300), pick(4) - 1};
         Reference r(FORMATS[sufficed % 5], src, dst, 2 << random() % 7,
                     static_cast<unsigned>(random()));
         bool complete = false;
@@ -285,60 +279,22 @@ TEST(IrszKernels, ExtremesStayAndNothingIsWrittenForNothing) {
     EXPECT_EQ(out, (Bytes{255, 0x8F, 255, 255, 255, 255, 255, 7, 7, 7}));
 }
 
-// A row that stays at position 0 reads one group of weights, and no neighbour without weight.
-TEST(IrszKernels, LineKernelsReadWhatTheHeaderSays) {
-    const struct {
-        Bytes group;
-        size_t upper, lower;  // pixels read
-        int result;
-    } cases[] = {{{32, 32, 0, 0}, 2, 0, 50},   {{0, 0, 32, 32}, 1, 2, 130},
-                 {{16, 16, 16, 16}, 2, 2, 90}, {{64, 0, 0, 0}, 1, 0, 10},
-                 {{32, 0, 32, 0}, 1, 1, 60},   {{0, 0, 0, 64}, 1, 2, 150}};
-    const std::pair<tavu_irsz_line_t *, size_t> kernels[] = {
-        {tavu_irsz8b_line, 1}, {tavu_irsz8b8b8b_line, 3}, {tavu_irsz8b8b8b8b_line, 4}};
-    for (const auto &[kernel, bytes] : kernels) {
-        for (const auto &c : cases) {
-            for (const bool one_pixel : {false, true}) {
-                // With a step all four samples are read.
-                const size_t upper = one_pixel ? 2 : c.upper, lower = one_pixel ? 2 : c.lower;
-                GuardedBytes group(c.group), top(upper * bytes), bottom(lower * bytes);
-                for (size_t i = 0; i < upper * bytes; i++) top.data()[i] = i < bytes ? 10 : 90;
-                for (size_t i = 0; i < lower * bytes; i++) bottom.data()[i] = i < bytes ? 110 : 150;
-                const uint8_t *rows[] = {top.data(), bottom.data()};
-                Bytes out(40 * bytes);
-                kernel(rows, group.data(), one_pixel ? 1 : 40, 0, 1, one_pixel ? 12345 : 0,
-                       out.data());
-                out.resize(one_pixel ? bytes : out.size());
-                EXPECT_EQ(out, Bytes(out.size(), static_cast<uint8_t>(c.result)));
-            }
-        }
-        // All groups, in 228 bytes.
-        const Bytes weights = bilinear_weights(), source = random_bytes(64 * bytes, 1);
-        GuardedBytes table(Bytes(weights.begin() + 28, weights.end()));
-        const uint8_t *rows[] = {source.data(), source.data() + bytes};
-        Bytes out(50 * bytes), expected(out);
-        kernel(rows, table.data(), 50, 0, 1, 300000, out.data());
-        kernel(rows, tavu_irsz_tbl_rsz_weight + 28, 50, 0, 1, 300000, expected.data());
-        EXPECT_EQ(out, expected);
-    }
-}
-
 // Line kernels take the neighbour's distance from the caller.
 TEST(IrszKernels, LineKernelsStepByDecimationAndNeighbour) {
-    const std::pair<tavu_irsz_line_t *, int> kernels[] = {
+    const std::pair<tavu_irsz_line_t *, size_t> kernels[] = {
         {tavu_irsz8b_line, 1}, {tavu_irsz8b8b8b_line, 3}, {tavu_irsz8b8b8b8b_line, 4}};
     const Bytes top = random_bytes(4 * 32, 1), bottom = random_bytes(4 * 32, 2);
     const uint8_t *rows[] = {top.data(), bottom.data()};
     for (const auto &[kernel, bytes] : kernels) {
         uint8_t out[4 * 5];
         kernel(rows, tavu_irsz_tbl_rsz_weight + 4 * 5, 5, 2, 3, 11 << 15, out);  // 11 eighths
-        for (int i = 0; i < 5 * bytes; i++) {
-            const int pixel = i / bytes, a = pixel * 11 % 8;
-            const int left = pixel * 11 / 8 * 4 * bytes + i % bytes, right = left + 3 * bytes;
-            const auto mix = [a](int l, int r) { return (8 - a) * l + a * r; };
-            EXPECT_EQ(out[i], (3 * mix(rows[0][left], rows[0][right]) +
-                               5 * mix(rows[1][left], rows[1][right])) >>
-                                  6);
+        for (size_t i = 0; i < 5 * bytes; i++) {
+            const size_t position = i / bytes * 11;
+            const size_t left = position / 8 * 4 * bytes + i % bytes, right = left + 3 * bytes;
+            const auto mix = [&](const uint8_t *row) {
+                return (8 - position % 8) * row[left] + position % 8 * row[right];
+            };
+            EXPECT_EQ(out[i], (3 * mix(rows[0]) + 5 * mix(rows[1])) >> 6);
         }
     }
 }

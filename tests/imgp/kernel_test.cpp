@@ -18,10 +18,6 @@ struct Shape {
 
 using Planes = std::vector<std::unique_ptr<GuardedBytes>>;
 
-size_t plane_size(int stride, int rows, int row_bytes) {
-    return static_cast<size_t>(stride * (rows - 1) + row_bytes);
-}
-
 // Runs one routine; every source and target plane ends `slack` bytes before an unreadable page.
 // Returns all targets with what lies between their rows.
 Bytes run(const CscKernel &kernel, tavu_fn_csc_t routine, const Shape &s, int32_t code, int content,
@@ -99,28 +95,22 @@ TEST(Kernels, EqualTheirModelsInEveryShape) {
 
 // The algebra of the vector forms, against the equations: all chroma pairs, and luma in 16 steps.
 TEST(Kernels, ColourArithmeticIsExact) {
-    const auto clamp = [](int x) { return x < 0 ? 0 : x > 255 ? 255 : x; };
-    for (const CscKernel &kernel : csc_kernels()) {
-        if (std::string(kernel.name) != "yuv444_to_rgb888") continue;
-        for (const CscVariant &variant : kernel.variants) {
-            for (int u = 0; u < 256; u++) {
-                Bytes planes[3], out(4096 * 3);
-                for (int i = 0; i < 4096; i++) {
-                    planes[0].push_back(static_cast<uint8_t>(i % 16 * 17));
-                    planes[1].push_back(static_cast<uint8_t>(u));
-                    planes[2].push_back(static_cast<uint8_t>(i / 16));
-                }
-                uint8_t *src[4] = {planes[0].data(), planes[1].data(), planes[2].data(), nullptr};
-                uint8_t *dst[4] = {out.data()};
-                const int32_t stride[4] = {};
-                variant.run(src, 4096, 1, stride, 13, dst, 0, 0, stride, 400);
-                for (int i = 0; i < 4096; i++) {
-                    const int y = i % 16 * 17, v = i / 16 - 128, b = u - 128;
-                    const auto *p = &out[static_cast<size_t>(3 * i)];
-                    ASSERT_EQ(p[0], clamp(y + ((359 * v + 128) >> 8)));
-                    ASSERT_EQ(p[1], clamp(y - ((183 * v + 88 * b + 128) >> 8)));
-                    ASSERT_EQ(p[2], clamp(y + ((454 * b + 128) >> 8)));
-                }
+    const auto clamp = [](int x) { return std::clamp(x, 0, 255); };
+    for (const auto &variant : variants<tavu_csc_yuv444_to_rgb888>()) {
+        for (int u = 0; u < 256; u++) {
+            Bytes ys(4096), us(4096, static_cast<uint8_t>(u)), vs(4096), out(3 * 4096);
+            for (size_t i = 0; i < 4096; i++) {
+                ys[i] = static_cast<uint8_t>(i % 16 * 17);
+                vs[i] = static_cast<uint8_t>(i / 16);
+            }
+            uint8_t *src[4] = {ys.data(), us.data(), vs.data()}, *dst[4] = {out.data()};
+            const int32_t stride[4] = {};
+            variant.run(src, 4096, 1, stride, 13, dst, 0, 0, stride, 400);
+            for (size_t i = 0; i < 4096; i++) {
+                const int y = ys[i], v = vs[i] - 128, b = u - 128;
+                ASSERT_EQ(out[3 * i], clamp(y + ((359 * v + 128) >> 8)));
+                ASSERT_EQ(out[3 * i + 1], clamp(y - ((183 * v + 88 * b + 128) >> 8)));
+                ASSERT_EQ(out[3 * i + 2], clamp(y + ((454 * b + 128) >> 8)));
             }
         }
     }

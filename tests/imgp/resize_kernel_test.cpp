@@ -3,8 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <memory>
+#include <deque>
 #include <ostream>
+#include <string>
 
 #include "content.h"
 #include "memory.h"
@@ -72,10 +73,6 @@ std::ostream &operator<<(std::ostream &s, const Case &c) {
              << c.content << ", gaps " << c.src_gap << ' ' << c.dst_gap;
 }
 
-size_t plane_size(int stride, int rows, int row_bytes) {
-    return static_cast<size_t>(stride * (rows - 1) + row_bytes);
-}
-
 Bytes written(GuardedBytes &target) {
     EXPECT_TRUE(target.front_is_intact());
     return target.bytes();
@@ -112,29 +109,36 @@ TEST(ResizeKernels, WholeImagesEqualTheirModels) {
     }
 }
 
-// Lines take the neighbour's distance and any weights from the caller.
+// Lines take the neighbour's distance and any weights from the caller: all groups, in 228 bytes. A row
+// that stays at position 0 reads one group, and no pixels without weight.
 TEST(ResizeKernels, LinesEqualTheirModels) {
     Random random(2);
-    const Bytes other_weights = random_bytes(256, 5);
+    Bytes other_weights = random_bytes(256, 5);
+    for (uint8_t &w : other_weights) w = w % 3 == 0 ? 0 : w;
     for (const ResizeKernel &kernel : resize_kernels()) {
         for (int round = 0; round < 1500; round++) {
             const Case c(random);
             const int32_t step = c.step_x >> 3, shift = c.step_x & 7;
             const int32_t next = round % 4 == 0 ? pick(random, -3, 70) : 1 << shift;
             const int32_t after = std::max(next, 0), before = after - next;
-            const bool other = round % 10 == 0;
-            const bool neighbour = step != 0 || other;
-            const int pixels = before + c.columns(other) + (neighbour ? after - (1 << shift) : 0);
-            const auto size = static_cast<size_t>(pixels * kernel.src_bytes);
-            GuardedBytes top(make_content(c.content, size, static_cast<unsigned>(random())));
-            GuardedBytes bottom(make_content(c.content, size, static_cast<unsigned>(random())));
+            const bool other = round % 3 == 0;
+            const uint8_t *table =
+                (other ? other_weights.data() : tavu_irsz_tbl_rsz_weight) + 4 * (random() % 8);
+            GuardedBytes weights(Bytes(table, table + (step == 0 ? 4 : 228)));
+            const auto row = [&](bool used, int right_weight) {
+                const bool neighbour = step != 0 || right_weight > 0;
+                const int pixels = c.columns() - (step != 0 ? 1 << shift : 0) + before;
+                const int size = (used || neighbour ? pixels : 0) + (neighbour ? after : 0);
+                return make_content(c.content, static_cast<size_t>(size * kernel.src_bytes),
+                                    static_cast<unsigned>(random()));
+            };
+            // The first pixel is read even without weight.
+            GuardedBytes top(row(true, table[1])), bottom(row(table[2] > 0, table[3]));
             const int first = before * kernel.src_bytes;
             const uint8_t *rows[] = {top.data() + first, bottom.data() + first};
-            const uint8_t *weights =
-                (other ? other_weights.data() : tavu_irsz_tbl_rsz_weight) + 4 * (random() % 8);
             const auto run = [&](tavu_irsz_line_t *line) {
                 GuardedBytes dst(static_cast<size_t>(c.dst_w * kernel.dst_bytes));
-                line(rows, weights, c.dst_w, shift, next, step, dst.data());
+                line(rows, weights.data(), c.dst_w, shift, next, step, dst.data());
                 return written(dst);
             };
             const Bytes expected = run(kernel.model.line);
@@ -146,38 +150,82 @@ TEST(ResizeKernels, LinesEqualTheirModels) {
     }
 }
 
-TEST(ResizeKernels, CombinedRoutinesEqualTheirModels) {
+using Planes = std::deque<GuardedBytes>;
+
+// One pixel; its products are wrapped to 16 bits or not.
+void to_rgb(int *yuv, bool wrap) {
+    const int y = yuv[0], u = yuv[1] - 128, v = yuv[2] - 128;
+    const auto term = [wrap](int x) { return ((wrap ? static_cast<int16_t>(x) : x) + 128) >> 8; };
+    yuv[0] = std::clamp(y + term(359 * v), 0, 255);
+    yuv[1] = std::clamp(y - term(183 * v + 88 * u), 0, 255);
+    yuv[2] = std::clamp(y + term(454 * u), 0, 255);
+}
+
+// What a combined routine writes, with canaries between the rows: each plane by the single-channel
+// resizer, then pixel by pixel, where products wrap in groups of eight.
+Bytes combine(const CscKernel &kernel, const Case &c, uint8_t *const *src,
+              const int32_t *src_stride, bool bottom_up) {
+    const bool yuv = std::string(kernel.name).find("yuv") == 0;
+    const int bytes = kernel.dst_bytes[0], row = c.dst_w * bytes, stride = row + c.dst_gap;
+    Bytes scaled[4], out(plane_size(stride, c.dst_h, row), GuardedBytes::CANARY);
+    for (int p = 0; p < 4; p++) {
+        scaled[p].assign(static_cast<size_t>(c.dst_w * c.dst_h), 255);
+        if (p >= kernel.src_planes) continue;
+        tavu_irsz8b_full(src[p], src_stride[p], c.dst_w, c.dst_h, c.dst_w, scaled[p].data(),
+                         c.step_x, c.step_y);
+    }
+    for (int i = 0; i < c.dst_w * c.dst_h; i++) {
+        const int x = i % c.dst_w, y = bottom_up ? c.dst_h - 1 - i / c.dst_w : i / c.dst_w;
+        int pixel[4];
+        for (int p = 0; p < 4; p++) pixel[p] = scaled[p][static_cast<size_t>(i)];
+        if (yuv) to_rgb(pixel, x < c.dst_w / 8 * 8);
+        std::copy_n(pixel, bytes, &out[static_cast<size_t>(y * stride + x * bytes)]);
+    }
+    return out;
+}
+
+TEST(ResizeKernels, CombinedRoutinesResizeEachPlaneThenConvert) {
     Random random(3);
     for (const CscKernel &kernel : csc_rsz_kernels()) {
         for (int round = 0; round < 1500; round++) {
             const Case c(random);
-            std::vector<std::unique_ptr<GuardedBytes>> planes;
+            Planes planes;
             uint8_t *src[4] = {};
             int32_t src_stride[4];
             for (int p = 0; p < kernel.src_planes; p++) {
                 src_stride[p] = c.src_w + c.src_gap + p;
-                planes.push_back(std::make_unique<GuardedBytes>(
-                    make_content(c.content, plane_size(src_stride[p], c.rows(), c.columns()),
-                                 static_cast<unsigned>(random()))));
-                src[p] = planes.back()->data();
+                src[p] = planes
+                             .emplace_back(make_content(
+                                 c.content, plane_size(src_stride[p], c.rows(), c.columns()),
+                                 static_cast<unsigned>(random())))
+                             .data();
             }
             const int row = c.dst_w * kernel.dst_bytes[0], stride = row + c.dst_gap;
             const bool bottom_up = round % 3 == 0;
             const int32_t dst_stride[4] = {bottom_up ? -stride : stride};
-            const auto run = [&](tavu_fn_csc_t routine) {
+            const Bytes expected = combine(kernel, c, src, src_stride, bottom_up);
+            const auto check = [&](const char *level, tavu_fn_csc_t routine) {
                 GuardedBytes target(plane_size(stride, c.dst_h, row));
                 uint8_t *dst[4] = {target.data() + (bottom_up ? stride * (c.dst_h - 1) : 0)};
+                // The order of the target code counts in conversions alone.
                 routine(src, c.src_w, c.src_h, src_stride, 13, dst, c.dst_w, c.dst_h, dst_stride,
-                        kernel.codes[0]);
-                return written(target);
+                        501);
+                ASSERT_EQ(written(target), expected) << kernel.name << ' ' << level << ' ' << c;
             };
-            const Bytes expected = run(kernel.model);
-            for (const CscVariant &variant : kernel.variants) {
-                ASSERT_EQ(run(variant.run), expected)
-                    << kernel.name << ' ' << variant.level << ' ' << c;
-            }
+            check("model", kernel.model);
+            for (const CscVariant &variant : kernel.variants) check(variant.level, variant.run);
+            if (HasFatalFailure()) return;
         }
     }
+}
+
+// The same strong red: wrapped in the group of eight, exact in the remainder.
+TEST(CscRsz, BothArithmeticsStandInOneRow) {
+    Bytes y(64, 128), u(64, 128), v(64, 255);
+    uint8_t *src[4] = {y.data(), u.data(), v.data()}, out[11 * 3], *dst[4] = {out};
+    const int32_t src_stride[4] = {8, 8, 8}, dst_stride[4] = {33};
+    tavu_csc_rsz_yuv444_to_rgb888(src, 8, 8, src_stride, 13, dst, 11, 1, dst_stride, 400);
+    for (int i = 0; i < 11; i++) EXPECT_EQ(out[3 * i], i < 8 ? 50 : 255) << i;
 }
 
 }  // namespace

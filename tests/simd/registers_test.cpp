@@ -7,6 +7,7 @@
 
 #include "kernels.h"
 #include "memory.h"
+#include "metric_kernels.h"
 #include "resize_kernels.h"
 
 namespace {
@@ -122,11 +123,9 @@ TEST_F(Registers, KeptByResizes) {
 }
 
 TEST_F(Registers, KeptByMetrics) {
-    tavu_metric_block_t *const blocks[] = {
-        tavu_sad2x2,   tavu_sad2x4,   tavu_sad4x2,   tavu_sad4x4,   tavu_sad4x8,   tavu_sad8x4,
-        tavu_sad8x8,   tavu_sad8x16,  tavu_sad16x8,  tavu_sad16x16, tavu_sad16x32, tavu_sad32x16,
-        tavu_sad32x32, tavu_sad64x32, tavu_sad32x64, tavu_sad64x64, tavu_satd4x4,  tavu_satd8x8};
-    for (auto *metric : blocks) EXPECT_TRUE(keeps_registers(metric, a, b, STRIDE, STRIDE));
+    for (const auto &k : block_kernels()) {
+        EXPECT_TRUE(keeps_registers(k.variants[0].run, a, b, STRIDE, STRIDE)) << k.name;
+    }
     for (auto *metric : {tavu_sad, tavu_ssd, tavu_satd, tavu_satd1, tavu_satd2}) {
         for (const int width : {4, 8, 16, 32, 64}) {
             EXPECT_TRUE(keeps_registers(metric, width, 16, a, b, STRIDE, STRIDE)) << width;
@@ -135,9 +134,10 @@ TEST_F(Registers, KeptByMetrics) {
     EXPECT_TRUE(keeps_registers(tavu_sad_eskip, 64, 16, a, b, STRIDE, STRIDE, INT32_MAX));
     std::array<int16_t, STRIDE * 64> residual{};
     EXPECT_TRUE(keeps_registers(tavu_hadamard4x4, residual.data()));
-    for (auto *diff : {tavu_diff2x2, tavu_diff4x4, tavu_diff8x8, tavu_diff16x16, tavu_diff32x32,
-                       tavu_diff64x64}) {
-        EXPECT_TRUE(keeps_registers(diff, a, b, STRIDE, STRIDE, STRIDE, residual.data()));
+    for (const auto &k : diff_block_kernels()) {
+        EXPECT_TRUE(
+            keeps_registers(k.variants[0].run, a, b, STRIDE, STRIDE, STRIDE, residual.data()))
+            << k.name;
     }
     EXPECT_TRUE(keeps_registers(tavu_diff, W, H, a, b, STRIDE, STRIDE, STRIDE, residual.data()));
 }
