@@ -54,6 +54,7 @@ class GuardedBytes {
     ~GuardedBytes() { munmap(map_, mapped_); }
 
     uint8_t *data() { return end_ - size_; }
+    size_t size() const { return size_; }
     Bytes bytes() { return Bytes(data(), end_); }
     bool front_is_intact() {
         const auto more = static_cast<size_t>(data() - usable_) - 1;

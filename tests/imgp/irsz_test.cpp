@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <ctime>
+#include <functional>
 #include <memory>
 #include <random>
 
@@ -233,14 +234,14 @@ TEST(Irsz, ZeroTargetRaisesTheArithmeticSignal) {
     int32_t x = 0, y = 0;
     uint8_t *planes[4] = {};
     const int32_t stride[4] = {};
-    for (int round = 0; round < 3; round++) {
+    const std::function<void()> calls[] = {
+        [&] { bilinear_rsz_step_size(4, 4, 0, 4, &x, &y); },
+        [&] { bilinear_rsz_step_size(4, 4, 4, 0, &x, &y); },
+        [&] { tavu_csc_rsz_r8g8b8_to_rgb888(planes, 4, 4, stride, 0, planes, 4, 0, stride, 0); }};
+    for (const auto &call : calls) {
         raised = 0;
-        if (round == 0) bilinear_rsz_step_size(4, 4, 0, 4, &x, &y);
-        if (round == 1) bilinear_rsz_step_size(4, 4, 4, 0, &x, &y);
-        if (round == 2) {
-            tavu_csc_rsz_r8g8b8_to_rgb888(planes, 4, 4, stride, 0, planes, 4, 0, stride, 0);
-        }
-        EXPECT_EQ(raised, 1) << round;
+        call();
+        EXPECT_EQ(raised, 1) << &call - calls;
     }
     signal(SIGFPE, before);
 }

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <deque>
 #include <string>
 
 #include "content.h"
@@ -16,13 +16,11 @@ struct Shape {
     int width, height, src_stride, dst_extra;
 };
 
-using Planes = std::vector<std::unique_ptr<GuardedBytes>>;
-
 // Runs one routine; every source and target plane ends `slack` bytes before an unreadable page.
 // Returns all targets with what lies between their rows.
 Bytes run(const CscKernel &kernel, tavu_fn_csc_t routine, const Shape &s, int32_t code, int content,
           size_t slack) {
-    Planes sources, targets;
+    std::deque<GuardedBytes> sources, targets;
     uint8_t *src[4] = {}, *dst[4] = {};
     // Packed 8-bit targets take the first source stride for all planes; rows of 5-6-5 units lie
     // twice the stride less twice the width apart.
@@ -33,27 +31,25 @@ Bytes run(const CscKernel &kernel, tavu_fn_csc_t routine, const Shape &s, int32_
         if (p == 0 || kernel.src_step == 1) {
             const size_t size =
                 plane_size(s.src_stride * kernel.src_step, s.height, s.width * kernel.src_step);
-            sources.push_back(std::make_unique<GuardedBytes>(
-                make_content(content, size + slack, static_cast<unsigned>(s.width * 31 + p))));
+            sources.emplace_back(
+                make_content(content, size + slack, static_cast<unsigned>(s.width * 31 + p)));
         }
         // Channels of a packed source stand in either order, alpha last.
         const int channel = s.height == 2 && p < 3 ? 2 - p : p;
-        src[p] = sources.back()->data() + (kernel.src_step > 1 ? channel : 0);
+        src[p] = sources.back().data() + (kernel.src_step > 1 ? channel : 0);
     }
     for (size_t p = 0; p < kernel.dst_bytes.size(); p++) {
         const int bytes = kernel.dst_bytes[p], stride = s.width * bytes + s.dst_extra;
-        targets.push_back(
-            std::make_unique<GuardedBytes>(plane_size(stride, s.height, s.width * bytes) + slack));
+        targets.emplace_back(plane_size(stride, s.height, s.width * bytes) + slack);
         dst_stride[p] = units && p == 0 ? stride / 2 + s.width : stride;
         // B, G, R order goes through the third pointer; the others must not be touched.
-        dst[third ? 2 : p] = targets.back()->data();
+        dst[third ? 2 : p] = targets.back().data();
     }
     routine(src, s.width, s.height, src_stride, 13, dst, 0, 0, dst_stride, code);
     Bytes written;
-    for (const auto &target : targets) {
-        EXPECT_TRUE(target->front_is_intact());
-        const Bytes bytes = target->bytes();
-        written.insert(written.end(), bytes.begin(), bytes.end());
+    for (GuardedBytes &target : targets) {
+        EXPECT_TRUE(target.front_is_intact());
+        written.insert(written.end(), target.data(), target.data() + target.size());
     }
     return written;
 }

@@ -150,8 +150,6 @@ TEST(ResizeKernels, LinesEqualTheirModels) {
     }
 }
 
-using Planes = std::deque<GuardedBytes>;
-
 // One pixel; its products are wrapped to 16 bits or not.
 void to_rgb(int *yuv, bool wrap) {
     const int y = yuv[0], u = yuv[1] - 128, v = yuv[2] - 128;
@@ -189,16 +187,14 @@ TEST(ResizeKernels, CombinedRoutinesResizeEachPlaneThenConvert) {
     for (const CscKernel &kernel : csc_rsz_kernels()) {
         for (int round = 0; round < 1500; round++) {
             const Case c(random);
-            Planes planes;
+            std::deque<GuardedBytes> planes;
             uint8_t *src[4] = {};
             int32_t src_stride[4];
             for (int p = 0; p < kernel.src_planes; p++) {
                 src_stride[p] = c.src_w + c.src_gap + p;
-                src[p] = planes
-                             .emplace_back(make_content(
-                                 c.content, plane_size(src_stride[p], c.rows(), c.columns()),
-                                 static_cast<unsigned>(random())))
-                             .data();
+                const size_t size = plane_size(src_stride[p], c.rows(), c.columns());
+                planes.emplace_back(make_content(c.content, size, static_cast<unsigned>(random())));
+                src[p] = planes.back().data();
             }
             const int row = c.dst_w * kernel.dst_bytes[0], stride = row + c.dst_gap;
             const bool bottom_up = round % 3 == 0;
