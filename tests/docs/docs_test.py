@@ -29,6 +29,7 @@ extern int32_t src_h, band_h;
 const void *band_at(int32_t row);
 """
 SUFFIX = re.compile(r"\.(cpp|h|c|py|md|cmake|txt|json|map|in|dot|svg|css|sed)$")
+PACKS = glob.glob(f"{ROOT}/samples/fuzz/*.pack")
 NUMBERS = ("one two three four five six seven eight nine ten").split()
 
 
@@ -47,13 +48,6 @@ def text_of(*patterns):
     return "\n".join(map(read, sorted(found)))
 
 
-def documents():
-    """(path, text) of every page and manual page."""
-    for path in tree():
-        if path.endswith(".md") or path.startswith("docs/man/"):
-            yield path, read(f"{ROOT}/{path}")
-
-
 def tree():
     """Paths of all files and folders, without those that are built."""
     paths = []
@@ -61,6 +55,16 @@ def tree():
         folders[:] = [name for name in folders if name not in ("build", ".git", "__pycache__")]
         paths += [os.path.relpath(f"{folder}/{name}", ROOT) for name in folders + files]
     return paths
+
+
+# (path, text) of every page and manual page.
+DOCUMENTS = [(path, read(f"{ROOT}/{path}")) for path in tree()
+             if path.endswith(".md") or path.startswith("docs/man/")]
+
+
+def found(pattern):
+    """(path, match) of every match in a document."""
+    return [(path, match) for path, text in DOCUMENTS for match in re.findall(pattern, text, re.M)]
 
 
 def named_files(text):
@@ -87,7 +91,7 @@ def anchors(path):
 
 def count_kept_inputs():
     count = 0
-    for path in glob.glob(f"{ROOT}/samples/fuzz/*.pack"):
+    for path in PACKS:
         with open(path, "rb") as file:
             while size := file.read(2):
                 file.seek(int.from_bytes(size, "little"), os.SEEK_CUR)
@@ -108,7 +112,7 @@ def count_thread_programs():
 
 COUNTS = {
     r"(\d[\d,]*) exported names": lambda: len(exported_names()),
-    r"(\d[\d,]*) targets under AddressSanitizer": lambda: len(glob.glob(f"{ROOT}/samples/fuzz/*.pack")),
+    r"(\d[\d,]*) targets under AddressSanitizer": lambda: len(PACKS),
     r"(\d[\d,]*) kept inputs": count_kept_inputs,
     r"(\d[\d,]*) cells from": count_cells,
     r"(\d[\d,]*) programs under ThreadSanitizer": count_thread_programs,
@@ -146,13 +150,11 @@ def run(command, **options):
 
 class Documents(unittest.TestCase):
     def test_programs(self):
-        count = 0
+        self.assertGreaterEqual(len(list(programs())), 10)
         with tempfile.TemporaryDirectory() as folder:
             for name, source, expected in programs():
-                count += 1
                 with self.subTest(name):
                     self.check(folder, complete(source), expected)
-        self.assertGreaterEqual(count, 10)
 
     def test_code_in_the_header(self):
         for code in re.findall(r"@code.*?\n(.*?)@endcode", text_of("include/tavu.h"), flags=re.S):
@@ -164,11 +166,11 @@ class Documents(unittest.TestCase):
                           "-"], input=source)
             self.assertEqual((result.returncode, result.stderr), (0, ""), source)
 
-    def assert_all(self, good, found):
+    def assert_all(self, good, pairs):
         """Of (page, name) pairs, good(page, name)."""
-        found = set(found)
-        self.assertTrue(found)
-        self.assertEqual(sorted(pair for pair in found if not good(*pair)), [])
+        pairs = set(pairs)
+        self.assertTrue(pairs)
+        self.assertEqual(sorted(pair for pair in pairs if not good(*pair)), [])
 
     def test_files_exist(self):
         paths = tree()
@@ -177,7 +179,7 @@ class Documents(unittest.TestCase):
             pattern = re.sub(r"(?<![A-Za-z])X(?![A-Za-z])", "*", name)  # a placeholder
             return fnmatch.filter(paths, pattern) or fnmatch.filter(paths, f"*/{pattern}")
         self.assert_all(exists, ((page, name) for page, text in
-                                 [*documents(), ("tavu.h", text_of("include/tavu.h"))]
+                                 [*DOCUMENTS, ("tavu.h", text_of("include/tavu.h"))]
                                  for name in named_files(text)))
 
     def test_links_lead_somewhere(self):
@@ -185,21 +187,17 @@ class Documents(unittest.TestCase):
             target, _, anchor = link.partition("#")
             path = os.path.join(ROOT, os.path.dirname(page), target) if target else f"{ROOT}/{page}"
             return os.path.exists(path) and (not anchor or anchor in anchors(path))
-        self.assert_all(leads_somewhere, ((page, link) for page, text in documents() for link in
-                                          re.findall(r"\]\(([^)\s]+)\)", text) if "://" not in link))
+        self.assert_all(leads_somewhere, found(r"\]\((?!\w+://)([^)\s]+)\)"))
 
     def test_names_exist(self):
         functions = exported_names()
         cmake = text_of("CMakeLists.txt", "*/CMakeLists.txt", "cmake/*.cmake")
         known = set(re.findall(r"\w+", text_of("include/tavu.h") + cmake))
         known |= set(re.findall(r"\bTAVU_\w+", text_of("src/**/*.h")))
-        self.assert_all(lambda _, name: name in functions, (
-            (page, "".join(name)) for page, text in documents() for name in
-            re.findall(r"\b((?:tavu|bilinear)_\w+)\(\)|^\.Fn (\w+)", text, flags=re.M)))
+        self.assert_all(lambda _, name: "".join(name) in functions,
+                        found(r"\b((?:tavu|bilinear)_\w+)\(\)|^\.Fn (\w+)"))
         self.assert_all(lambda _, name: name in known or name.endswith("_") and any(
-            other.startswith(name) for other in known), (
-            (page, name) for page, text in documents() for name in
-            re.findall(r"\b(?:tavu|TAVU|bilinear)_\w+", text)))
+            other.startswith(name) for other in known), found(r"\b(?:tavu|TAVU|bilinear)_\w+"))
 
     def test_commands_exist(self):
         for pattern, known in {
@@ -210,23 +208,19 @@ class Documents(unittest.TestCase):
                 r"(?:ctest\b.* -R |--gtest_filter=)['^*]*(?:tools_)?(\w+)":
                     text_of("tests/**/*.cpp", "tests/**/CMakeLists.txt", "fuzz/CMakeLists.txt"),
         }.items():
-            self.assert_all(lambda _, name, known=known: name in known, (
-                (page, name) for page, text in documents() for name in re.findall(pattern, text)))
+            self.assert_all(lambda _, name, known=known: name in known, found(pattern))
 
     def test_numbers(self):
-        text = "\n".join(text for _, text in documents())
         for pattern, count in COUNTS.items():
-            stated = [number.lower().replace(",", "") for number in re.findall(pattern, text)]
+            stated = [number.lower().replace(",", "") for _, number in found(pattern)]
             number = count()
             spelt = {str(number), *NUMBERS[number - 1:number]}
             self.assertTrue(stated and set(stated) <= spelt, f"{pattern}: {stated}, not {number}")
 
     def check(self, folder, source, expected):
-        path, program = f"{folder}/program.c", f"{folder}/program"
-        with open(path, "w", encoding="utf-8") as file:
-            file.write(source)
-        built = run([*COMPILE, f"-I{ROOT}/include", path, LIBRARY,
-                     f"-Wl,-rpath,{os.path.dirname(LIBRARY)}", "-o", program])
+        program = f"{folder}/program"
+        built = run([*COMPILE, f"-I{ROOT}/include", "-xc", "-", "-xnone", LIBRARY,
+                     f"-Wl,-rpath,{os.path.dirname(LIBRARY)}", "-o", program], input=source)
         self.assertEqual((built.returncode, built.stderr), (0, ""))
         result = run([*shlex.split(EMULATOR.replace(";", " ")), program])
         self.assertEqual((result.returncode, result.stderr), (0, ""))

@@ -45,28 +45,27 @@ def files(folder):
     return {path.relative_to(folder).as_posix() for path in folder.rglob("*") if not path.is_dir()}
 
 
-class Folder(unittest.TestCase):
-    """A test with a folder of its own."""
-
-    def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp())
-        self.addCleanup(run, "rm", "-rf", self.folder)
-
-
-class Installed(Folder):
+class Installed(unittest.TestCase):
     """A test of the prefix that was given, or of a new one that the build installs to."""
 
     def setUp(self):
-        super().setUp()
+        self.folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
         self.prefix = ARGUMENTS.prefix
         if not self.prefix:
             self.prefix = self.folder / "prefix"
             run("cmake", "--install", ARGUMENTS.build, "--prefix", self.prefix)
         self.library = next(self.prefix.rglob("libtavu.so.1"))
 
+    def output(self, program, *arguments):
+        return run(*ARGUMENTS.emulator, program, *arguments,
+                   LD_LIBRARY_PATH=str(self.library.parent))
+
+    def pkg_config(self, *arguments):
+        return run("pkg-config", *arguments, "tavu",
+                   PKG_CONFIG_LIBDIR=str(self.library.parent / "pkgconfig")).split()
+
     def check(self, program, expected):
-        environment = {"LD_LIBRARY_PATH": str(self.library.parent)}
-        self.assertEqual(run(*ARGUMENTS.emulator, program, **environment), expected + "\n")
+        self.assertEqual(self.output(program), expected + "\n")
         needs = run("readelf", "-dW", program)
         if expected == "C":
             self.assertNotRegex(needs, RUN_TIME_OF_CPP)
@@ -75,16 +74,14 @@ class Installed(Folder):
 
 class PkgConfig(Installed):
     def test_shared_and_static_from_both_languages(self):
-        settings = {"PKG_CONFIG_LIBDIR": str(self.library.parent / "pkgconfig")}
-        for language, compiler, standard in (("c", ARGUMENTS.cc, "c99"),
-                                             ("cpp", ARGUMENTS.cxx, "c++17")):
-            source = CONSUMER / f"consumer.{language}"
+        for suffix, language, compiler, standard in (("c", "C", ARGUMENTS.cc, "c99"),
+                                                     ("cpp", "C++", ARGUMENTS.cxx, "c++17")):
             for kind, how, linking in (("shared", [], []), ("static", ["--static"], ["-static"])):
-                flags = run("pkg-config", *how, "--cflags", "--libs", "tavu", **settings).split()
-                program = self.folder / f"{kind}_{language}"
-                run(*compiler, f"-std={standard}", "-pedantic-errors", "-Wall", "-Werror", source,
-                    *flags, *linking, "-o", program)
-                self.check(program, "C" if language == "c" else "C++")
+                program = self.folder / f"{kind}_{suffix}"
+                run(*compiler, f"-std={standard}", "-pedantic-errors", "-Wall", "-Werror",
+                    CONSUMER / f"consumer.{suffix}", *self.pkg_config(*how, "--cflags", "--libs"),
+                    *linking, "-o", program)
+                self.check(program, language)
 
 
 class CMake(Installed):
@@ -115,10 +112,9 @@ class CMake(Installed):
 
 
 @unittest.skipIf(ARGUMENTS.prefix, "packages hold components already")
-class Components(Folder):
+class Components(Installed):
     def test_each_file_is_in_the_component_of_its_use(self):
-        run("cmake", "--install", ARGUMENTS.build, "--prefix", self.folder / "all")
-        left = files(self.folder / "all")
+        left = files(self.prefix)
         for component, pattern in (("Runtime", r"lib/libtavu\.so\.\d.*"),
                                    ("Tools", r"bin/tavu|share/(man/man1|bash-completion|zsh)/.*"),
                                    ("Development", r"include/.*|lib/.*|share/man/man3/.*")):
@@ -190,12 +186,9 @@ class Version(Installed):
         self.assertEqual(macros, list(zip(("MAJOR", "MINOR", "PATCH"), version.split("."))))
         self.assertEqual(self.library.resolve().name, f"libtavu.so.{version}")
         self.assertIn(f"soname: [libtavu.so.{major}]", run("readelf", "-dW", self.library))
-        settings = {"PKG_CONFIG_LIBDIR": str(self.library.parent / "pkgconfig")}
-        self.assertEqual(run("pkg-config", "--modversion", "tavu", **settings).strip(), version)
+        self.assertEqual(self.pkg_config("--modversion"), [version])
         if (self.prefix / "bin/tavu").exists():
-            environment = {"LD_LIBRARY_PATH": str(self.library.parent)}
-            told = run(*ARGUMENTS.emulator, self.prefix / "bin/tavu", "--version", **environment)
-            self.assertEqual(told.split()[1], version)
+            self.assertEqual(self.output(self.prefix / "bin/tavu", "--version").split()[1], version)
 
 
 if __name__ == "__main__":

@@ -14,18 +14,15 @@ import tempfile
 import unittest
 from multiprocessing.pool import ThreadPool
 
-# Without inlining every function that is called has a body.
-PLAIN = ["-O0", "-U_FORTIFY_SOURCE", "-w"]
-
 
 def weak_symbols(unit):
     """Those of a file's object, without those named after the level."""
-    command = shlex.split(unit["command"])
     level = re.search(r"-DTAVU_LEVEL=(\d)", unit["command"]).group(1)
     with tempfile.NamedTemporaryFile(suffix=".o") as file:
-        command[command.index("-o") + 1] = file.name
-        subprocess.run(command + PLAIN, cwd=unit["directory"], check=True)
-        names = subprocess.run(["nm", file.name], check=True, capture_output=True, text=True).stdout
+        # Without inlining every function that is called has a body.
+        command = re.sub(r" -o \S+", f" -o {file.name} -O0 -U_FORTIFY_SOURCE -w", unit["command"])
+        subprocess.run(shlex.split(command), cwd=unit["directory"], check=True)
+        names = subprocess.check_output(["nm", file.name], text=True)
     return [name for name in re.findall(r"^\w+ [uvVW] (\S+)$", names, flags=re.M)
             if f"4tavu6level{level}" not in name]
 

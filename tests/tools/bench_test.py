@@ -3,22 +3,20 @@
 import csv
 import io
 import json
-import os
 import re
 
-from tool_case import PROJECT, Case
+from tool_case import PROJECT, Case, read
 
 
 class Bench(Case):
     def test_every_kernel_is_listed(self):
-        with open(os.path.join(PROJECT, "bench", "variants.cpp")) as file:
-            kernels = re.findall(r"^KERNEL4?\(tavu_(\w+)\)", file.read(), re.M)
+        kernels = re.findall(rb"^KERNEL4?\(tavu_(\w+)\)", read(PROJECT + "/bench/variants.cpp"), re.M)
+        kernels = [name.decode() for name in kernels]
         listed = self.ok("bench", "--list").split()
         self.assertEqual(len(listed), len(set(listed)))
         self.assertEqual({name for name in listed if not name.startswith("resize")},
                          {name for name in kernels if not name.startswith(("irsz", "is_vkeyfrm"))})
-        with open(os.path.join(PROJECT, "include", "tavu.h")) as file:
-            resizers = set(re.findall(r"\btavu_irsz\w+_(?:full|line)\b", file.read()))
+        resizers = set(re.findall(rb"\btavu_irsz\w+_(?:full|line)\b", read(PROJECT + "/include/tavu.h")))
         self.assertEqual(sum(name.startswith("resize") for name in listed), len(resizers))
 
     def test_forms(self):

@@ -2,12 +2,11 @@
 
 import json
 import math
-import os
 import random
 import re
 import subprocess
 
-from tool_case import Case, ffmpeg, ffprobe, needs_ffmpeg, sample
+from tool_case import Case, decoded, ffmpeg, ffprobe, needs_ffmpeg, read, sample
 
 
 def ratio(ssd, samples):
@@ -42,14 +41,13 @@ class Compare(Case):
             second = [first[2], first[1], bytes(v ^ 1 for v in first[2])]
             a, b = self.clip("a.y4m", w, h, first), self.clip("b.y4m", w, h, second)
             expected = []
-            for index, (p, q) in enumerate(zip(first, second)):
-                residual = [i - j for i, j in zip(p, q)]
+            for index in range(3):
+                residual = [i - j for i, j in zip(first[index], second[index])]
                 ssd = sum(d * d for d in residual)
-                blocks = [satd(residual, w, h, x, y)
-                          for y in range(0, h, 8) for x in range(0, w, 8)]
-                expected.append({"index": index, "time": index / 10, "satd": sum(blocks),
-                                 "sad": sum(map(abs, residual)), "ssd": ssd,
-                                 "psnr": ratio(ssd, w * h)})
+                expected.append({"index": index, "time": index / 10, "psnr": ratio(ssd, w * h),
+                                 "sad": sum(map(abs, residual)), "ssd": ssd, "satd": sum(
+                                     satd(residual, w, h, x, y)
+                                     for y in range(0, h, 8) for x in range(0, w, 8))})
             frames, total = self.frames(a, b)
             self.assertEqual(frames, expected)
             sums = {key: sum(f[key] for f in expected) for key in ("sad", "ssd", "satd")}
@@ -69,8 +67,7 @@ class Compare(Case):
             result = subprocess.run(["ffmpeg", "-i", sample(name), "-i", other, "-lavfi",
                                      pair + self.path("stats"), "-f", "null", "-"],
                                     capture_output=True, text=True, check=True)
-            with open(self.path("stats")) as file:
-                expected = re.findall(r"psnr_y:(\S+)", file.read())
+            expected = re.findall(rb"psnr_y:(\S+)", read(self.path("stats")))
             frames, total = self.frames(sample(name), other)
             with self.subTest(name):
                 self.assertEqual(len(frames), len(expected))
@@ -101,7 +98,7 @@ class Compare(Case):
                 frame[y * w + 16] += 127
         self.ok("compare", self.clip("a.y4m", w, h, first), self.clip("b.y4m", w, h, second),
                 "-o", self.path("heat.png"))
-        rgb = ffmpeg("-i", self.path("heat.png"), "-f", "rawvideo", "-pix_fmt", "rgb24", "-")
+        rgb = decoded(self.path("heat.png"))
         line = ffprobe(self.path("heat.png"), "stream=width")["streams"][0]["width"]
         warmth = lambda x, y: rgb[3 * (y * line + x)] - rgb[3 * (y * line + x) + 2]
         self.assertGreater(warmth(16, 8), 50)
@@ -127,4 +124,4 @@ class Compare(Case):
         self.fails("compare", three, self.path("none.y4m"), *heat, says="none.y4m: ")
         self.fails("compare", three, two, "-o", self.path("none/heat.png"))
         self.fails("compare", three, status=2)
-        self.assertEqual(sorted(os.listdir(self.directory)), ["2", "3", "wide"])
+        self.assertEqual(self.files(), ["2", "3", "wide"])

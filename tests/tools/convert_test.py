@@ -1,9 +1,8 @@
 """tavu convert: every pixel against the documented equations."""
 
-import os
 import random
 
-from tool_case import HAVE_FFMPEG, Case, ffmpeg, needs_ffmpeg, sample
+from tool_case import HAVE_FFMPEG, Case, decoded, needs_ffmpeg, read, sample
 
 W, H = 21, 6
 PACKED = {"rgb888": "rgb", "bgr888": "bgr", "rgba8888": "rgba", "bgra8888": "bgra"}
@@ -47,8 +46,7 @@ class Convert(Case):
 
     def converted(self, path, *args, out="out.bin"):
         self.ok("convert", path, self.path(out), *args)
-        with open(self.path(out), "rb") as file:
-            return file.read()
+        return read(self.path(out))
 
     def sources(self):
         """Files with what is in them, pixel by pixel."""
@@ -66,7 +64,7 @@ class Convert(Case):
         if HAVE_FFMPEG:
             clip = self.made("x.avi", "64x48", "-c:v", "mjpeg", "-pix_fmt", "yuvj444p", "-vf",
                              f"format=yuv444p,crop={W}:{H},noise=alls=60:allf=t")
-            raw = ffmpeg("-i", clip, "-f", "rawvideo", "-")[3 * 3 * W * H:4 * 3 * W * H]
+            raw = decoded(clip, layout="yuvj444p")[3 * 3 * W * H:4 * 3 * W * H]
             yield clip, ["--frame", 3], from_yuv, zip(*(raw[p * W * H:][:W * H] for p in range(3)))
 
     def test_every_source_to_every_target(self):
@@ -106,12 +104,11 @@ class Convert(Case):
         clip = [sample("h264.mp4"), "--frame", 90, "--to"]
         for target, layout in {"rgb888": "rgb24", "bgr888": "bgr24", "bgra8888": "bgra"}.items():
             self.converted(*clip, target, out="x.PNG")
-            shown = ffmpeg("-i", self.path("x.PNG"), "-f", "rawvideo", "-pix_fmt", layout, "-")
+            shown = decoded(self.path("x.PNG"), layout=layout)
             self.assertEqual(shown, self.converted(*clip, target))
         ppm = self.converted(*clip, "400", out="x.ppm")
         self.assertEqual(ppm, b"P6\n320 180\n255\n" + self.converted(*clip, "rgb888"))
-        true = ffmpeg("-i", clip[0], "-vf", r"select=eq(n\,90)", "-frames:v", 1, "-f", "rawvideo",
-                      "-pix_fmt", layout, "-")
+        true = decoded(clip[0], "-vf", r"select=eq(n\,90)", "-frames:v", 1, layout=layout)
         self.assertLess(sum(abs(a - b) for a, b in zip(shown, true)) / len(true), 5)
 
     def test_resizing(self):
@@ -152,16 +149,14 @@ class Convert(Case):
             self.assertEqual((rows[pair][0], rows[pair][2]), ("yes", drawing))
 
     def test_failures_leave_no_file(self):
-        raw, out = self.written("in.yuv", bytes(100)), self.path("out.png")
-        grey = [out, "--size", "10x10", "--cs", "10"]
-        for args in [out], [*grey[:-1], "yuv420"], [*grey, "--frame", 1]:
-            self.fails("convert", raw, *args, says=raw)
-        self.fails("convert", raw, self.path("none/out"), *grey[1:], says="none/out")
-        for args in [], grey[:3], [*grey[:-1], "rgb888"], [out, "--to", "rgb565"], \
-                [out, "--resize", "9x"], [out, "--resize", "9x70000"], [out, "--one-pass"], \
-                [out, "--frame", "-1"], [self.path("out.ppm"), "--to", "bgr888"], \
-                [*grey, "--limited"], \
-                [self.path("out"), *grey[1:], "--to", "200", "--resize", "8x8", "--one-pass"]:
+        raw, size = self.written("in.yuv", bytes(100)), "--size 10x10 --cs"
+        for args in "out.png", f"out.png {size} yuv420", f"out.png {size} 10 --frame 1":
+            self.fails("convert", raw, *args.split(), says=raw, cwd=self.directory)
+        self.fails("convert", raw, self.path("none/out"), *f"{size} 10".split(), says="none/out")
+        for args in "", "out.png --size 10x10", f"out.png {size} rgb888", "out.png --to rgb565", \
+                "out.png --resize 9x", "out.png --resize 9x70000", "out.png --one-pass", \
+                "out.png --frame -1", "out.ppm --to bgr888", f"out.png {size} 10 --limited", \
+                f"out {size} 10 --to 200 --resize 8x8 --one-pass":
             with self.subTest(args):
-                self.fails("convert", raw, *args, status=2)
-        self.assertEqual(os.listdir(self.directory), ["in.yuv"])
+                self.fails("convert", raw, *args.split(), status=2, cwd=self.directory)
+        self.assertEqual(self.files(), ["in.yuv"])

@@ -1,10 +1,10 @@
 """tavu probe against ffprobe, and parameter sets that are rarely seen."""
 
-import os
 import re
 import shutil
 
-from tool_case import NAMES, Case, ffmpeg, ffprobe, needs_ffmpeg, packets, run, sample
+from tool_case import (NAMES, Case, decoded, ffmpeg, ffprobe, needs_ffmpeg, packets, read, run,
+                       sample)
 
 
 @needs_ffmpeg
@@ -24,31 +24,24 @@ class Probe(Case):
                         self.assertAlmostEqual(unit["time"], float(packet["pts_time"]), places=5)
 
     def test_streams_whose_key_flags_mean_more_than_the_detector_looks_for(self):
-        x265 = "log-level=error:keyint=5:min-keyint=5:scenecut=0:pools=none:frame-threads=1:"
-        hevc = ["-c:v", "libx265", "-tag:v", "hvc1", "-pix_fmt", "yuv420p", "-x265-params"]
-        clips = {
-            # Each key unit begins with a parameter set, which the detector takes for its answer.
-            "parameter sets first": self.path("sets.h265"),
-            # Later key frames are clean random access pictures, no IDR slices.
-            "CRA": self.made("cra.mp4", "64x48", *hevc, x265 + "info=0:open-gop=1:bframes=2"),
-            # Later key frames are intra pictures with a recovery point message, no IDR slices.
-            "recovery point": self.made("open.h264", "64x48", "-c:v", "libx264", "-x264-params",
-                                        "keyint=5:min-keyint=1:open-gop=1:scenecut=0:bframes=2"),
-            # Read without a container, ffmpeg flags every H.263 picture.
-            "raw H.263": self.path("raw.h263"),
-        }
-        ffmpeg("-i", sample("hevc.mp4"), "-c", "copy", clips["parameter sets first"])
-        ffmpeg("-i", sample("h263.3gp"), "-c", "copy", clips["raw H.263"])
-        expected = {"parameter sets first": (4, 0), "CRA": (2, 1),
-                    "recovery point": (2, 1), "raw H.263": (24, 4)}
-        for what, path in clips.items():
-            with self.subTest(what):
-                track = self.video(path)
+        ffmpeg("-i", sample("hevc.mp4"), "-c", "copy", self.path("sets.h265"))
+        ffmpeg("-i", sample("h263.3gp"), "-c", "copy", self.path("raw.h263"))
+        self.made("cra.mp4", "64x48", "-c:v", "libx265", "-tag:v", "hvc1", "-pix_fmt", "yuv420p",
+                  "-x265-params", "log-level=error:keyint=5:min-keyint=5:scenecut=0:pools=none:"
+                  "frame-threads=1:info=0:open-gop=1:bframes=2")
+        self.made("open.h264", "64x48", "-c:v", "libx264", "-x264-params",
+                  "keyint=5:min-keyint=1:open-gop=1:scenecut=0:bframes=2")
+        # Each key unit begins with a parameter set, which the detector takes for its answer. Later
+        # key frames are clean random access pictures, or intra pictures with a recovery point
+        # message, no IDR slices. Read without a container, ffmpeg flags every H.263 picture.
+        for name, keys in {"sets.h265": (4, 0), "cra.mp4": (2, 1), "open.h264": (2, 1),
+                           "raw.h263": (24, 4)}.items():
+            with self.subTest(name):
+                track = self.video(self.path(name))
                 self.assertEqual([unit["container_key"] for unit in track["units"]],
-                                 ["K" in packet["flags"] for packet in packets(path)])
+                                 ["K" in packet["flags"] for packet in packets(self.path(name))])
                 summary = track["summary"]
-                self.assertEqual((summary["container_keys"], summary["detector_keys"]),
-                                 expected[what])
+                self.assertEqual((summary["container_keys"], summary["detector_keys"]), keys)
                 self.assertEqual(summary["agreements"],
                                  sum(unit["container_key"] == unit["detector_key"]
                                      for unit in track["units"]))
@@ -62,8 +55,7 @@ class Probe(Case):
             self.assertEqual((track["fourcc"], track["media_type"]), (fourcc, media_type))
             self.assertEqual(track["fourcc_number"], int.from_bytes(fourcc.encode(), "little"))
             stream = ffprobe(sample(name), "stream=width,height")["streams"][0]
-            self.assertEqual((track["width"], track["height"]),
-                             (stream["width"], stream["height"]))
+            self.assertEqual({key: track[key] for key in ("width", "height")}, stream)
         shutil.copy(sample("h264.mp4"), self.path("colon:1.mp4"))
         text = run("probe", "colon:1.mp4", cwd=self.directory).stdout
         self.assertIn("track 0: video  avc1  0x31637661  media type 104 VID_H264  320x180", text)
@@ -73,27 +65,23 @@ class Probe(Case):
     def test_plot(self):
         """A red bar for each key frame, blue ones between."""
         self.ok("probe", sample("h264.mp4"), "--plot", self.path("plot.png"))
-        rgb = ffmpeg("-i", self.path("plot.png"), "-f", "rawvideo", "-pix_fmt", "rgb24", "-")
-        width, plot_height = 1200, 420  # the rest is the legend
-        row = 3 * width
-        pixel = lambda x, y: rgb[y * row + 3 * x:y * row + 3 * x + 3]
-        has = lambda x, colour: any(pixel(x, y) == colour for y in range(plot_height))
-        red = [has(x, b"\xcc\x33\x11") for x in range(width)]
+        rgb = decoded(self.path("plot.png"), "-vf", "crop=1200:420:0:0")  # without the legend
+        columns = [{rgb[at:at + 3] for at in range(3 * x, len(rgb), 3600)} for x in range(1200)]
+        red = [b"\xcc\x33\x11" in column for column in columns]
         self.assertEqual(sum(b and not a for a, b in zip(red, red[1:])), 8)
-        self.assertGreater(sum(has(x, b"\x77\x99\xbb") for x in range(width)), 200)
+        self.assertGreater(sum(b"\x77\x99\xbb" in column for column in columns), 200)
         audio = self.path("audio.m4a")
         ffmpeg("-i", sample("h264.mp4"), "-vn", "-c", "copy", audio)
         self.fails("probe", audio, "--plot", self.path("x.png"), says="no video units")
         self.fails("probe", sample("h264.mp4"), "--plot", self.path("x.png"), says="gnuplot",
                    env={"PATH": self.directory})
-        self.assertNotIn("x.png", os.listdir(self.directory))
+        self.assertNotIn("x.png", self.files())
 
     def check_sequence(self, path):
         sequence = self.video(path)["sequence"]
         stream = ffprobe(path, "stream=profile,level,width,height")["streams"][0]
-        self.assertEqual((sequence["profile"], sequence["level_idc"], sequence["width"],
-                          sequence["height"]),
-                         (stream["profile"], stream["level"], stream["width"], stream["height"]))
+        sequence["level"] = sequence["level_idc"]
+        self.assertEqual({key: sequence[key] for key in stream}, stream)
 
     def test_sequence_parameter_sets(self):
         x264 = ["-c:v", "libx264", "-frames:v", "2", "-pix_fmt"]
@@ -122,10 +110,7 @@ class Probe(Case):
         nal = bytes([0x67, profile, 0, 13]) + int(bits, 2).to_bytes(len(bits) // 8, "big")
         escaped = re.sub(rb"\0\0(?=[\0-\3])", b"\0\0\3", nal)
         self.assertNotEqual(escaped, nal)
-        with open(sample("h264.h264"), "rb") as file:
-            rest = file.read()
-        rest = rest[rest.index(b"\0\0\1\x68"):]
-        rest = rest[:rest.index(b"\0\0\1\x67")]
+        rest = re.search(rb"\0\0\x01\x68.*?(?=\0\0\x01\x67)", read(sample("h264.h264")), re.S)[0]
         return self.written("rare.h264", b"\0\0\0\1" + escaped + b"\0" + rest)
 
     def test_sequences_with_rare_fields(self):
@@ -137,10 +122,8 @@ class Probe(Case):
         self.assertEqual((sequence["width"], sequence["height"]), (320 - 9, 256 - 4 * 2))
 
     def test_lengths_and_parameter_sets_that_do_not_fit(self):
-        with open(sample("h264.mp4"), "rb") as file:
-            data = bytearray(file.read())
-        second = packets(sample("h264.mp4"))[1]
-        at = int(second["pos"])
+        data = bytearray(read(sample("h264.mp4")))
+        at = int(packets(sample("h264.mp4"))[1]["pos"])
         data[at:at + 4] = b"\xff\xff\xff\xff"
         out = self.fails("probe", self.written("length.mp4", data), says="unit 1: a NAL unit")
         self.assertIn("240 units, 8 container key frames, 8 detector key frames", out)

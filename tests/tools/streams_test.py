@@ -9,19 +9,17 @@ import signal
 import subprocess
 import time
 
-from tool_case import TAVU, Case, run, sample
+from tool_case import TAVU, Case, read, run, sample
 
 # By default they do not end a program, or cannot be caught; sanitizers take four for themselves.
 SURVIVED = {signal.SIGCHLD, signal.SIGCONT, signal.SIGSTOP, signal.SIGTSTP, signal.SIGTTIN,
             signal.SIGTTOU, signal.SIGURG, signal.SIGWINCH, signal.SIGKILL, signal.SIGSEGV,
             signal.SIGBUS, signal.SIGFPE, signal.SIGILL}
-ENDLESS = ["--size", "64x64", "--cs", "yuv400", "--frame", 50_000_000]
 
 
 class Streams(Case):
     def piped(self, *args, source):
-        with open(source, "rb") as file:
-            result = subprocess.run([TAVU, *args], input=file.read(), capture_output=True)
+        result = run(*args, input=read(source), text=False)
         self.assertEqual((result.returncode, result.stderr), (0, b""))
         return result.stdout
 
@@ -41,12 +39,11 @@ class Streams(Case):
         clip = sample("h264.mp4")
         for args, option in (["sheet", clip], ["-o"]), (["convert", clip], []), \
                 (["compare", clip, sample("h264.h264")], ["-o"]), (["probe", clip], ["--plot"]):
-            quiet = self.ok(*args, *option, self.path("out.bin"), "--quiet")
-            self.assertEqual(quiet, "")
-            with open(self.path("out.bin"), "rb") as file:
-                self.assertEqual(self.piped(*args, *option, "-", source=clip), file.read(), args)
+            self.assertEqual(self.ok(*args, *option, self.path("out.bin"), "--quiet"), "")
+            self.assertEqual(self.piped(*args, *option, "-", source=clip),
+                             read(self.path("out.bin")), args)
             self.fails(*args, *option, "-", "--json", status=2)
-        self.assertEqual(os.listdir(self.directory), ["out.bin"])
+        self.assertEqual(self.files(), ["out.bin"])
 
     def test_quiet(self):
         clip = sample("mpeg4.avi")
@@ -55,35 +52,28 @@ class Streams(Case):
                 ["bench", "sad2x2"]:
             self.assertEqual(self.ok(*args, "-q"), "")
             self.assertGreater(len(self.ok(*args)), 10)
-            self.assertEqual(keys_only(self.ok(*args, "-q", "--json")),
-                             keys_only(self.ok(*args, "--json")))
-
-
-def keys_only(text):
-    return list(json.loads(text))
+            quiet, loud = (json.loads(self.ok(*args, *option, "--json")) for option in (["-q"], []))
+            self.assertEqual(list(quiet), list(loud))
 
 
 class Signals(Case):
     def setUp(self):
         super().setUp()
-        self.raw = self.path("endless.yuv")
-        with open(self.raw, "wb") as file:
-            file.truncate(64 * 64 * (ENDLESS[-1] + 1))  # without blocks on the disk
-
-    def start(self, *args, **options):
-        command = [TAVU, "convert", self.raw, *args, *ENDLESS]
-        return subprocess.Popen([*map(str, command)], **options)
+        self.raw = self.written("endless.yuv", b"")
+        os.truncate(self.raw, 64 * 64 * 50_000_001)  # without blocks on the disk
+        self.endless = ["convert", self.raw, self.path("out.rgb"), "--size", "64x64", "--cs",
+                        "yuv400", "--frame", "50000000"]
 
     def test_signals_leave_no_file(self):
         self.written("out.rgb", b"old")
         for number in set(signal.Signals) - SURVIVED:
-            process = self.start(self.path("out.rgb"))
-            while len(os.listdir(self.directory)) < 3:
+            process = subprocess.Popen([TAVU, *self.endless])
+            while len(self.files()) < 3:
                 self.assertIsNone(process.poll())
                 time.sleep(0.005)
             process.send_signal(number)
             self.assertEqual(process.wait(60), -number, number)
-            self.assertEqual(sorted(os.listdir(self.directory)), ["endless.yuv", "out.rgb"])
+            self.assertEqual(self.files(), ["endless.yuv", "out.rgb"])
 
     def test_reader_that_goes_away(self):
         clip = sample("h264.mp4")
@@ -92,14 +82,13 @@ class Signals(Case):
         for args in ["probe", clip], ["compare", clip, clip, "-o", self.path("heat.png")]:
             self.assertEqual(run(*args, capture_output=False, stdout=write).returncode,
                              -signal.SIGPIPE)
-        self.assertEqual(os.listdir(self.directory), ["endless.yuv"])
+        self.assertEqual(self.files(), ["endless.yuv"])
 
     def on_terminal(self, *args, until, seconds=60, **variables):
         """What a command writes to a terminal, until it ends or has written some text."""
-        environment = {**os.environ, "TERM": "xterm", **variables}
         terminal, end = pty.openpty()
-        with subprocess.Popen([TAVU, *map(str, args)], stdin=end, stdout=end, stderr=end,
-                              env=environment) as process:
+        with subprocess.Popen([TAVU, *args], stdin=end, stdout=end, stderr=end,
+                              env={**os.environ, "TERM": "xterm", **variables}) as process:
             os.close(end)
             text, start = "", time.monotonic()
             while not re.search(until, text) and time.monotonic() < start + seconds:
@@ -113,22 +102,16 @@ class Signals(Case):
         return text
 
     def test_progress(self):
-        args = ["convert", self.raw, self.path("out.rgb"), *ENDLESS]
         line = r"\d+ frames, \d+/s, \d+ %, \d+:\d\d left"
-        self.assertRegex(self.on_terminal(*args, until=line), line)
-        self.assertEqual(self.on_terminal(*args, "-q", until=line, seconds=1.5), "")
+        self.assertRegex(self.on_terminal(*self.endless, until=line), line)
+        self.assertEqual(self.on_terminal(*self.endless, "-q", until=line, seconds=1.5), "")
 
     def test_colours_and_binary_data_on_terminals(self):
-        missing = ["probe", self.path("none")]
-        self.assertIn("\033[", self.on_terminal(*missing, until="No such file.*\n"))
-        clip = ["probe", sample("h263.3gp")]
-        self.assertIn("\033[", self.on_terminal(*clip, until="agreements"))
-        self.assertNotIn("\033", self.on_terminal(
-            "convert", self.raw, self.path("out.rgb"), *ENDLESS, until="%", seconds=1.5,
-            TERM="dumb"))
-        for args, until in (missing, "No such file.*\n"), (clip, "agreements"):
+        self.assertNotIn("\033", self.on_terminal(*self.endless, until="%", seconds=1.5, TERM="dumb"))
+        for path, until in (self.path("none"), "No such file.*\n"), (sample("h263.3gp"), "agreements"):
+            self.assertIn("\033[", self.on_terminal("probe", path, until=until))
             for variables in {"NO_COLOR": "1"}, {"TERM": "dumb"}:
-                self.assertNotIn("\033", self.on_terminal(*args, until=until, **variables))
+                self.assertNotIn("\033", self.on_terminal("probe", path, until=until, **variables))
         self.assertRegex(self.on_terminal("sheet", sample("h264.mp4"), "-o", "-", until="\n"),
                          "tavu:.* standard output: cannot write: it is a terminal")
         self.assertRegex(self.on_terminal("probe", "-", until="\n"), "standard input: it is a term")

@@ -2,6 +2,7 @@
 
 import json
 import os
+import pathlib
 import shutil
 import struct
 import subprocess
@@ -30,6 +31,10 @@ def sample(name):
     return os.path.join(SAMPLES, name)
 
 
+def read(path):
+    return pathlib.Path(path).read_bytes()
+
+
 def run(*args, **options):
     options = {"capture_output": True, "text": True, **options}
     return subprocess.run([TAVU, *map(str, args)], **options)
@@ -38,6 +43,11 @@ def run(*args, **options):
 def ffmpeg(*args, stdin=None):
     command = ["ffmpeg", "-v", "error", "-y", "-fflags", "+bitexact", *map(str, args)]
     return subprocess.run(command, input=stdin or b"", capture_output=True, check=True).stdout
+
+
+def decoded(path, *args, layout="rgb24"):
+    """The bytes of all frames."""
+    return ffmpeg("-i", path, *args, "-f", "rawvideo", "-pix_fmt", layout, "-")
 
 
 def ffprobe(path, entries, *args):
@@ -63,23 +73,23 @@ needs_ffmpeg = unittest.skipUnless(HAVE_FFMPEG, "needs ffmpeg and ffprobe")
 
 class Case(unittest.TestCase):
     def setUp(self):
-        directory = tempfile.TemporaryDirectory()
-        self.addCleanup(directory.cleanup)
-        self.directory = directory.name
+        self.directory = self.enterContext(tempfile.TemporaryDirectory())
 
     def path(self, name):
         return os.path.join(self.directory, name)
 
     def written(self, name, data):
         """`name` may be bytes."""
-        path = os.path.join(self.directory, os.fsdecode(name))
-        with open(path, "wb") as file:
-            file.write(data)
-        return path
+        path = pathlib.Path(self.directory, os.fsdecode(name))
+        path.write_bytes(data)
+        return str(path)
 
     def made(self, name, size, *args, seconds=1):
         ffmpeg("-f", "lavfi", "-i", COUNTING.format(size, seconds), *args, self.path(name))
         return self.path(name)
+
+    def files(self):
+        return sorted(os.listdir(self.directory))
 
     def ok(self, *args):
         result = run(*args)
@@ -87,7 +97,7 @@ class Case(unittest.TestCase):
         return result.stdout
 
     def fails(self, *args, status=1, says="", **options):
-        """Runs into an error: one line, which names the file or the argument."""
+        """Runs into an error: one line, with these words."""
         result = run(*args, **options)
         self.assertEqual(result.returncode, status, result.stderr)
         self.assertRegex(result.stderr, r"\Atavu: [^\n]+\n\Z")
