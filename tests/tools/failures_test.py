@@ -153,7 +153,7 @@ class Failures(Case):
                                  "sheet clip -o out --every 2x", "sheet clip -o out --width 1",
                                  "sheet clip -o - --json", "bench --csv --json", "bench none",
                                  "compare - -", "--version probe"], ""),
-                "--json probe clip": "got --json", "sheet --widht 100 clip": "unknown option --widht",
+                "--json probe clip": "got --json", "sheet --widht 9 clip": "unknown option --widht",
                 "sheet clip --width -o out": "--width: expected a value",
                 "sheet clip -o out --width 9px": "from 16 to 4096, got 9px",
                 "sheet clip -qo": "-o: expected a value", "probe clip --json=no": "takes no value",

@@ -7,11 +7,12 @@ import concurrent.futures
 import json
 import os
 import random
+import re
 import resource
 import struct
 import subprocess
 
-from tool_case import NAMES, PLAYLISTS, TAVU, Case, png_head, sample
+from tool_case import NAMES, PLAYLISTS, TAVU, Case, png_head, read, sample
 
 SEED = 20
 SECONDS, MEMORY = 30, 1 << 20  # of processor time, in KiB
@@ -36,8 +37,7 @@ VARIANTS = {
 def damaged(dice):
     """Cut, with wrong bytes in the headers, with wrong bytes all over, with a hole."""
     for name in NAMES:
-        with open(sample(name), "rb") as file:
-            whole = file.read()
+        whole = read(sample(name))
         for number in range(10):
             data = bytearray(whole)
             if number < 3:
@@ -93,7 +93,7 @@ class Replay(Case):
         """Looking for leaks takes longer than most runs."""
         sanitizer = f"exitcode=99:detect_leaks={int(leaks)}"
         environment = {**os.environ, "ASAN_OPTIONS": sanitizer, "UBSAN_OPTIONS": sanitizer}
-        with open(target + ".out", "w+b") as out, open(target + ".err", "w+b") as err:
+        with open(target + ".out", "wb") as out, open(target + ".err", "wb") as err:
             process = subprocess.Popen([TAVU, *args], stdin=subprocess.DEVNULL, stdout=out,
                                        stderr=err, env=environment)
             try:
@@ -102,13 +102,10 @@ class Replay(Case):
                 pass  # it has ended
             _, status, usage = os.wait4(process.pid, 0)
             process.returncode = os.waitstatus_to_exitcode(status)
-            err.seek(0)
-            out.seek(0)
-            message, text = err.read(), out.read()
+        message, text = read(target + ".err"), read(target + ".out")
         left = os.listdir(target)
-        lines = message.count(b"\n")
-        told = message.startswith(b"tavu: ") and lines == 1 if process.returncode else lines == 0
-        if process.returncode not in (0, 1) or not told or usage.ru_maxrss > MEMORY or \
+        right = {0: rb"", 1: rb"tavu: .*\n"}.get(process.returncode, b"(?!)")
+        if not re.fullmatch(right, message) or usage.ru_maxrss > MEMORY or \
                 len(left) != (target + "/out" in " ".join(args) and process.returncode == 0):
             self.faults.append((args, process.returncode, message, usage.ru_maxrss, left))
         if "--json" in args and text:

@@ -122,17 +122,18 @@ class Sheet(Case):
                     u, v = (b - y) / (2 - 2 * kb), (r - y) / (2 - 2 * kr)
                     coded = ([y * top, u * top + 128 * unit, v * top + 128 * unit]
                              if extent == "pc" else
-                             [unit * (16 + 219 * y), unit * (128 + 224 * u), unit * (128 + 224 * v)])
+                             [unit * c for c in (16 + 219 * y, 128 + 224 * u, 128 + 224 * v)])
                     shown.append(rgb if chroma else (255 * y,) * 3)
                     for value, count in zip(coded, (area, chroma, chroma)):
                         value = min(round(value), top)
                         raw += value.to_bytes((bits + 7) // 8, "little") * count
                 # ffmpeg converts frames unless their own tags are those of the file.
                 clips += ["-vf", f"trim=start_frame={at * 8}:end_frame={at * 8 + 8},setpts=N/25/TB,"
-                          f"setparams=range={extent}:colorspace={matrix}", "-c:v", "ffv1", "-strict",
-                          "-2", "-colorspace", matrix, "-color_range", extent,
+                          f"setparams=range={extent}:colorspace={matrix}", "-c:v", "ffv1",
+                          "-strict", "-2", "-colorspace", matrix, "-color_range", extent,
                           self.path(f"{at}.mkv")]
-            ffmpeg("-f", "rawvideo", "-pix_fmt", layout, "-s", "32x32", "-i", "-", *clips, stdin=raw)
+            ffmpeg("-f", "rawvideo", "-pix_fmt", layout, "-s", "32x32", "-i", "-", *clips,
+                   stdin=raw)
             for at in range(8):
                 self.ok("sheet", self.path(f"{at}.mkv"), "-o", self.path(f"{at}.png"),
                         "--width", 32, "--every", 1)

@@ -29,7 +29,7 @@ class Streams(Case):
                 expected = self.ok(command, sample(name)).encode()
                 self.assertEqual(self.piped(command, "-", source=sample(name)), expected)
                 with open(sample(name)) as file:
-                    self.assertEqual(run(command, "-", stdin=file).stdout.encode(), expected)
+                    self.assertEqual(run(command, "-", stdin=file, text=False).stdout, expected)
         clip = sample("h264.mp4")
         total = self.piped("compare", clip, "-", source=clip).split()[-4:]
         self.assertEqual(total, [b"0", b"0", b"inf", b"0"])
@@ -107,8 +107,10 @@ class Signals(Case):
         self.assertEqual(self.on_terminal(*self.endless, "-q", until=line, seconds=1.5), "")
 
     def test_colours_and_binary_data_on_terminals(self):
-        self.assertNotIn("\033", self.on_terminal(*self.endless, until="%", seconds=1.5, TERM="dumb"))
-        for path, until in (self.path("none"), "No such file.*\n"), (sample("h263.3gp"), "agreements"):
+        self.assertNotIn("\033", self.on_terminal(*self.endless, until="%", seconds=1.5,
+                                                  TERM="dumb"))
+        for path, until in (self.path("none"), "No such file.*\n"), \
+                (sample("h263.3gp"), "agreements"):
             self.assertIn("\033[", self.on_terminal("probe", path, until=until))
             for variables in {"NO_COLOR": "1"}, {"TERM": "dumb"}:
                 self.assertNotIn("\033", self.on_terminal("probe", path, until=until, **variables))
