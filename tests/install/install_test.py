@@ -165,7 +165,8 @@ class Plugin(Installed):
             plugin = self.build("libplugin.so", compiler, "-shared", "-fPIC",
                                 f"-DCALL={self.CALLS[part]}", "-x", language,
                                 CONSUMER / "plugin.c", "-x", "none", archive, f"-Wl,-z,{bound}")
-            linked = self.build("linked", ARGUMENTS.cc, "-DLINKED", CONSUMER / "host.c", plugin)
+            linked = self.build("linked", ARGUMENTS.cc, CONSUMER / "host.c", "-Wl,--no-as-needed",
+                                plugin, "-ldl")
             for command in ([linked], [host, plugin, "lazy"], [host, plugin, "now"]):
                 self.assertEqual(run(*ARGUMENTS.emulator, *command), "7\n", command)
 

@@ -48,15 +48,6 @@ class Manual(Case):
         for command in COMMANDS:
             self.assertIn(f".Xr tavu-{command} 1 .", page(""))
 
-    @unittest.skipUnless(shutil.which("mandoc"), "needs mandoc")
-    def test_pages_are_well_formed(self):
-        for command in "", *COMMANDS:
-            result = subprocess.run(["mandoc", "-T", "lint", "-W", "style"], input=page(command),
-                                    capture_output=True, text=True)
-            faults = [line for line in result.stdout.splitlines()
-                      if "referenced manual not found" not in line]
-            self.assertEqual(faults, [], command)
-
     def test_json_is_as_documented(self):
         clip, out = sample("h264.mp4"), self.path("out.png")
         calls = {"probe": ["probe", clip], "sheet": ["sheet", clip, "-o", out],
