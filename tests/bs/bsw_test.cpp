@@ -38,7 +38,7 @@ TEST(Bsw, ExpGolombCodesOfAllLengthsAtAllPositions) {
                 tavu_bsw_write_ue(&w, static_cast<uint32_t>(v));
                 tavu_bsw_write_se(&w, half);
                 tavu_bsw_write_te(&w, v, 2);
-                bits += code + code + code;
+                bits.append(code).append(code).append(code);
                 numbers.emplace_back(v, half);
                 ASSERT_EQ(tavu_bsw_size_ue(static_cast<uint32_t>(v)), code.size());
                 ASSERT_EQ(tavu_bsw_size_se(half), code.size());
