@@ -86,7 +86,7 @@ struct ReaderModel {
         if (left < n) top_up();
         const int missing = n - left, unread = (8 - missing) & 0xFF;
         const bool borrows = missing > 0 && loaded < size && unread < 8;
-        return cache.top(n) | (borrows ? data[loaded] >> unread : 0);
+        return cache.top(n) | (borrows ? uint32_t{data[loaded]} >> unread : 0);
     }
     uint32_t read_ue() {
         int dropped = 0;
