@@ -76,7 +76,8 @@ static void read_size(struct reader *r, struct sequence *info) {
 static int parse(const uint8_t *unit, int32_t size, struct sequence *info) {
     uint8_t rbsp[sizeof nal];
     struct reader r = {.broken = 0};
-    tavu_bsr_init(&r.bits, rbsp, unescape(unit, size, rbsp), refill);
+    const int32_t bytes = unescape(unit, size, rbsp);
+    tavu_bsr_init(&r.bits, rbsp, bytes, refill);
     if ((tavu_bsr_read(&r.bits, 8) & 31) != 7) return -1; /* nal_unit_type */
     info->profile = tavu_bsr_read(&r.bits, 8);
     if (info->profile != 66 && info->profile != 77 && info->profile != 88) return -1;

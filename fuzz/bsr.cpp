@@ -9,9 +9,8 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const auto [content, length] = in.bytes(start % size_t{40});
     Loads loads{4, 4, 4, 4};
     const bool own = start >= 120;
-    if (start >= 160) {
-        for (uint8_t &most : loads) most = in.byte() % 5;
-    }
+    const auto load = [&in] { return static_cast<uint8_t>(in.byte() % 5); };
+    if (start >= 160) loads = {load(), load(), load(), load()};
     const Block copy(content, length);
     const auto bytes = static_cast<int32_t>(length);
     ShortReader r(copy.data(), bytes, loads);
