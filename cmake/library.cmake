@@ -1,7 +1,7 @@
 # The library: one set of position-independent objects in a shared and a static form.
 
 set(TAVU_SOURCES
-  src/simd/tile_constants.cpp
+  src/simd/x86/constants.cpp
   src/core/alloc.cpp
   src/core/atomic.cpp
   src/core/log2.cpp
@@ -19,12 +19,12 @@ set(TAVU_SOURCES
   src/bs/bsw.cpp
   src/media/fcc2mt.cpp
   src/media/md5.cpp
-  src/imgp/csc_scalar.cpp
-  src/imgp/irsz.cpp
-  src/imgp/irsz_565.cpp
-  src/imgp/irsz_band.cpp
-  src/imgp/irsz_scalar.cpp
-  src/imgp/lookup.cpp
+  src/imgp/csc_fallback.cpp
+  src/imgp/resizer.cpp
+  src/imgp/resize_kernels_565.cpp
+  src/imgp/resizer_band.cpp
+  src/imgp/resize_fallback.cpp
+  src/imgp/csc_lookup.cpp
   src/container/list.cpp
   src/container/rbuf.cpp
   src/container/rlist.cpp
@@ -35,9 +35,9 @@ set(TAVU_SOURCES
 set(TAVU_WIDE_SOURCES
   src/core/mset.cpp
   src/media/vkeyfrm.cpp
-  src/imgp/csc_rsz.cpp
-  src/imgp/irsz_kernels.cpp
-  src/imgp/resize_vec.cpp)
+  src/imgp/csc_resize.cpp
+  src/imgp/resize_kernels.cpp
+  src/imgp/resize_engine.cpp)
 
 # Kernels that gain once more from registers of 64 bytes: for level v4 too, which here takes in VBMI,
 # the permutes of bytes that all but the first processors with AVX-512 have.
@@ -52,14 +52,14 @@ set(TAVU_WIDEST_SOURCES
 
 # These hold a loop for every target, factor and level; more inlining would gain nothing.
 set_source_files_properties(
-  src/imgp/csc_rsz.cpp src/imgp/irsz_565.cpp src/imgp/irsz_kernels.cpp src/imgp/resize_vec.cpp
+  src/imgp/csc_resize.cpp src/imgp/resize_kernels_565.cpp src/imgp/resize_kernels.cpp src/imgp/resize_engine.cpp
   PROPERTIES
   COMPILE_OPTIONS $<$<CONFIG:Release>:-O2>)
 
 # Scalar forms are the exception where vector forms exist, and the only ones elsewhere.
 if(TAVU_SIMD)
   set_source_files_properties(
-    src/imgp/csc_scalar.cpp src/imgp/irsz_scalar.cpp PROPERTIES
+    src/imgp/csc_fallback.cpp src/imgp/resize_fallback.cpp PROPERTIES
     COMPILE_OPTIONS $<$<CONFIG:Release>:-Os>)
 endif()
 
@@ -76,15 +76,15 @@ set_property(SOURCE src/core/mset.cpp src/media/vkeyfrm.cpp ${TAVU_WIDEST_SOURCE
 
 # Called for each row or block, these hold a few addresses and words: only what holds bytes is guarded.
 set_property(SOURCE
-  src/imgp/csc_rsz.cpp src/imgp/csc_scalar.cpp src/imgp/irsz_565.cpp src/imgp/irsz_kernels.cpp
-  src/imgp/irsz_scalar.cpp src/media/md5.cpp
+  src/imgp/csc_resize.cpp src/imgp/csc_fallback.cpp src/imgp/resize_kernels_565.cpp src/imgp/resize_kernels.cpp
+  src/imgp/resize_fallback.cpp src/media/md5.cpp
   APPEND PROPERTY COMPILE_OPTIONS $<$<CONFIG:Release>:-fstack-protector>)
 
 # GCC for 32-bit ARM probes the stack in every routine that calls another, up to a fifth of a short one's
 # instructions. Only frames of more than a page need it, and only the resizer has such.
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
   set(small_frames ${TAVU_SOURCES} ${TAVU_WIDE_SOURCES})
-  list(REMOVE_ITEM small_frames src/imgp/resize_vec.cpp)
+  list(REMOVE_ITEM small_frames src/imgp/resize_engine.cpp)
   set_property(SOURCE ${small_frames} APPEND PROPERTY COMPILE_OPTIONS
     $<$<CONFIG:Release>:-fno-stack-clash-protection;-Wframe-larger-than=4096>)
 endif()

@@ -125,7 +125,7 @@ int32_t length_of_line(const uint8_t *src, int32_t count) {
         while (p < end) {
             // The last register overlaps the one before, which held neither.
             if (end - p < LANES) p = end - LANES;
-            const U8 v = load(p);
+            const U8 v = load_next(p);
             const ZeroLanes z = zero_lanes(lesser(v, v ^ '\n'));
             if (z) return static_cast<int32_t>(p - src) - LANES + first_lane(z) + 1;
         }

@@ -19,7 +19,7 @@ Pattern repeat(uint32_t value) {
 #else
 using Pattern = uint32_t;
 Pattern repeat(uint32_t value) { return value; }
-void store(uint8_t *&p, Pattern v) {
+void store_next(uint8_t *&p, Pattern v) {
     memcpy(p, &v, sizeof v);
     p += sizeof v;
 }
@@ -29,7 +29,7 @@ void store(uint8_t *&p, Pattern v) {
 template <int Registers>
 uint8_t *store_pattern(uint8_t *p, Pattern pattern) {
 #pragma GCC unroll 8
-    for (int i = 0; i < Registers; i++) store(p, pattern);
+    for (int i = 0; i < Registers; i++) store_next(p, pattern);
     return p;
 }
 

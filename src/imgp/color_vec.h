@@ -3,7 +3,7 @@
 #define TAVU_IMGP_COLOR_VEC_H
 
 #include "imgp/color.h"
-#include "simd/blocks.h"
+#include "simd/row_loop.h"
 
 #if TAVU_VEC
 
@@ -42,7 +42,7 @@ struct Cursor {
 // LANES pixels of the first three planes.
 template <class Space, class Place>
 TAVU_VEC_INLINE RgbBlock load_rgb(Place &at) {
-    const U8 c0 = load(at.c0), c1 = load(at.c1), c2 = load(at.c2);
+    const U8 c0 = load_next(at.c0), c1 = load_next(at.c1), c2 = load_next(at.c2);
     return block_to_rgb(Space{}, c0, c1, c2);
 }
 

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "imgp/color_vec.h"
-#include "imgp/csc_scalar.h"
+#include "imgp/csc_fallback.h"
 
 namespace tavu {
 namespace {
@@ -19,7 +19,7 @@ void convert_row(const Lines565 &at, int32_t width) {
         const RgbBlock p = load_rgb<Space>(place);
         const U8 high = (p.r & 0xF8) | (p.g >> 5);
         const U8 low = (p.g << 3 & 0xE0) | (p.b >> 3);
-        store_interleaved(place.out, low, high);
+        store_next_interleaved(place.out, low, high);
     });
 }
 

@@ -2,7 +2,7 @@
 // level, at the lowest to the scalar form.
 // Reads and writes no byte outside the rows.
 #include "imgp/color_vec.h"
-#include "imgp/csc_scalar.h"
+#include "imgp/csc_fallback.h"
 #include "imgp/csc_to_packed_model.h"
 
 namespace tavu {
@@ -19,11 +19,11 @@ constexpr bool is_yuv = std::is_same_v<typename Format::Space, FromYuv>;
 template <class Format>
 TAVU_VEC_INLINE void store_pixels(FormatCursor<Format> &at, U8 first, U8 second, U8 third) {
     if constexpr (Format::TARGET.bytes == 3) {
-        store_interleaved(at.out, first, second, third);
+        store_next_interleaved(at.out, first, second, third);
     } else if constexpr (Format::TARGET.alpha_plane) {
-        store_interleaved(at.out, first, second, third, load(at.c3));
+        store_next_interleaved(at.out, first, second, third, load_next(at.c3));
     } else {
-        store_interleaved(at.out, first, second, third, splat(255));
+        store_next_interleaved(at.out, first, second, third, splat(255));
     }
 }
 

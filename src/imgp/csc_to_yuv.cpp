@@ -4,8 +4,8 @@
 // all others and narrow rows the scalar one. Reads and writes no byte outside the rows.
 #include <cstring>
 
-#include "imgp/csc_scalar.h"
-#include "simd/blocks.h"
+#include "imgp/csc_fallback.h"
+#include "simd/row_loop.h"
 
 namespace tavu {
 namespace {
@@ -31,16 +31,16 @@ template <int Step, class Choice>
 TAVU_VEC_INLINE void convert_block(PackedCursor<Step> &at, Choice bgr) {
     U8 c[4];
     if constexpr (Step == 3) {
-        load_interleaved(at.in, &c[0], &c[1], &c[2]);
+        load_next_interleaved(at.in, &c[0], &c[1], &c[2]);
     } else {
-        load_interleaved(at.in, &c[0], &c[1], &c[2], &c[3]);
-        store(at.a, c[3]);
+        load_next_interleaved(at.in, &c[0], &c[1], &c[2], &c[3]);
+        store_next(at.a, c[3]);
     }
     U8 y, u, v;
     rgb_to_yuv(pick(bgr, c[2], c[0]), c[1], pick(bgr, c[0], c[2]), &y, &u, &v);
-    store(at.y, y);
-    store(at.u, u);
-    store(at.v, v);
+    store_next(at.y, y);
+    store_next(at.u, u);
+    store_next(at.v, v);
 }
 
 template <int Step>

@@ -48,9 +48,9 @@ inline void make_halved_row(const Columns &columns, HalvedRow &row) {
     add_piece(columns, row, 1, 1, (end - 1) / LANES);
 }
 
-TAVU_VEC_INLINE U16 load_pairs(const uint8_t *&p) { return reinterpret_cast<U16>(load(p)); }
+TAVU_VEC_INLINE U16 load_pairs(const uint8_t *&p) { return reinterpret_cast<U16>(load_next(p)); }
 
-TAVU_VEC_INLINE void store_pairs(uint8_t *&p, U16 v) { store(p, reinterpret_cast<U8>(v)); }
+TAVU_VEC_INLINE void store_pairs(uint8_t *&p, U16 v) { store_next(p, reinterpret_cast<U8>(v)); }
 
 // Makes the blocks' weights for a vertical fraction. Pairs of bytes multiply as one: no product
 // exceeds 255, for b is neither 0 nor 8.

@@ -5,7 +5,7 @@
 
 #include "imgp/resize_rows.h"
 #include "imgp/resize_taps.h"
-#include "simd/blocks.h"
+#include "simd/row_loop.h"
 
 namespace tavu {
 inline namespace TAVU_LEVEL_NAMESPACE {
@@ -54,7 +54,7 @@ struct Sink {
 
 // Target pixels of a kind are made by a class that has
 //     PLANES, BYTES         as in Sink
-//     store(p, sums)        writes LANES elements, given the sums of each plane, and moves p on
+//     store_next(p, sums)        writes LANES elements, given the sums of each plane, and moves p on
 
 TAVU_VEC_INLINE UWide mix_block(UWide top, UWide bottom, uint16_t b) {
     const auto rest = static_cast<uint16_t>(8 - b);
@@ -86,7 +86,7 @@ TAVU_ONE_COPY void weigh_and_mix_row(const RowPair &rows, const Taps<1> *taps, u
                                 {weigh<1>(bottom[p], lo), weigh<1>(bottom[p], hi)}, b);
         }
         at.taps += 2;
-        Pixels::store(at.out, sums);
+        Pixels::store_next(at.out, sums);
     });
 }
 
@@ -108,7 +108,7 @@ void mix_row(const WeighedRow &upper, const WeighedRow &lower, uint16_t b, int32
             }
             at.upper += LANES;
             at.lower += LANES;
-            Pixels::store(at.out, sums);
+            Pixels::store_next(at.out, sums);
         });
 }
 
@@ -131,7 +131,7 @@ TAVU_VEC_INLINE void halve_piece(const RowPair &rows, const Piece &piece,
             prefetch(bottom[p] + ahead);
             sums[p] = halve(top[p], bottom[p], *weights);
         }
-        Pixels::store(out, sums);
+        Pixels::store_next(out, sums);
     }
 }
 

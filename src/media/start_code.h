@@ -53,8 +53,8 @@ TAVU_VEC_INLINE bool find_in_block(const uint8_t **p) {
     U8 rest[size_t{Vectors}], least;
 #pragma GCC unroll 4
     for (int i = 0; i < Vectors; i++) {
-        const U8 zeros = load(first) | load(second);
-        rest[i] = zeros | Kind::rest(load(third));
+        const U8 zeros = load_next(first) | load_next(second);
+        rest[i] = zeros | Kind::rest(load_next(third));
         least = i == 0 ? rest[0] : lesser(least, rest[i]);
     }
     if (!zero_lanes(least)) {

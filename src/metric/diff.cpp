@@ -1,6 +1,6 @@
 // Residuals, a register of columns at a time. Reads and writes no byte outside the blocks.
 #include "metric/diff_model.h"
-#include "simd/tile.h"
+#include "simd/block.h"
 
 namespace tavu {
 namespace {

@@ -4,7 +4,7 @@
 #define TAVU_METRIC_SATD_VEC_H
 
 #include "metric/metric.h"
-#include "simd/tile.h"
+#include "simd/block.h"
 
 #if TAVU_VEC
 

@@ -3,7 +3,7 @@
 #define TAVU_METRIC_SUM_H
 
 #include "metric/metric.h"
-#include "simd/tile.h"
+#include "simd/block.h"
 
 #if TAVU_VEC
 

@@ -46,9 +46,9 @@ using U16x8 = uint16_t __attribute__((vector_size(16)));
 }  // namespace tavu
 
 #if defined(__ARM_NEON)
-#include "simd/resample_neon.h"
+#include "simd/arm/resample.h"
 #else
-#include "simd/resample_x86.h"
+#include "simd/x86/resample.h"
 #endif
 
 #endif

@@ -5,7 +5,7 @@
 //                           + - * << >> and scalars on one side work on each lane
 //     Wide, UWide           LANES 16-bit values in two registers, in an order that only widening
 //                           and narrowing know
-//     load(p), store(p, v)  LANES bytes from or to any address; p moves on behind them
+//     load_next(p), store_next(p, v)  LANES bytes from or to any address; p moves on behind them
 //     splat(x)              one byte in every lane
 //     choose(c, use)        calls use(choice), in which pick(choice, a, b) is a if c holds, else b
 //     widen(v)              to signed 16 bits, zero-extended
@@ -16,9 +16,9 @@
 //                           v = 128 + ((128 r - 107 g - 21 b + 128) >> 8), 256 saturated to 255
 //     chroma_terms(u, v)    with 128 taken off u and v, exact on every input: r = (359 v + 128) >> 8,
 //                           g = (183 v + 88 u + 128) >> 8, b = (454 u + 128) >> 8
-//     store_interleaved(p, a, b[, c[, d]])
+//     store_next_interleaved(p, a, b[, c[, d]])
 //                           a0 b0 [c0 [d0]] a1 b1 ... to any address; p moves on behind them
-//     load_interleaved(p, &a, &b, &c[, &d])
+//     load_next_interleaved(p, &a, &b, &c[, &d])
 //                           the reverse, of 3 or 4
 //
 // TAVU_VEC is 1 where the layer exists; elsewhere kernels are their scalar models. All of it lies in
@@ -51,10 +51,10 @@
 
 #if TAVU_SIMD && defined(__ARM_NEON)
 #define TAVU_VEC 1
-#include "simd/vec_neon.h"
+#include "simd/arm/vec.h"
 #elif TAVU_SIMD && defined(__SSE4_1__)
 #define TAVU_VEC 1
-#include "simd/vec_x86.h"
+#include "simd/x86/vec.h"
 #else
 #define TAVU_VEC 0
 #endif

@@ -45,7 +45,7 @@ class Face(unittest.TestCase):
         if not kernels:
             self.skipTest("built for one level")
         v4 = set(re.findall(r" t (\w+)_v4$", run("nm", LIBRARY), flags=re.M))
-        table = (Path(HEADER).parent.parent / "bench/variants.cpp").read_text(encoding="utf-8")
+        table = (Path(HEADER).parent.parent / "kernel_table/variants.cpp").read_text(encoding="utf-8")
         rows = re.findall(r"^KERNEL(4?)\((\w+)\)$", table, flags=re.M)
         self.assertEqual({name: top == "4" for top, name in rows},
                          {name: name in v4 for name in kernels})

@@ -133,12 +133,12 @@ class Plugin(Installed):
     # One routine of each file that is compiled for several levels. A plugin calls only one of them,
     # because others link in tables of routines, which are bound at load.
     CALLS = {
-        "csc_rsz": "tavu_csc_rsz_r8g8b8_to_rgb888(src, 8, 4, stride, 13, dst, 4, 2, stride, 400)",
+        "csc_resize": "tavu_csc_rsz_r8g8b8_to_rgb888(src, 8, 4, stride, 13, dst, 4, 2, stride, 400)",
         "csc_to_565": "tavu_csc_r8g8b8_to_rgb565(src, 8, 4, stride, 13, dst, 8, 4, stride, 300)",
         "csc_to_packed": "tavu_csc_r8g8b8_to_rgb888(src, 8, 4, stride, 13, dst, 8, 4, stride, 400)",
         "csc_to_yuv": "tavu_csc_r8g8b8_to_yuv444(src, 8, 4, stride, 13, dst, 8, 4, stride, 13)",
         "diff": "tavu_diff4x4(a, b, 32, 32, 4, residual)",
-        "irsz_kernels": "tavu_irsz8b_line(rows, tavu_irsz_tbl_rsz_weight, 4, 0, 1, 0, b)",
+        "resize_kernels": "tavu_irsz8b_line(rows, tavu_irsz_tbl_rsz_weight, 4, 0, 1, 0, b)",
         "mset": "tavu_mset_x64(b, 1, 128)",
         "sad": "tavu_sad4x4(a, b, 32, 32)",
         "satd": "tavu_satd4x4(a, b, 32, 32)",

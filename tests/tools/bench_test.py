@@ -10,7 +10,7 @@ from tool_case import PROJECT, Case, read
 
 class Bench(Case):
     def test_every_kernel_is_listed(self):
-        table = read(PROJECT + "/bench/variants.cpp").decode()
+        table = read(PROJECT + "/kernel_table/variants.cpp").decode()
         kernels = re.findall(r"^KERNEL4?\(tavu_(\w+)\)", table, re.M)
         listed = self.ok("bench", "--list").split()
         self.assertEqual(len(listed), len(set(listed)))

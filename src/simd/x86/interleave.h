@@ -1,12 +1,12 @@
 // Interleaving loads and stores of the vector layer: v2 (SSE4.1) and v3 (AVX2). The end of
 // vec_x86.h.
-#ifndef TAVU_SIMD_INTERLEAVE_X86_H
-#define TAVU_SIMD_INTERLEAVE_X86_H
+#ifndef TAVU_SIMD_X86_INTERLEAVE_H
+#define TAVU_SIMD_X86_INTERLEAVE_H
 
 namespace tavu {
 namespace {
 
-TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b) {
+TAVU_VEC_INLINE void store_next_interleaved(uint8_t *&p, U8 a, U8 b) {
     const Register ra = as<Register>(a), rb = as<Register>(b);
     const Register v0 = TAVU_MM(unpacklo_epi8)(ra, rb), v1 = TAVU_MM(unpackhi_epi8)(ra, rb);
 #if defined(__AVX2__)
@@ -63,7 +63,7 @@ TAVU_VEC_INLINE Register every_third(Register x, Register y, Register z) {
     return TAVU_MM(blendv_epi8)(x, z, load_register(EVERY_THIRD_2.bytes));
 }
 
-TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
+TAVU_VEC_INLINE void store_next_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
     const Register x = shuffle(as<Register>(a), INTERLEAVE3[0]),
                    y = shuffle(as<Register>(b), INTERLEAVE3[1]),
                    z = shuffle(as<Register>(c), INTERLEAVE3[2]);
@@ -80,7 +80,7 @@ TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
     p += 3 * LANES;
 }
 
-TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c, U8 d) {
+TAVU_VEC_INLINE void store_next_interleaved(uint8_t *&p, U8 a, U8 b, U8 c, U8 d) {
     const Register ra = as<Register>(a), rb = as<Register>(b), rc = as<Register>(c),
                    rd = as<Register>(d);
     const Register ab0 = TAVU_MM(unpacklo_epi8)(ra, rb), ab1 = TAVU_MM(unpackhi_epi8)(ra, rb);
@@ -101,7 +101,7 @@ TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c, U8 d) {
     p += 4 * LANES;
 }
 
-TAVU_VEC_INLINE void load_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c) {
+TAVU_VEC_INLINE void load_next_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c) {
     const Register r0 = load_register(p), r1 = load_register(p + LANES),
                    r2 = load_register(p + 2 * LANES);
 #if defined(__AVX2__)
@@ -126,7 +126,7 @@ constexpr Shuffle deinterleave4_shuffle() {
 
 constexpr Shuffle DEINTERLEAVE4 = deinterleave4_shuffle();
 
-TAVU_VEC_INLINE void load_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c, U8 *d) {
+TAVU_VEC_INLINE void load_next_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c, U8 *d) {
     Register v[4];
     for (int i = 0; i < 4; i++) v[i] = load_register(p + i * LANES);
 #if defined(__AVX2__)

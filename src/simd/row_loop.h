@@ -1,6 +1,6 @@
 // A row in blocks of LANES pixels.
-#ifndef TAVU_SIMD_BLOCKS_H
-#define TAVU_SIMD_BLOCKS_H
+#ifndef TAVU_SIMD_ROW_LOOP_H
+#define TAVU_SIMD_ROW_LOOP_H
 
 #include "simd/vec.h"
 

@@ -1,9 +1,9 @@
 // Operations of Hadamard transforms for x86-64: v2 (SSE4.1), v3 (AVX2) and v4 (AVX-512). They are told
 // in tile.h.
-#ifndef TAVU_SIMD_HADAMARD_X86_H
-#define TAVU_SIMD_HADAMARD_X86_H
+#ifndef TAVU_SIMD_X86_HADAMARD_H
+#define TAVU_SIMD_X86_HADAMARD_H
 
-#include "simd/tile_x86.h"
+#include "simd/x86/block.h"
 
 namespace tavu {
 namespace {

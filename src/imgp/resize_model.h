@@ -4,8 +4,8 @@
 //
 // The sum is not rounded. Reads nothing beyond the neighbours of the last pixel, writes exactly dst_w
 // pixels. With step 0 a neighbour without weight may not exist and is not read.
-#ifndef TAVU_IMGP_IRSZ_MODEL_H
-#define TAVU_IMGP_IRSZ_MODEL_H
+#ifndef TAVU_IMGP_RESIZE_MODEL_H
+#define TAVU_IMGP_RESIZE_MODEL_H
 
 #include "imgp/bilinear.h"
 

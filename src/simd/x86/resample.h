@@ -1,6 +1,6 @@
 // Bilinear resampling on x86-64. The operations are told in resample.h.
-#ifndef TAVU_SIMD_RESAMPLE_X86_H
-#define TAVU_SIMD_RESAMPLE_X86_H
+#ifndef TAVU_SIMD_X86_RESAMPLE_H
+#define TAVU_SIMD_X86_RESAMPLE_H
 
 #include <immintrin.h>
 
@@ -116,9 +116,9 @@ TAVU_VEC_INLINE void halve_to_bytes(const uint8_t *top, const uint8_t *bottom,
         const U8 v =
             narrow6({halve_unit(top, bottom, *weights, 0), halve_unit(top, bottom, *weights, 1)});
 #if defined(__AVX2__)
-        store(out, as<U8>(_mm256_permute4x64_epi64(as<Register>(v), 0xD8)));
+        store_next(out, as<U8>(_mm256_permute4x64_epi64(as<Register>(v), 0xD8)));
 #else
-        store(out, v);
+        store_next(out, v);
 #endif
     }
 }

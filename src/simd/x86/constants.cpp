@@ -2,7 +2,7 @@
 
 #if TAVU_VEC && !defined(__ARM_NEON)
 
-#include "simd/tile.h"
+#include "simd/block.h"
 
 namespace tavu {
 

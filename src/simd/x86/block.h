@@ -1,11 +1,11 @@
 // Operations on blocks for x86-64: v2 (SSE4.1), v3 (AVX2) and v4 (AVX-512). They are told in tile.h.
-#ifndef TAVU_SIMD_TILE_X86_H
-#define TAVU_SIMD_TILE_X86_H
+#ifndef TAVU_SIMD_X86_BLOCK_H
+#define TAVU_SIMD_X86_BLOCK_H
 
 #include <cstddef>
 #include <cstring>
 
-#include "simd/isa_x86.h"
+#include "simd/x86/isa.h"
 
 namespace tavu {
 

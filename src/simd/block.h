@@ -50,17 +50,17 @@
 //                               of 8x8 transforms, see there
 //
 // Nothing beyond the rows is read.
-#ifndef TAVU_SIMD_TILE_H
-#define TAVU_SIMD_TILE_H
+#ifndef TAVU_SIMD_BLOCK_H
+#define TAVU_SIMD_BLOCK_H
 
 #include "simd/vec.h"
 
 #if TAVU_VEC
 
 #if defined(__ARM_NEON)
-#include "simd/tile_neon.h"
+#include "simd/arm/block.h"
 #else
-#include "simd/hadamard_x86.h"
+#include "simd/x86/hadamard.h"
 #endif
 
 #endif

@@ -1,6 +1,6 @@
 // The vector layer on NEON, 32-bit and 64-bit. The operations are told in vec.h.
-#ifndef TAVU_SIMD_VEC_NEON_H
-#define TAVU_SIMD_VEC_NEON_H
+#ifndef TAVU_SIMD_ARM_VEC_H
+#define TAVU_SIMD_ARM_VEC_H
 
 #include <arm_neon.h>
 
@@ -67,7 +67,7 @@ TAVU_VEC_INLINE ChromaTerms chroma_terms(U8 u, U8 v) {
 // In assembly, for compilers compute addresses anew instead of moving pointers on, join the halves
 // of registers by copies, and lay registers out for interleaving through the stack.
 
-TAVU_VEC_INLINE U8 load(const uint8_t *&p) {
+TAVU_VEC_INLINE U8 load_next(const uint8_t *&p) {
     U8 v;
     __asm__("vld1.8 {%e0, %f0}, [%1]!"
             : "=w"(v), "+r"(p)
@@ -97,11 +97,11 @@ TAVU_VEC_INLINE U8 round_narrow8(Wide w) {
     return v;
 }
 
-TAVU_VEC_INLINE void store(uint8_t *&p, U8 v) {
+TAVU_VEC_INLINE void store_next(uint8_t *&p, U8 v) {
     __asm__ volatile("vst1.8 {%e1, %f1}, [%0]!" : "+r"(p) : "w"(v) : "memory");
 }
 
-TAVU_VEC_INLINE void load_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c) {
+TAVU_VEC_INLINE void load_next_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c) {
     register U8 q0 __asm__("q0");
     register U8 q1 __asm__("q1");
     register U8 q2 __asm__("q2");
@@ -111,7 +111,7 @@ TAVU_VEC_INLINE void load_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c) {
     *a = q0, *b = q1, *c = q2;
 }
 
-TAVU_VEC_INLINE void load_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c, U8 *d) {
+TAVU_VEC_INLINE void load_next_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c, U8 *d) {
     register U8 q0 __asm__("q0");
     register U8 q1 __asm__("q1");
     register U8 q2 __asm__("q2");
@@ -122,13 +122,13 @@ TAVU_VEC_INLINE void load_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c, U8
     *a = q0, *b = q1, *c = q2, *d = q3;
 }
 
-TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b) {
+TAVU_VEC_INLINE void store_next_interleaved(uint8_t *&p, U8 a, U8 b) {
     register U8 q0 __asm__("q0") = a;
     register U8 q1 __asm__("q1") = b;
     __asm__ volatile("vst2.8 {d0, d1, d2, d3}, [%0]!" : "+r"(p) : "w"(q0), "w"(q1) : "memory");
 }
 
-TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
+TAVU_VEC_INLINE void store_next_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
     register U8 q0 __asm__("q0") = a;
     register U8 q1 __asm__("q1") = b;
     register U8 q2 __asm__("q2") = c;
@@ -138,7 +138,7 @@ TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
                      : "memory");
 }
 
-TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c, U8 d) {
+TAVU_VEC_INLINE void store_next_interleaved(uint8_t *&p, U8 a, U8 b, U8 c, U8 d) {
     register U8 q0 __asm__("q0") = a;
     register U8 q1 __asm__("q1") = b;
     register U8 q2 __asm__("q2") = c;
@@ -151,7 +151,7 @@ TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c, U8 d) {
 
 #else
 
-TAVU_VEC_INLINE U8 load(const uint8_t *&p) {
+TAVU_VEC_INLINE U8 load_next(const uint8_t *&p) {
     const U8 v = vld1q_u8(p);
     p += LANES;
     return v;
@@ -167,34 +167,34 @@ TAVU_VEC_INLINE U8 round_narrow8(Wide w) {
     return vreinterpretq_u8_s8(vqrshrn_high_n_s16(vqrshrn_n_s16(w.lo, 8), w.hi, 8));
 }
 
-TAVU_VEC_INLINE void store(uint8_t *&p, U8 v) {
+TAVU_VEC_INLINE void store_next(uint8_t *&p, U8 v) {
     vst1q_u8(p, v);
     p += LANES;
 }
 
-TAVU_VEC_INLINE void load_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c) {
+TAVU_VEC_INLINE void load_next_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c) {
     const uint8x16x3_t v = vld3q_u8(p);
     *a = v.val[0], *b = v.val[1], *c = v.val[2];
     p += 3 * LANES;
 }
 
-TAVU_VEC_INLINE void load_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c, U8 *d) {
+TAVU_VEC_INLINE void load_next_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c, U8 *d) {
     const uint8x16x4_t v = vld4q_u8(p);
     *a = v.val[0], *b = v.val[1], *c = v.val[2], *d = v.val[3];
     p += 4 * LANES;
 }
 
-TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b) {
+TAVU_VEC_INLINE void store_next_interleaved(uint8_t *&p, U8 a, U8 b) {
     vst2q_u8(p, uint8x16x2_t{{a, b}});
     p += 2 * LANES;
 }
 
-TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
+TAVU_VEC_INLINE void store_next_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
     vst3q_u8(p, uint8x16x3_t{{a, b, c}});
     p += 3 * LANES;
 }
 
-TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c, U8 d) {
+TAVU_VEC_INLINE void store_next_interleaved(uint8_t *&p, U8 a, U8 b, U8 c, U8 d) {
     vst4q_u8(p, uint8x16x4_t{{a, b, c, d}});
     p += 4 * LANES;
 }

@@ -1,12 +1,12 @@
 // Operations on blocks for NEON, 32-bit and 64-bit. They are told in tile.h.
-#ifndef TAVU_SIMD_TILE_NEON_H
-#define TAVU_SIMD_TILE_NEON_H
+#ifndef TAVU_SIMD_ARM_BLOCK_H
+#define TAVU_SIMD_ARM_BLOCK_H
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
-#include "simd/vec_neon.h"
+#include "simd/arm/vec.h"
 
 namespace tavu {
 namespace {

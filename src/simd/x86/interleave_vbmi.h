@@ -1,7 +1,7 @@
 // Interleaving loads and stores of the vector layer for v4, which takes any byte of two registers to any
 // place in one instruction. The end of vec_x86.h.
-#ifndef TAVU_SIMD_INTERLEAVE_VBMI_H
-#define TAVU_SIMD_INTERLEAVE_VBMI_H
+#ifndef TAVU_SIMD_X86_INTERLEAVE_VBMI_H
+#define TAVU_SIMD_X86_INTERLEAVE_VBMI_H
 
 namespace tavu {
 namespace {
@@ -64,12 +64,12 @@ TAVU_VEC_INLINE __m512i permute_third(__m512i v, __mmask64 mask, U8 third, const
     return _mm512_mask_permutexvar_epi8(v, mask, load_register(order.bytes), as<__m512i>(third));
 }
 
-TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b) {
+TAVU_VEC_INLINE void store_next_interleaved(uint8_t *&p, U8 a, U8 b) {
     for (int k = 0; k < 2; k++) store_register(p + 64 * k, permute(a, b, INTERLEAVE2[k]));
     p += 2 * LANES;
 }
 
-TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
+TAVU_VEC_INLINE void store_next_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
     constexpr uint64_t EVERY_THIRD = 0x9249249249249249;  // from bit 0 on
     for (int k = 0; k < 3; k++) {
         const uint64_t third = EVERY_THIRD << (2 - k);  // the channel of byte j is (64 k + j) % 3
@@ -79,7 +79,7 @@ TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
     p += 3 * LANES;
 }
 
-TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c, U8 d) {
+TAVU_VEC_INLINE void store_next_interleaved(uint8_t *&p, U8 a, U8 b, U8 c, U8 d) {
     for (int half = 0; half < 2; half++) {
         const __m512i ab = permute(a, b, INTERLEAVE2[half]), cd = permute(c, d, INTERLEAVE2[half]);
         for (int k = 0; k < 2; k++) {
@@ -90,8 +90,8 @@ TAVU_VEC_INLINE void store_interleaved(uint8_t *&p, U8 a, U8 b, U8 c, U8 d) {
     p += 4 * LANES;
 }
 
-TAVU_VEC_INLINE void load_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c) {
-    const U8 r0 = load(p), r1 = load(p), r2 = load(p);
+TAVU_VEC_INLINE void load_next_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c) {
+    const U8 r0 = load_next(p), r1 = load_next(p), r2 = load_next(p);
     U8 *const out[3] = {a, b, c};
     for (int channel = 0; channel < 3; channel++) {
         const uint64_t third = ~uint64_t{0}
@@ -101,8 +101,8 @@ TAVU_VEC_INLINE void load_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c) {
     }
 }
 
-TAVU_VEC_INLINE void load_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c, U8 *d) {
-    const U8 r0 = load(p), r1 = load(p), r2 = load(p), r3 = load(p);
+TAVU_VEC_INLINE void load_next_interleaved(const uint8_t *&p, U8 *a, U8 *b, U8 *c, U8 *d) {
+    const U8 r0 = load_next(p), r1 = load_next(p), r2 = load_next(p), r3 = load_next(p);
     const __m512i ab0 = permute(r0, r1, DEINTERLEAVE4[0]), ab1 = permute(r2, r3, DEINTERLEAVE4[0]),
                   cd0 = permute(r0, r1, DEINTERLEAVE4[1]), cd1 = permute(r2, r3, DEINTERLEAVE4[1]);
     constexpr int LOWER_HALVES = 0x44, UPPER_HALVES = 0xEE;

@@ -2,9 +2,9 @@
 // wide enough.
 #include <cstring>
 
-#include "imgp/irsz_export.h"
-#include "imgp/irsz_scalar.h"
-#include "imgp/resize_vec.h"
+#include "imgp/resize.h"
+#include "imgp/resize_engine.h"
+#include "imgp/resize_fallback.h"
 
 namespace tavu {
 namespace {
@@ -13,8 +13,8 @@ namespace {
 
 struct StoreBytes {
     static constexpr int PLANES = 1, BYTES = 1;
-    TAVU_VEC_INLINE static void store(uint8_t *&out, const UWide *sums) {
-        tavu::store(out, narrow6(sums[0]));
+    TAVU_VEC_INLINE static void store_next(uint8_t *&out, const UWide *sums) {
+        tavu::store_next(out, narrow6(sums[0]));
     }
 };
 

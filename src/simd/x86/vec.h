@@ -3,8 +3,8 @@
 //
 // A register of v3 or v4 is two or four parts of 16 bytes that most instructions treat alike and apart.
 // The layer keeps to that: only the interleaving loads and stores cross parts.
-#ifndef TAVU_SIMD_VEC_X86_H
-#define TAVU_SIMD_VEC_X86_H
+#ifndef TAVU_SIMD_X86_VEC_H
+#define TAVU_SIMD_X86_VEC_H
 
 #include <immintrin.h>
 
@@ -55,13 +55,13 @@ TAVU_VEC_INLINE void store_register(void *p, R v) {
     memcpy(p, &v, sizeof v);
 }
 
-TAVU_VEC_INLINE U8 load(const uint8_t *&p) {
+TAVU_VEC_INLINE U8 load_next(const uint8_t *&p) {
     const U8 v = as<U8>(load_register(p));
     p += LANES;
     return v;
 }
 
-TAVU_VEC_INLINE void store(uint8_t *&p, U8 v) {
+TAVU_VEC_INLINE void store_next(uint8_t *&p, U8 v) {
     store_register(p, as<Register>(v));
     p += LANES;
 }
@@ -153,9 +153,9 @@ TAVU_VEC_INLINE ChromaTerms chroma_terms(U8 u8, U8 v8) {
 }  // namespace tavu
 
 #if defined(__AVX512VBMI__)
-#include "simd/interleave_vbmi.h"
+#include "simd/x86/interleave_vbmi.h"
 #else
-#include "simd/interleave_x86.h"
+#include "simd/x86/interleave.h"
 #endif
 #undef TAVU_MM
 

@@ -1,5 +1,5 @@
 // Band mode of the resizer.
-#include "imgp/irsz_band.h"
+#include "imgp/resizer_band.h"
 
 #include <cstring>
 

@@ -1,6 +1,6 @@
 // The scalar forms that vector kernels fall back to, compiled once for all levels.
-#ifndef TAVU_IMGP_CSC_SCALAR_H
-#define TAVU_IMGP_CSC_SCALAR_H
+#ifndef TAVU_IMGP_CSC_FALLBACK_H
+#define TAVU_IMGP_CSC_FALLBACK_H
 
 #include "imgp/csc.h"
 #include "imgp/csc_to_565_model.h"

@@ -1,9 +1,9 @@
 // Exporting the three routines of a pixel format: a row, a whole image, and the driver of both.
-#ifndef TAVU_IMGP_IRSZ_EXPORT_H
-#define TAVU_IMGP_IRSZ_EXPORT_H
+#ifndef TAVU_IMGP_RESIZE_H
+#define TAVU_IMGP_RESIZE_H
 
-#include "imgp/irsz_band.h"
-#include "imgp/irsz_model.h"
+#include "imgp/resize_model.h"
+#include "imgp/resizer_band.h"
 #include "simd/kernel.h"
 
 namespace tavu {

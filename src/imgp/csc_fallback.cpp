@@ -1,9 +1,9 @@
 // Conversions that have no vector form, and the scalar forms behind those that have one.
-#include "imgp/csc_scalar.h"
+#include "imgp/csc_fallback.h"
 
 #include <cstring>
 
-#include "imgp/csc_rsz_model.h"
+#include "imgp/csc_resize_model.h"
 #include "imgp/csc_to_packed_model.h"
 
 namespace tavu {

@@ -4,8 +4,8 @@
 // YUV samples the full groups of eight pixels are converted in wrapping 16-bit arithmetic and the
 // rest exactly; callers rely on both. Reads nothing beyond the neighbours of the last pixel, writes
 // exactly dst_w pixels a row.
-#ifndef TAVU_IMGP_CSC_RSZ_MODEL_H
-#define TAVU_IMGP_CSC_RSZ_MODEL_H
+#ifndef TAVU_IMGP_CSC_RESIZE_MODEL_H
+#define TAVU_IMGP_CSC_RESIZE_MODEL_H
 
 #include "imgp/bilinear.h"
 #include "imgp/bilinear_weights.h"

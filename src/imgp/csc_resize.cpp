@@ -2,8 +2,8 @@
 // conversion, LANES pixels at a time; what is too narrow and the pixels of YUV rows after the last
 // full group of eight take the scalar form.
 #include "imgp/color_vec.h"
-#include "imgp/csc_scalar.h"
-#include "imgp/resize_vec.h"
+#include "imgp/csc_fallback.h"
+#include "imgp/resize_engine.h"
 
 namespace tavu {
 namespace {
@@ -36,14 +36,14 @@ TAVU_VEC_INLINE RgbBlock sums_to_rgb(FromRgb, const UWide *sums) {
 template <class Space, int Bytes, bool AlphaPlane>
 struct StoreConverted {
     static constexpr int PLANES = AlphaPlane ? 4 : 3, BYTES = Bytes;
-    TAVU_VEC_INLINE static void store(uint8_t *&out, const UWide *sums) {
+    TAVU_VEC_INLINE static void store_next(uint8_t *&out, const UWide *sums) {
         const RgbBlock p = sums_to_rgb(Space{}, sums);
         if constexpr (Bytes == 3) {
-            store_interleaved(out, p.r, p.g, p.b);
+            store_next_interleaved(out, p.r, p.g, p.b);
         } else if constexpr (AlphaPlane) {
-            store_interleaved(out, p.r, p.g, p.b, narrow6(sums[3]));
+            store_next_interleaved(out, p.r, p.g, p.b, narrow6(sums[3]));
         } else {
-            store_interleaved(out, p.r, p.g, p.b, splat(255));
+            store_next_interleaved(out, p.r, p.g, p.b, splat(255));
         }
     }
 };

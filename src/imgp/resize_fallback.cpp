@@ -1,4 +1,4 @@
-#include "imgp/irsz_scalar.h"
+#include "imgp/resize_fallback.h"
 
 namespace tavu {
 

@@ -1,6 +1,6 @@
 // Band mode of the resizer.
-#ifndef TAVU_IMGP_IRSZ_BAND_H
-#define TAVU_IMGP_IRSZ_BAND_H
+#ifndef TAVU_IMGP_RESIZER_BAND_H
+#define TAVU_IMGP_RESIZER_BAND_H
 
 #include "tavu.h"
 

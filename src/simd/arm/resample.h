@@ -1,6 +1,6 @@
 // Bilinear resampling on NEON, 32-bit and 64-bit. The operations are told in resample.h.
-#ifndef TAVU_SIMD_RESAMPLE_NEON_H
-#define TAVU_SIMD_RESAMPLE_NEON_H
+#ifndef TAVU_SIMD_ARM_RESAMPLE_H
+#define TAVU_SIMD_ARM_RESAMPLE_H
 
 #include <arm_neon.h>
 
@@ -197,7 +197,7 @@ TAVU_VEC_INLINE void halve_to_bytes(const uint8_t *top, const uint8_t *bottom,
                                     uint8_t *out) {
     for (; blocks > 0; blocks--, weights++) {
         const UWide sums = halve(top, bottom, *weights);
-        store(out, vuzp2q_u8(vreinterpretq_u8_u16(sums.lo), vreinterpretq_u8_u16(sums.hi)));
+        store_next(out, vuzp2q_u8(vreinterpretq_u8_u16(sums.lo), vreinterpretq_u8_u16(sums.hi)));
     }
 }
 

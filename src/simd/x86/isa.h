@@ -1,7 +1,7 @@
 // The instructions that operations on blocks take, for registers of 16 bytes and, from v3 and v4 on, of
 // 32 and 64.
-#ifndef TAVU_SIMD_ISA_X86_H
-#define TAVU_SIMD_ISA_X86_H
+#ifndef TAVU_SIMD_X86_ISA_H
+#define TAVU_SIMD_X86_ISA_H
 
 #include <immintrin.h>
 

@@ -1,8 +1,8 @@
 #include "resize_kernels.h"
 
 #include "csc_model.h"
-#include "imgp/csc_rsz_model.h"
-#include "imgp/irsz_model.h"
+#include "imgp/csc_resize_model.h"
+#include "imgp/resize_model.h"
 
 namespace {
 

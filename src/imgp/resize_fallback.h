@@ -1,8 +1,8 @@
 // The scalar forms that vector kernels fall back to, compiled once for all levels.
-#ifndef TAVU_IMGP_IRSZ_SCALAR_H
-#define TAVU_IMGP_IRSZ_SCALAR_H
+#ifndef TAVU_IMGP_RESIZE_FALLBACK_H
+#define TAVU_IMGP_RESIZE_FALLBACK_H
 
-#include "imgp/irsz_model.h"
+#include "imgp/resize_model.h"
 
 namespace tavu {
 

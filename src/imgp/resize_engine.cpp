@@ -1,4 +1,4 @@
-#include "imgp/resize_vec.h"
+#include "imgp/resize_engine.h"
 
 #if TAVU_VEC
 

@@ -1,6 +1,6 @@
 // Bilinear resize in the vector form that suits the columns.
-#ifndef TAVU_IMGP_RESIZE_VEC_H
-#define TAVU_IMGP_RESIZE_VEC_H
+#ifndef TAVU_IMGP_RESIZE_ENGINE_H
+#define TAVU_IMGP_RESIZE_ENGINE_H
 
 #include "simd/vec.h"
 
