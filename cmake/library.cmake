@@ -116,13 +116,13 @@ function(tavu_level_objects name level top)
   # Kernels call nothing that could throw, so that nobody needs to unwind through them.
   target_compile_options(${name} PRIVATE -march=x86-64-v${level} -mtune=generic
     -fno-asynchronous-unwind-tables $<$<EQUAL:${level},4>:-mavx512vbmi>)
-  target_compile_definitions(${name} PRIVATE TAVU_LEVEL=${level} TAVU_TOP_LEVEL=${top})
+  target_compile_definitions(${name} PRIVATE TAVU_TOP_LEVEL=${top})
 endfunction()
 
 set(TAVU_LEVELS OFF)
 if(x86_64 AND TAVU_DISPATCH)
   set(TAVU_LEVELS ON)
-  tavu_objects(tavu_base ${TAVU_SOURCES} src/simd/level.cpp)
+  tavu_objects(tavu_base ${TAVU_SOURCES} src/simd/x86/cpu_level.cpp)
   tavu_level_objects(tavu_wide 2 3 ${TAVU_WIDE_SOURCES})
   tavu_level_objects(tavu_wide_v3 3 3 ${TAVU_WIDE_SOURCES})
   tavu_level_objects(tavu_widest 2 4 ${TAVU_WIDEST_SOURCES})

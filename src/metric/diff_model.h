@@ -7,7 +7,7 @@
 namespace tavu {
 namespace {
 
-inline void diff_area(int32_t width, int32_t height, Blocks at, int32_t stride_diff,
+inline void diff_area(int32_t width, int32_t height, BlockPair at, int32_t stride_diff,
                       int16_t *diff) {
     for (; height > 0; height--, at.next_row(), diff += stride_diff) {
         for (int32_t x = 0; x < width; x++) diff[x] = static_cast<int16_t>(at.a[x] - at.b[x]);
@@ -15,7 +15,7 @@ inline void diff_area(int32_t width, int32_t height, Blocks at, int32_t stride_d
 }
 
 template <int Size>
-void diff_block(const Blocks &at, int32_t stride_diff, int16_t *diff) {
+void diff_block(const BlockPair &at, int32_t stride_diff, int16_t *diff) {
     diff_area(Size, Size, at, stride_diff, diff);
 }
 

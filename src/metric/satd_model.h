@@ -40,7 +40,7 @@ struct Transform {
 };
 
 template <int Size>
-Transform<Size> residual(Blocks at) {
+Transform<Size> residual(BlockPair at) {
     Transform<Size> t;
     for (int y = 0; y < Size; y++, at.next_row()) {
         for (int x = 0; x < Size; x++) t.at[y][x] = static_cast<int16_t>(at.a[x] - at.b[x]);
@@ -56,9 +56,9 @@ inline int32_t hadamard4x4(Transform<4> t) {
     return sum >> 1;
 }
 
-inline int32_t satd4x4(const Blocks &at) { return hadamard4x4(residual<4>(at)); }
+inline int32_t satd4x4(const BlockPair &at) { return hadamard4x4(residual<4>(at)); }
 
-inline int32_t satd8x8(const Blocks &at) {
+inline int32_t satd8x8(const BlockPair &at) {
     Transform<8> t = residual<8>(at);
     t.rows();
     t.columns();
@@ -71,7 +71,8 @@ inline int32_t satd8x8(const Blocks &at) {
 }
 
 template <int Size>
-int32_t tiles(int32_t width, int32_t height, const Blocks &at, int32_t (*satd)(const Blocks &)) {
+int32_t tiles(int32_t width, int32_t height, const BlockPair &at,
+              int32_t (*satd)(const BlockPair &)) {
     int32_t sum = 0;
     for (int32_t y = 0; y < height; y += Size) {
         for (int32_t x = 0; x < width; x += Size) {
@@ -83,11 +84,11 @@ int32_t tiles(int32_t width, int32_t height, const Blocks &at, int32_t (*satd)(c
     return sum;
 }
 
-inline int32_t satd4x4_area(int32_t width, int32_t height, const Blocks &at) {
+inline int32_t satd4x4_area(int32_t width, int32_t height, const BlockPair &at) {
     return tiles<4>(width, height, at, satd4x4);
 }
 
-inline int32_t satd8x8_area(int32_t width, int32_t height, const Blocks &at) {
+inline int32_t satd8x8_area(int32_t width, int32_t height, const BlockPair &at) {
     return tiles<8>(width, height, at, satd8x8);
 }
 

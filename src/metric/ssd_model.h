@@ -8,7 +8,7 @@ namespace tavu {
 namespace {
 
 template <int Columns>
-int32_t ssd_columns(int32_t rows, Blocks at) {
+int32_t ssd_columns(int32_t rows, BlockPair at) {
     uint32_t sum = 0;  // wraps instead of overflowing in blocks of more than 66,051 samples
     for (; rows > 0; rows--, at.next_row()) {
         for (int x = 0; x < Columns; x++) {
@@ -20,7 +20,7 @@ int32_t ssd_columns(int32_t rows, Blocks at) {
 }
 
 // Every width without a path of its own is taken as 64; callers rely on it.
-inline int32_t ssd_area(int32_t width, int32_t height, const Blocks &at) {
+inline int32_t ssd_area(int32_t width, int32_t height, const BlockPair &at) {
     switch (width) {
         case 4: return ssd_columns<4>(height, at);
         case 8: return ssd_columns<8>(height, at);

@@ -1,4 +1,4 @@
-// Sums over a block, taken register by register: the vector form of SAD and SSD.
+// Sums over a block, register by register: the vector form of SAD and SSD.
 #ifndef TAVU_METRIC_SUM_H
 #define TAVU_METRIC_SUM_H
 
@@ -10,36 +10,36 @@
 namespace tavu {
 namespace {
 
-// The register for a row.
+// Bytes of the register for a row.
 template <int Columns>
-constexpr int ROW_WIDTH = Columns < 16       ? 16
-                          : Columns < WIDEST ? Columns
-                                             : WIDEST;
+constexpr int ROW_WIDTH = Columns < 16      ? 16
+                          : Columns < LANES ? Columns
+                                            : LANES;
 
 // Rows that a register holds.
 template <int N, int Columns>
 constexpr int ROWS = Columns < N ? N / Columns : 1;
 
-// Adds ROWS rows and moves on behind them.
+// Adds ROWS rows and advances.
 template <int Columns, template <int> class Sum, int N>
-TAVU_VEC_INLINE void add_rows(Sum<N> &sum, Blocks &at) {
+TAVU_VEC_INLINE void add_rows(Sum<N> &sum, BlockPair &at) {
     if constexpr (Columns <= 16) {
-        const Bytes<N> a = load_rows<N, Columns>(at.a, at.stride_a);
-        sum.add(a, load_rows<N, Columns>(at.b, at.stride_b));
+        const VecU8<N> a = load_next_rows<N, Columns>(at.a, at.stride_a);
+        sum.add(a, load_next_rows<N, Columns>(at.b, at.stride_b));
     } else {
 #pragma GCC unroll 4
         for (int x = N; x < Columns; x += N) {
-            const Bytes<N> a = load_next<N>(at.a);
+            const VecU8<N> a = load_next<N>(at.a);
             sum.add(a, load_next<N>(at.b));
         }
-        const Bytes<N> a = load_rows<N, N>(at.a, at.stride_a - (Columns - N));
-        sum.add(a, load_rows<N, N>(at.b, at.stride_b - (Columns - N)));
+        const VecU8<N> a = load_next_rows<N, N>(at.a, at.stride_a - (Columns - N));
+        sum.add(a, load_next_rows<N, N>(at.b, at.stride_b - (Columns - N)));
     }
 }
 
 // The sum of a block, whose rows are a multiple of ROWS.
 template <class Sum, int Columns, int Rows>
-TAVU_VEC_INLINE int32_t sum_block(Blocks &at) {
+TAVU_VEC_INLINE int32_t sum_block(BlockPair &at) {
     if constexpr (Columns * Rows > Sum::MAX_BYTES) {
         const int32_t upper = sum_block<Sum, Columns, Rows / 2>(at);
         return upper + sum_block<Sum, Columns, Rows / 2>(at);
@@ -56,10 +56,10 @@ TAVU_VEC_INLINE int32_t sum_block(Blocks &at) {
     }
 }
 
-// The same for rows that are known at run time, at most as many as a sum takes. They are a multiple
-// of 4, of more than 16 columns of 2 and 1.
+// The same for a number of rows that is known at run time, at most as many as a sum takes. It is rounded
+// up to a multiple of 4, with 32 columns of 2, with 64 of 1.
 template <class Sum, int Columns>
-TAVU_VEC_INLINE int32_t sum_rows(int32_t rows, Blocks &at) {
+TAVU_VEC_INLINE int32_t sum_rows(int32_t rows, BlockPair &at) {
     constexpr int GROUP = Columns <= 16 ? 4 : 64 / Columns;
     if (rows <= 0) return 0;
     Sum sum = Sum::zero();

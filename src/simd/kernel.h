@@ -1,17 +1,30 @@
-// Exporting a kernel at the instruction-set levels that the build has.
-//
-// TAVU_LEVEL is 2, 3 or 4 where a file is compiled once for each of x86-64-v2, v3 and, up to
-// TAVU_TOP_LEVEL, v4. The v2 pass then exports NAME as an indirect function: the dynamic linker calls
-// the resolver once, at load or, in an object bound lazily, at the first call. Calls cost nothing extra
-// and there is no table of pointers to fill. In every other build a kernel is an ordinary function.
+// Exporting a kernel at the levels that the build has.
 //
 //     TAVU_KERNEL(void, tavu_name, (int32_t a, int32_t b)) { ... }
 //
-// TAVU_LOWER_LEVEL(tavu_name) is the same kernel at the next lower level; of the lowest, itself.
+// defines an ordinary function, except in files that are compiled once for each x86-64 level up to
+// TAVU_TOP_LEVEL. There it defines tavu_name_v2, _v3 or _v4, and the v2 pass exports tavu_name as an
+// indirect function: the dynamic linker calls the resolver once, at load or, in an object bound lazily, at
+// the first call. Calls cost nothing extra and there is no table of pointers to fill.
+//
+// TAVU_LOWER_LEVEL(tavu_name) is the same kernel at the next lower level, at the lowest itself.
 #ifndef TAVU_SIMD_KERNEL_H
 #define TAVU_SIMD_KERNEL_H
 
-#if !defined(TAVU_LEVEL)
+#include "simd/level.h"
+
+namespace tavu {
+
+// The level of this pass; 0 if kernels have only one.
+#if defined(TAVU_TOP_LEVEL)
+constexpr int KERNEL_LEVEL = TAVU_LEVEL;
+#else
+constexpr int KERNEL_LEVEL = 0;
+#endif
+
+}  // namespace tavu
+
+#if !defined(TAVU_TOP_LEVEL)
 
 #define TAVU_KERNEL(ret, name, params) extern "C" ret name params
 #define TAVU_LOWER_LEVEL(name) name
@@ -28,7 +41,7 @@
 
 #else
 
-#include "simd/level.h"
+#include "simd/x86/cpu_level.h"
 
 #if TAVU_TOP_LEVEL == 4
 #define TAVU_TOP(name) name##_v4

@@ -45,7 +45,7 @@ using U16x8 = uint16_t __attribute__((vector_size(16)));
 }  // namespace TAVU_LEVEL_NAMESPACE
 }  // namespace tavu
 
-#if defined(__ARM_NEON)
+#if TAVU_LEVEL == 1
 #include "simd/arm/resample.h"
 #else
 #include "simd/x86/resample.h"

@@ -12,7 +12,7 @@ namespace {
 // Calls convert_block(at), which converts LANES pixels and moves the cursor on, for each block of a
 // row. A last block that is not full is anchored at the row's end, where at.move(pixels) takes the
 // cursor, and rewrites equal bytes; a row narrower than LANES must have room before it.
-#if defined(__ARM_NEON)
+#if TAVU_LEVEL == 1
 
 // Blocks are short, and counting them in pairs saves a sixth.
 template <class Cursor, class Convert>

@@ -10,7 +10,7 @@
 #include "cases.h"
 #include "kernels.h"
 #include "resize_kernels.h"
-#include "simd/level_choice.h"
+#include "simd/x86/level_choice.h"
 
 namespace {
 

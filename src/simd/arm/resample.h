@@ -1,4 +1,4 @@
-// Bilinear resampling on NEON, 32-bit and 64-bit. The operations are told in resample.h.
+// Bilinear resampling on NEON, 32-bit and 64-bit. resample.h documents the operations.
 #ifndef TAVU_SIMD_ARM_RESAMPLE_H
 #define TAVU_SIMD_ARM_RESAMPLE_H
 

@@ -1,8 +1,13 @@
-// The vector layer on NEON, 32-bit and 64-bit. The operations are told in vec.h.
+// The vector layer on NEON, 32-bit and 64-bit. vec.h documents the operations.
 #ifndef TAVU_SIMD_ARM_VEC_H
 #define TAVU_SIMD_ARM_VEC_H
 
 #include <arm_neon.h>
+
+#include <cstdint>
+#include <type_traits>
+
+#include "simd/attributes.h"
 
 namespace tavu {
 namespace {
@@ -26,7 +31,7 @@ TAVU_VEC_INLINE U8 pick(std::bool_constant<First>, U8 a, U8 b) {
     return b;
 }
 
-// Short as blocks are here, a choice within them would cost a tenth: a copy of `use` for each.
+// A copy of `use` for each choice: blocks are short, and choosing inside them costs a tenth.
 template <class Use>
 TAVU_VEC_INLINE void choose(bool first, Use use) {
     if (first) return use(std::true_type{});
@@ -42,9 +47,9 @@ struct ChromaTerms {
     Wide r, g, b;
 };
 
-// The rounding high multiply is (a * k + 2^14) >> 15 without wrapping, so that 2v * 22976 stands for
-// 359 v and 2u * 29056 for 454 u. Of 183 = 256 - 73 only the part below 256 is multiplied, to stay
-// within 16 bits: |88 u - 73 v| <= 161 * 128.
+// The rounding high multiply is (a * k + 2^14) >> 15 without wrapping: 2v * 22976 is 359 v and
+// 2u * 29056 is 454 u. Since 183 = 256 - 73, only 73 v is multiplied, which keeps the sum within 16 bits:
+// |88 u - 73 v| <= 161 * 128.
 TAVU_VEC_INLINE void chroma_lanes(I16 u, I16 v, I16 *r, I16 *g, I16 *b) {
     *r = vqrdmulhq_s16(v + v, vdupq_n_s16(22976));
     *g = v + vrshrq_n_s16(u * 88 - v * 73, 8);
@@ -64,8 +69,8 @@ TAVU_VEC_INLINE ChromaTerms chroma_terms(U8 u, U8 v) {
 
 #if defined(__arm__)
 
-// In assembly, for compilers compute addresses anew instead of moving pointers on, join the halves
-// of registers by copies, and lay registers out for interleaving through the stack.
+// In assembly, because compilers recompute addresses instead of advancing pointers, join the halves of
+// registers by copies, and lay registers out for interleaving through the stack.
 
 TAVU_VEC_INLINE U8 load_next(const uint8_t *&p) {
     U8 v;
@@ -206,7 +211,7 @@ TAVU_VEC_INLINE U16 luma(uint8x8_t r, uint8x8_t g, uint8x8_t b) {
     return vmlal_u8(sum, b, vdup_n_u8(29));
 }
 
-// 128 a - `weight_b` b - `weight_c` c, whose weights add up to 128.
+// 128 a - `weight_b` b - `weight_c` c. The two weights sum to 128.
 TAVU_VEC_INLINE I16 chroma(uint8x8_t a, uint8x8_t b, uint8_t weight_b, uint8x8_t c,
                            uint8_t weight_c) {
     const U16 sum = vmlsl_u8(vshll_n_u8(a, 7), b, vdup_n_u8(weight_b));

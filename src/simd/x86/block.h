@@ -1,17 +1,16 @@
-// Operations on blocks for x86-64: v2 (SSE4.1), v3 (AVX2) and v4 (AVX-512). They are told in tile.h.
+// Operations on blocks for x86-64: v2 (SSE4.1), v3 (AVX2) and v4 (AVX-512). block.h documents them.
 #ifndef TAVU_SIMD_X86_BLOCK_H
 #define TAVU_SIMD_X86_BLOCK_H
 
 #include <cstddef>
-#include <cstring>
 
-#include "simd/x86/isa.h"
+#include "simd/x86/vec.h"
 
 namespace tavu {
 
-// Defined in a file of its own, so that they are read from memory: compilers would rather move such
+// Defined in a file of its own, so that they are read from memory. Compilers would otherwise move such
 // constants through general registers, which takes longer than a whole block of 4x4.
-struct TileConstants {
+struct BlockConstants {
     alignas(64) int8_t sums[64];          // 1, 1: weights of even and odd bytes
     alignas(64) int8_t differences[64];   // 1, -1
     alignas(64) int8_t both[64];          // sums in even 16 bytes, differences in odd ones
@@ -21,16 +20,14 @@ struct TileConstants {
     alignas(64) int32_t twos[16];
 };
 // Hidden, so that they are read without a detour through the table of addresses.
-extern const TileConstants TILE_CONSTANTS __attribute__((visibility("hidden")));
+extern const BlockConstants BLOCK_CONSTANTS __attribute__((visibility("hidden")));
 
 namespace {
 
 template <int N>
-TAVU_VEC_INLINE Bytes<N> load(const uint8_t *p) {
-    Bytes<N> v;
-    memcpy(&v, p, sizeof v);
-    return v;
-}
+using VecU8 = Register<N>;
+template <int N>
+using VecI16 = Register<N>;
 
 TAVU_VEC_INLINE int32_t load4(const uint8_t *p) {
     int32_t v;
@@ -48,14 +45,14 @@ TAVU_VEC_INLINE __m128i load8_twice(const uint8_t *p, ptrdiff_t stride) {
 }
 
 template <int N, int W>
-TAVU_VEC_INLINE Bytes<N> load_rows(const uint8_t *&p, ptrdiff_t stride) {
+TAVU_VEC_INLINE VecU8<N> load_next_rows(const uint8_t *&p, ptrdiff_t stride) {
     const uint8_t *const at = p;
     p += N / W * stride;
-#if defined(__AVX2__)
+#if TAVU_LEVEL >= 3
     if constexpr (N == 32 && W < N) {
         const uint8_t *below = at;
-        const __m128i low = load_rows<16, W>(below, stride);
-        const __m128i high = load_rows<16, W>(below, stride);
+        const __m128i low = load_next_rows<16, W>(below, stride);
+        const __m128i high = load_next_rows<16, W>(below, stride);
         return _mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1);
     }
 #endif
@@ -70,7 +67,7 @@ TAVU_VEC_INLINE Bytes<N> load_rows(const uint8_t *&p, ptrdiff_t stride) {
 }
 
 template <int N>
-TAVU_VEC_INLINE Bytes<N> load_next(const uint8_t *&p) {
+TAVU_VEC_INLINE VecU8<N> load_next(const uint8_t *&p) {
     p += N;
     return load<N>(p - N);
 }
@@ -87,12 +84,12 @@ TAVU_VEC_INLINE __m128i load_start(const uint8_t *p) {
 
 // The 32-bit lanes of each 16 bytes, added.
 TAVU_VEC_INLINE __m128i fold(__m128i v) { return v; }
-#if defined(__AVX2__)
+#if TAVU_LEVEL >= 3
 TAVU_VEC_INLINE __m128i fold(__m256i v) {
     return _mm_add_epi32(_mm256_castsi256_si128(v), _mm256_extracti128_si256(v, 1));
 }
 #endif
-#if defined(__AVX512BW__)
+#if TAVU_LEVEL == 4
 TAVU_VEC_INLINE __m128i fold(__m512i v) {
     return fold(_mm256_add_epi32(_mm512_castsi512_si256(v), _mm512_extracti64x4_epi64(v, 1)));
 }
@@ -113,13 +110,11 @@ class AbsSum {
     static TAVU_VEC_INLINE AbsSum zero() { return {}; }
     static constexpr int MAX_BYTES = INT32_MAX;
 
-    TAVU_VEC_INLINE void add(Bytes<N> a, Bytes<N> b) {
-        sum_ = Isa<N>::add_epi32(sum_, Isa<N>::sad_epu8(a, b));
-    }
+    TAVU_VEC_INLINE void add(VecU8<N> a, VecU8<N> b) { sum_ = add_epi32(sum_, sad_epu8(a, b)); }
     TAVU_VEC_INLINE int32_t total() const { return sum_pair(fold(sum_)); }
 
   private:
-    Bytes<N> sum_{};  // in each 16 bytes two 64-bit sums
+    VecU8<N> sum_{};  // in each 16 bytes two 64-bit sums
 };
 
 template <class R>
@@ -129,12 +124,12 @@ TAVU_VEC_INLINE R constant(const void *values) {
 
 template <class R>
 TAVU_VEC_INLINE R sum_columns(R v) {
-    return Of<R>::maddubs_epi16(v, constant<R>(TILE_CONSTANTS.sums));
+    return maddubs_epi16(v, constant<R>(BLOCK_CONSTANTS.sums));
 }
 
 template <class R>
 TAVU_VEC_INLINE R subtract_columns(R v) {
-    return Of<R>::maddubs_epi16(v, constant<R>(TILE_CONSTANTS.differences));
+    return maddubs_epi16(v, constant<R>(BLOCK_CONSTANTS.differences));
 }
 
 template <int N>
@@ -144,39 +139,47 @@ class SquareSum {
     static TAVU_VEC_INLINE SquareSum zero() { return {}; }
     static constexpr int MAX_BYTES = INT32_MAX;
 
-    TAVU_VEC_INLINE void add(Bytes<N> a, Bytes<N> b) {
-        const Bytes<N> lo = subtract_columns(Isa<N>::unpacklo_epi8(a, b));
-        const Bytes<N> hi = subtract_columns(Isa<N>::unpackhi_epi8(a, b));
-        sum_ = Isa<N>::add_epi32(sum_, Isa<N>::madd_epi16(lo, lo));
-        sum_ = Isa<N>::add_epi32(sum_, Isa<N>::madd_epi16(hi, hi));
+    TAVU_VEC_INLINE void add(VecU8<N> a, VecU8<N> b) {
+        const VecU8<N> lo = subtract_columns(unpacklo_epi8(a, b));
+        const VecU8<N> hi = subtract_columns(unpackhi_epi8(a, b));
+        sum_ = add_epi32(sum_, madd_epi16(lo, lo));
+        sum_ = add_epi32(sum_, madd_epi16(hi, hi));
     }
     TAVU_VEC_INLINE int32_t total() const { return sum_lanes(fold(sum_)); }
 
   private:
-    Bytes<N> sum_{};
+    VecU8<N> sum_{};
 };
 
 // N / 2 bytes, zero-extended.
 template <int N>
-TAVU_VEC_INLINE Words<N> load_wide(const uint8_t *p) {
-#if defined(__AVX512BW__)
+TAVU_VEC_INLINE VecI16<N> load_wide(const uint8_t *p) {
+#if TAVU_LEVEL == 4
     if constexpr (N == 64) return _mm512_cvtepu8_epi16(load<32>(p));
 #endif
-#if defined(__AVX2__)
+#if TAVU_LEVEL >= 3
     if constexpr (N == 32) return _mm256_cvtepu8_epi16(load<16>(p));
 #endif
     if constexpr (N == 16) return _mm_cvtepu8_epi16(load8(p));
 }
 
 template <int N>
-TAVU_VEC_INLINE Words<N> load_difference(const uint8_t *a, const uint8_t *b) {
-    return Isa<N>::sub_epi16(load_wide<N>(a), load_wide<N>(b));
+TAVU_VEC_INLINE VecI16<N> load_difference(const uint8_t *a, const uint8_t *b) {
+    return sub_epi16(load_wide<N>(a), load_wide<N>(b));
 }
 
 template <int N>
 TAVU_VEC_INLINE void store_difference(const uint8_t *a, const uint8_t *b, int16_t *out) {
-    const Words<N> d = load_difference<N>(a, b);
-    memcpy(out, &d, sizeof d);
+    store(out, load_difference<N>(a, b));
+}
+
+template <int N>
+TAVU_VEC_INLINE VecI16<N> load_next_difference(const uint8_t *&a, ptrdiff_t stride_a,
+                                               const uint8_t *&b, ptrdiff_t stride_b) {
+    const VecI16<N> d = load_difference<N>(a, b);
+    a += stride_a;
+    b += stride_b;
+    return d;
 }
 
 }  // namespace

@@ -1,13 +1,13 @@
-#include "simd/vec.h"
+#include "simd/level.h"
 
-#if TAVU_VEC && !defined(__ARM_NEON)
+#if TAVU_LEVEL >= 2
 
-#include "simd/block.h"
+#include "simd/x86/block.h"
 
 namespace tavu {
 
-static constexpr TileConstants make_constants() {
-    TileConstants c{};
+static constexpr BlockConstants make_constants() {
+    BlockConstants c{};
     for (int i = 0; i < 64; i++) {
         c.sums[i] = 1;
         c.differences[i] = i % 2 == 0 ? 1 : -1;
@@ -22,7 +22,7 @@ static constexpr TileConstants make_constants() {
     return c;
 }
 
-const TileConstants TILE_CONSTANTS = make_constants();
+const BlockConstants BLOCK_CONSTANTS = make_constants();
 
 }  // namespace tavu
 

@@ -1,18 +1,20 @@
-// Interleaving loads and stores of the vector layer for v4, which takes any byte of two registers to any
-// place in one instruction. The end of vec_x86.h.
+// Interleaving loads and stores of the vector layer for v4, whose permutes move any byte of two registers
+// to any position.
 #ifndef TAVU_SIMD_X86_INTERLEAVE_VBMI_H
 #define TAVU_SIMD_X86_INTERLEAVE_VBMI_H
+
+#include "simd/x86/vec.h"
 
 namespace tavu {
 namespace {
 
-// Where each byte comes from: the byte in a register, and from 64 on in the second one. Permutes
-// overlook what lies above the bits that they need.
+// The source of each byte: 0 to 63 in the first register, 64 to 127 in the second one. Permutes ignore
+// higher bits.
 struct Order {
     alignas(64) uint8_t bytes[64];
 };
 
-// Of CHANNELS channels, the first two of which are the two registers, to output register `k`.
+// Output register `k` of CHANNELS interleaved channels. The two registers are the first two channels.
 template <int CHANNELS>
 constexpr Order interleave(int k) {
     Order order{};
@@ -23,7 +25,7 @@ constexpr Order interleave(int k) {
     return order;
 }
 
-// Of 16-bit units, as bytes.
+// The same for two registers of 16-bit units, in bytes.
 constexpr Order interleave_pairs(int k) {
     Order order{};
     for (int j = 0; j < 64; j += 2) {
@@ -39,7 +41,7 @@ constexpr Order deinterleave3(int channel) {
     return order;
 }
 
-// A channel of 32 pixels, behind it the next one.
+// A channel of 32 pixels, followed by the next channel.
 constexpr Order deinterleave4(int channel) {
     Order order{};
     for (int j = 0; j < 64; j++) {
@@ -55,17 +57,17 @@ constexpr Order DEINTERLEAVE3[3] = {deinterleave3(0), deinterleave3(1), deinterl
 constexpr Order DEINTERLEAVE4[2] = {deinterleave4(0), deinterleave4(2)};
 
 TAVU_VEC_INLINE __m512i permute(U8 first, U8 second, const Order &order) {
-    return _mm512_permutex2var_epi8(as<__m512i>(first), load_register(order.bytes),
+    return _mm512_permutex2var_epi8(as<__m512i>(first), load<LANES>(order.bytes),
                                     as<__m512i>(second));
 }
 
-// Bytes of a third register, where the mask is set.
+// Takes bytes of a third register where the mask is set.
 TAVU_VEC_INLINE __m512i permute_third(__m512i v, __mmask64 mask, U8 third, const Order &order) {
-    return _mm512_mask_permutexvar_epi8(v, mask, load_register(order.bytes), as<__m512i>(third));
+    return _mm512_mask_permutexvar_epi8(v, mask, load<LANES>(order.bytes), as<__m512i>(third));
 }
 
 TAVU_VEC_INLINE void store_next_interleaved(uint8_t *&p, U8 a, U8 b) {
-    for (int k = 0; k < 2; k++) store_register(p + 64 * k, permute(a, b, INTERLEAVE2[k]));
+    for (int k = 0; k < 2; k++) store(p + 64 * k, permute(a, b, INTERLEAVE2[k]));
     p += 2 * LANES;
 }
 
@@ -73,8 +75,7 @@ TAVU_VEC_INLINE void store_next_interleaved(uint8_t *&p, U8 a, U8 b, U8 c) {
     constexpr uint64_t EVERY_THIRD = 0x9249249249249249;  // from bit 0 on
     for (int k = 0; k < 3; k++) {
         const uint64_t third = EVERY_THIRD << (2 - k);  // the channel of byte j is (64 k + j) % 3
-        store_register(p + 64 * k,
-                       permute_third(permute(a, b, INTERLEAVE3[k]), third, c, INTERLEAVE3[k]));
+        store(p + 64 * k, permute_third(permute(a, b, INTERLEAVE3[k]), third, c, INTERLEAVE3[k]));
     }
     p += 3 * LANES;
 }
@@ -83,8 +84,8 @@ TAVU_VEC_INLINE void store_next_interleaved(uint8_t *&p, U8 a, U8 b, U8 c, U8 d)
     for (int half = 0; half < 2; half++) {
         const __m512i ab = permute(a, b, INTERLEAVE2[half]), cd = permute(c, d, INTERLEAVE2[half]);
         for (int k = 0; k < 2; k++) {
-            const __m512i order = load_register(INTERLEAVE_PAIRS[k].bytes);
-            store_register(p + 128 * half + 64 * k, _mm512_permutex2var_epi16(ab, order, cd));
+            const __m512i order = load<LANES>(INTERLEAVE_PAIRS[k].bytes);
+            store(p + 128 * half + 64 * k, _mm512_permutex2var_epi16(ab, order, cd));
         }
     }
     p += 4 * LANES;

@@ -1,4 +1,4 @@
-// Bilinear resampling on x86-64. The operations are told in resample.h.
+// Bilinear resampling on x86-64. resample.h documents the operations.
 #ifndef TAVU_SIMD_X86_RESAMPLE_H
 #define TAVU_SIMD_X86_RESAMPLE_H
 
@@ -9,7 +9,7 @@
 namespace tavu {
 inline namespace TAVU_LEVEL_NAMESPACE {
 
-#if defined(__AVX2__)
+#if TAVU_LEVEL >= 3
 #define TAVU_MM(op) _mm256_##op
 #else
 #define TAVU_MM(op) _mm_##op
@@ -33,18 +33,18 @@ TAVU_VEC_INLINE void set_taps(Taps<Windows> &taps, int group, U16x8 left, U16x8 
     const __m128i pairs = as<__m128i>((left & 0xFF) | right << 8);
     for (int w = 0; w < Windows; w++) {
         const __m128i index = _mm_sub_epi8(pairs, _mm_set1_epi8(static_cast<char>(w * WINDOW)));
-        store_register(taps.mask[w] + 16 * group, _mm_adds_epu8(index, _mm_set1_epi8(0x70)));
+        store(taps.mask[w] + 16 * group, _mm_adds_epu8(index, _mm_set1_epi8(0x70)));
     }
 }
 
-TAVU_VEC_INLINE void set_weights(uint8_t *p, U16x8 a) { store_register(p, (8 - a) | a << 8); }
+TAVU_VEC_INLINE void set_weights(uint8_t *p, U16x8 a) { store(p, (8 - a) | a << 8); }
 
 // A window for every group.
-TAVU_VEC_INLINE Register load_windows(const uint8_t *first,
+TAVU_VEC_INLINE Reg load_windows(const uint8_t *first,
                                       [[maybe_unused]] const uint8_t *second) {
-    const __m128i low = load_register<__m128i>(first);
-#if defined(__AVX2__)
-    return _mm256_inserti128_si256(_mm256_castsi128_si256(low), load_register<__m128i>(second), 1);
+    const __m128i low = load<16>(first);
+#if TAVU_LEVEL >= 3
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(low), load<16>(second), 1);
 #else
     return low;
 #endif
@@ -62,13 +62,13 @@ TAVU_VEC_INLINE LoadedTaps<Windows> load_taps(const Taps<Windows> &taps) {
 template <int Windows>
 TAVU_VEC_INLINE U16 weigh(const uint8_t *row, const Taps<Windows> &taps) {
     const uint8_t *first = row + taps.offset[0], *second = row + taps.offset[LANES / 16 - 1];
-    Register pairs{};
+    Reg pairs{};
 #pragma GCC unroll 4
     for (int w = 0; w < Windows; w++) {
         pairs |= TAVU_MM(shuffle_epi8)(load_windows(first + w * WINDOW, second + w * WINDOW),
-                                       load_register(taps.mask[w]));
+                                       load<LANES>(taps.mask[w]));
     }
-    return as<U16>(TAVU_MM(maddubs_epi16)(pairs, load_register(taps.weight)));
+    return as<U16>(TAVU_MM(maddubs_epi16)(pairs, load<LANES>(taps.weight)));
 }
 
 TAVU_VEC_INLINE U16 mix(U16 x, U16 y, uint16_t weight_x, uint16_t weight_y) {
@@ -85,17 +85,17 @@ TAVU_VEC_INLINE U16 halve_unit(const uint8_t *top, const uint8_t *bottom, const 
                                int unit) {
     top += unit * LANES;
     bottom += unit * LANES;
-    return as<U16>(TAVU_MM(maddubs_epi16)(load_register(top), as<Register>(w.top[unit]))) +
-           as<U16>(TAVU_MM(maddubs_epi16)(load_register(bottom), as<Register>(w.bottom[unit])));
+    return as<U16>(TAVU_MM(maddubs_epi16)(load<LANES>(top), as<Reg>(w.top[unit]))) +
+           as<U16>(TAVU_MM(maddubs_epi16)(load<LANES>(bottom), as<Reg>(w.bottom[unit])));
 }
 
 TAVU_VEC_INLINE UWide halve(const uint8_t *&top, const uint8_t *&bottom, const HalfWeights &w) {
     const U16 x = halve_unit(top, bottom, w, 0), y = halve_unit(top, bottom, w, 1);
     top += 2 * LANES;
     bottom += 2 * LANES;
-#if defined(__AVX2__)
-    return {as<U16>(_mm256_permute2x128_si256(as<Register>(x), as<Register>(y), 0x20)),
-            as<U16>(_mm256_permute2x128_si256(as<Register>(x), as<Register>(y), 0x31))};
+#if TAVU_LEVEL >= 3
+    return {as<U16>(_mm256_permute2x128_si256(as<Reg>(x), as<Reg>(y), 0x20)),
+            as<U16>(_mm256_permute2x128_si256(as<Reg>(x), as<Reg>(y), 0x31))};
 #else
     return {x, y};
 #endif
@@ -115,8 +115,8 @@ TAVU_VEC_INLINE void halve_to_bytes(const uint8_t *top, const uint8_t *bottom,
         prefetch(bottom + ahead);
         const U8 v =
             narrow6({halve_unit(top, bottom, *weights, 0), halve_unit(top, bottom, *weights, 1)});
-#if defined(__AVX2__)
-        store_next(out, as<U8>(_mm256_permute4x64_epi64(as<Register>(v), 0xD8)));
+#if TAVU_LEVEL >= 3
+        store_next(out, as<U8>(_mm256_permute4x64_epi64(as<Reg>(v), 0xD8)));
 #else
         store_next(out, v);
 #endif
@@ -124,13 +124,13 @@ TAVU_VEC_INLINE void halve_to_bytes(const uint8_t *top, const uint8_t *bottom,
 }
 
 TAVU_VEC_INLINE I16 round_shift8(I16 v) {
-    return as<I16>(TAVU_MM(mulhrs_epi16)(as<Register>(v), as<Register>(I16{} + 128)));
+    return as<I16>(TAVU_MM(mulhrs_epi16)(as<Reg>(v), as<Reg>(I16{} + 128)));
 }
 
-TAVU_VEC_INLINE U16 load16(const uint16_t *p) { return as<U16>(load_register(p)); }
+TAVU_VEC_INLINE U16 load16(const uint16_t *p) { return as<U16>(load<LANES>(p)); }
 
 TAVU_VEC_INLINE void store16(uint16_t *p, U16 v) {
-    store_register(reinterpret_cast<uint8_t *>(p), as<Register>(v));
+    store(reinterpret_cast<uint8_t *>(p), as<Reg>(v));
 }
 
 #undef TAVU_MM

@@ -1,6 +1,6 @@
-#include "simd/level.h"
+#include "simd/x86/cpu_level.h"
 
-#include "simd/level_choice.h"
+#include "simd/x86/level_choice.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 // The choice of the x86-64 level, a function of the processor's answers alone.
-#ifndef TAVU_SIMD_LEVEL_CHOICE_H
-#define TAVU_SIMD_LEVEL_CHOICE_H
+#ifndef TAVU_SIMD_X86_LEVEL_CHOICE_H
+#define TAVU_SIMD_X86_LEVEL_CHOICE_H
 
 #include <cpuid.h>
 
-#include "simd/level.h"
+#include "simd/x86/cpu_level.h"
 
 namespace tavu {
 namespace {
