@@ -9,37 +9,29 @@
 namespace tavu {
 namespace {
 
-// Calls convert_block(at), which converts LANES pixels and moves the cursor on, for each block of a
-// row. A last block that is not full is anchored at the row's end, where at.move(pixels) takes the
-// cursor, and rewrites equal bytes; a row narrower than LANES must have room before it.
-#if TAVU_LEVEL == 1
-
-// Blocks are short, and counting them in pairs saves a sixth.
+// Calls convert_block(at), which converts LANES pixels and advances the cursor, for each block of a row. A
+// last block that is not full is anchored at the row's end: at.move(pixels) moves the cursor back, and the
+// block writes equal bytes again. A row narrower than LANES needs as many pixels in front of it.
 template <class Cursor, class Convert>
 TAVU_VEC_INLINE void for_each_block(Cursor at, int32_t width, Convert convert_block) {
-    for (int32_t n = width / (2 * LANES); n > 0; n--) {
+    if constexpr (TAVU_LEVEL == 1) {
+        // Blocks are short on NEON, and counting them in pairs saves a sixth.
+        for (int32_t n = width / (2 * LANES); n > 0; n--) {
+            convert_block(at);
+            convert_block(at);
+        }
+        if (width & LANES) convert_block(at);
+        if (width % LANES == 0) return;
+        at.move(width % LANES - LANES);
         convert_block(at);
-        convert_block(at);
-    }
-    if (width & LANES) convert_block(at);
-    if (width % LANES == 0) return;
-    at.move(width % LANES - LANES);
-    convert_block(at);
-}
-
-#else
-
-// Blocks are large: one copy.
-template <class Cursor, class Convert>
-TAVU_VEC_INLINE void for_each_block(Cursor at, int32_t width, Convert convert_block) {
-    const int32_t blocks = (width + LANES - 1) / LANES;
-    for (int32_t n = blocks; n > 0; n--) {
-        if (n == 1) at.move(width - blocks * LANES);
-        convert_block(at);
+    } else {
+        const int32_t blocks = (width + LANES - 1) / LANES;
+        for (int32_t n = blocks; n > 0; n--) {
+            if (n == 1) at.move(width - blocks * LANES);
+            convert_block(at);
+        }
     }
 }
-
-#endif
 
 }  // namespace
 }  // namespace tavu

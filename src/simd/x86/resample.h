@@ -40,8 +40,7 @@ TAVU_VEC_INLINE void set_taps(Taps<Windows> &taps, int group, U16x8 left, U16x8 
 TAVU_VEC_INLINE void set_weights(uint8_t *p, U16x8 a) { store(p, (8 - a) | a << 8); }
 
 // A window for every group.
-TAVU_VEC_INLINE Reg load_windows(const uint8_t *first,
-                                      [[maybe_unused]] const uint8_t *second) {
+TAVU_VEC_INLINE Reg load_windows(const uint8_t *first, [[maybe_unused]] const uint8_t *second) {
     const __m128i low = load<16>(first);
 #if TAVU_LEVEL >= 3
     return _mm256_inserti128_si256(_mm256_castsi128_si256(low), load<16>(second), 1);

@@ -1,0 +1,401 @@
+// Compiled once for each level. Nothing here but the list has a name that other files see, because a body
+// that is compiled for v4 must not be linked into code for other processors.
+#include "operations.h"
+
+#include <cstring>
+#include <type_traits>
+
+#include "simd/row_loop.h"
+#include "simd/satd.h"
+#include "simd/scan.h"
+
+namespace tavu {
+namespace {
+
+// Registers as arrays, and the reverse.
+template <class T, int N>
+struct Array {
+    T at[size_t{N}];
+    bool operator==(const Array &other) const { return memcmp(at, other.at, sizeof at) == 0; }
+};
+
+template <class T, class V>
+constexpr int COUNT = static_cast<int>(sizeof(V) / (sizeof(T)));
+
+template <class T, class V>
+auto lanes_of(const V &v) {
+    Array<T, COUNT<T, V>> lanes;
+    memcpy(&lanes, &v, sizeof v);
+    return lanes;
+}
+
+template <class V>
+V load_as(const void *p) {
+    V v;
+    memcpy(&v, p, sizeof v);
+    return v;
+}
+
+// Whether lane i is meaning(i).
+template <class T, class V, class Meaning>
+bool is(const V &v, Meaning meaning) {
+    auto expected = lanes_of<T>(v);
+    for (int i = 0; i < COUNT<T, V>; i++) expected.at[i] = static_cast<T>(meaning(i));
+    return expected == lanes_of<T>(v);
+}
+
+int clamp(int x) { return x < 0 ? 0 : x > 255 ? 255 : x; }
+int abs_of(int x) { return x < 0 ? -x : x; }
+
+bool load_and_store(const uint8_t *r) {
+    const uint8_t *in = r + 1;
+    uint8_t bytes[LANES + 2] = {}, *out = bytes + 1;
+    const U8 v = load_next(in);
+    store_next(out, v);
+    return in == r + 1 + LANES && out == bytes + 1 + LANES &&
+           memcmp(bytes + 1, r + 1, LANES) == 0 && bytes[0] == 0 && bytes[LANES + 1] == 0 &&
+           is<uint8_t>(v, [r](int i) { return r[i + 1]; }) &&
+           is<uint8_t>(splat(r[5]), [r](int) { return r[5]; });
+}
+
+bool choose_and_pick(const uint8_t *r) {
+    const U8 a = load_as<U8>(r), b = load_as<U8>(r + LANES);
+    U8 first{}, second{};
+    choose(true, [&](auto choice) { first = pick(choice, a, b); });
+    choose(false, [&](auto choice) { second = pick(choice, a, b); });
+    return is<uint8_t>(first, [r](int i) { return r[i]; }) &&
+           is<uint8_t>(second, [r](int i) { return r[LANES + i]; });
+}
+
+bool widen_and_narrow(const uint8_t *r) {
+    const auto offset = static_cast<int16_t>((r[0] << 8 | r[1]) / 2 - 16384);
+    Wide w = widen(load_as<U8>(r));
+    w.lo += offset, w.hi += offset;
+    return is<uint8_t>(narrow(w), [=](int i) { return clamp(r[i] + offset); });
+}
+
+bool from_rgb(const uint8_t *r) {
+    const uint8_t *const g = r + LANES, *const b = g + LANES;
+    U8 y, u, v;
+    rgb_to_yuv(load_as<U8>(r), load_as<U8>(g), load_as<U8>(b), &y, &u, &v);
+    return is<uint8_t>(y, [&](int i) { return (77 * r[i] + 150 * g[i] + 29 * b[i] + 128) >> 8; }) &&
+           is<uint8_t>(u,
+                       [&](int i) {
+                           return clamp(128 + ((128 * b[i] - 43 * r[i] - 85 * g[i] + 128) >> 8));
+                       }) &&
+           is<uint8_t>(v, [&](int i) {
+               return clamp(128 + ((128 * r[i] - 107 * g[i] - 21 * b[i] + 128) >> 8));
+           });
+}
+
+// The terms are added to grey, so that they fit bytes in the order of the lanes.
+bool terms_of_chroma(const uint8_t *r) {
+    const uint8_t *const at = r, *const end = r + LANES;
+    const ChromaTerms t = chroma_terms(load_as<U8>(at), load_as<U8>(end));
+    const auto is_term = [&](Wide term, int from_u, int from_v) {
+        for (int grey = 0; grey < 256; grey += 51) {
+            const Wide w = {term.lo + static_cast<int16_t>(grey),
+                            term.hi + static_cast<int16_t>(grey)};
+            if (!is<uint8_t>(narrow(w), [&](int i) {
+                    const int u = at[i] - 128, v = end[i] - 128;
+                    return clamp(grey + ((from_u * u + from_v * v + 128) >> 8));
+                })) {
+                return false;
+            }
+        }
+        return true;
+    };
+    return is_term(t.r, 0, 359) && is_term(t.g, 88, 183) && is_term(t.b, 454, 0);
+}
+
+template <int CHANNELS, class Store>
+bool stores_interleaved(const uint8_t *r, Store store_channels) {
+    uint8_t bytes[size_t{CHANNELS * LANES + 1}] = {}, *out = bytes;
+    U8 v[size_t{CHANNELS}];
+    for (int c = 0; c < CHANNELS; c++) v[c] = load_as<U8>(r + c * LANES);
+    store_channels(out, v);
+    for (int i = 0; i < CHANNELS * LANES; i++) {
+        if (bytes[i] != r[i % CHANNELS * LANES + i / CHANNELS]) return false;
+    }
+    return out == bytes + CHANNELS * LANES && bytes[CHANNELS * LANES] == 0;
+}
+
+template <int CHANNELS, class Load>
+bool loads_interleaved(const uint8_t *r, Load load_channels) {
+    const uint8_t *in = r;
+    U8 v[4];
+    load_channels(in, v);
+    for (int c = 0; c < CHANNELS; c++) {
+        if (!is<uint8_t>(v[c], [=](int i) { return r[CHANNELS * i + c]; })) return false;
+    }
+    return in == r + CHANNELS * LANES;
+}
+
+bool store_two(const uint8_t *r) {
+    return stores_interleaved<2>(r,
+                                 [](uint8_t *&p, U8 *v) { store_next_interleaved(p, v[0], v[1]); });
+}
+bool store_three(const uint8_t *r) {
+    return stores_interleaved<3>(
+        r, [](uint8_t *&p, U8 *v) { store_next_interleaved(p, v[0], v[1], v[2]); });
+}
+bool store_four(const uint8_t *r) {
+    return stores_interleaved<4>(
+        r, [](uint8_t *&p, U8 *v) { store_next_interleaved(p, v[0], v[1], v[2], v[3]); });
+}
+bool load_three(const uint8_t *r) {
+    return loads_interleaved<3>(
+        r, [](const uint8_t *&p, U8 *v) { load_next_interleaved(p, &v[0], &v[1], &v[2]); });
+}
+bool load_four(const uint8_t *r) {
+    return loads_interleaved<4>(
+        r, [](const uint8_t *&p, U8 *v) { load_next_interleaved(p, &v[0], &v[1], &v[2], &v[3]); });
+}
+
+bool lesser_and_zeros(const uint8_t *r) {
+    const U8 a = load_as<U8>(r), b = load_as<U8>(r + LANES);
+    U8 few = a | 1;
+    const int at = r[0] % LANES, later = r[1] % LANES;
+    few[at] = 0;
+    if (later > at) few[later] = 0;
+    return is<uint8_t>(lesser(a, b),
+                       [r](int i) { return r[i] < r[LANES + i] ? r[i] : r[LANES + i]; }) &&
+           !zero_lanes(a | 1) && first_lane(zero_lanes(few)) == at;
+}
+
+// Any stride, and blocks that overlap.
+template <int N, int W>
+bool rows_of(const uint8_t *r) {
+    const ptrdiff_t stride = r[0] % 100 - 50;
+    const uint8_t *const start = r + OPERATION_BYTES / 2, *p = start;
+    const auto v = load_next_rows<N, W>(p, stride);
+    return p == start + N / W * stride &&
+           is<uint8_t>(v, [=](int i) { return start[i / W * stride + i % W]; });
+}
+
+template <int W>
+bool start_of(const uint8_t *r) {
+    return is<uint8_t>(load_start<W>(r), [r](int i) { return i < W ? r[i] : 0; });
+}
+
+template <int N>
+bool differences(const uint8_t *r) {
+    const uint8_t *const a = r, *const b = r + 100, *p = a, *q = b;
+    Array<int16_t, N / 2> out;
+    store_difference<N>(a, b, out.at);
+    const auto v = load_next_difference<N>(p, 7, q, -9);
+    const auto meaning = [=](int i) { return a[i] - b[i]; };
+    return is<int16_t>(out, meaning) && is<int16_t>(v, meaning) && p == a + 7 && q == b - 9;
+}
+
+template <template <int> class Sum, int N, class Term>
+bool is_sum(const uint8_t *r, Term term) {
+    Sum<N> sum;
+    int32_t expected = 0;
+    for (int i = 0; i < 512; i += N) {
+        sum.add(load<N>(r + i), load<N>(r + 512 + i));
+        for (int j = i; j < i + N; j++) expected += term(r[j] - r[512 + j]);
+    }
+    return sum.total() == expected && Sum<N>::zero().total() == 0;
+}
+
+template <int N>
+bool sums(const uint8_t *r) {
+    const uint8_t *const start = r, *p = start;
+    return is_sum<AbsSum, N>(r, abs_of) && is_sum<SquareSum, N>(r, [](int d) { return d * d; }) &&
+           is<uint8_t>(load<N>(r), [r](int i) { return r[i]; }) &&
+           is<uint8_t>(load_next<N>(p), [r](int i) { return r[i]; }) && p == start + N;
+}
+
+// Lanes of at most `most`, with both signs.
+template <int N>
+VecI16<N> small(const uint8_t *r, int most) {
+    Array<int16_t, N / 2> values;
+    for (int i = 0; i < N / 2; i++) {
+        values.at[i] =
+            static_cast<int16_t>((r[2 * i] * 256 + r[2 * i + 1]) % (2 * most + 1) - most);
+    }
+    return load_as<VecI16<N>>(&values);
+}
+
+template <int N>
+bool butterflies(const uint8_t *r) {
+    const auto a = small<N>(r, 8160), b = small<N>(r + N, 8160);
+    const auto x = lanes_of<int16_t>(a), y = lanes_of<int16_t>(b);
+    auto sum = a, difference = b, magnitude = a, other = b, low = a, high = b;
+    butterfly(sum, difference);
+    butterfly_abs(magnitude, other);
+    zip(low, high);
+    const auto zipped = [&](int i, int half) {
+        const int lane = i / 8 * 8 + half * 4 + i % 8 / 2;
+        return i % 2 == 0 ? x.at[lane] : y.at[lane];
+    };
+    return is<int16_t>(sum, [&](int i) { return x.at[i] + y.at[i]; }) &&
+           is<int16_t>(add(a, b), [&](int i) { return x.at[i] + y.at[i]; }) &&
+           is<int16_t>(difference, [&](int i) { return x.at[i] - y.at[i]; }) &&
+           is<int16_t>(magnitude, [&](int i) { return abs_of(x.at[i] + y.at[i]); }) &&
+           is<int16_t>(other, [&](int i) { return abs_of(x.at[i] - y.at[i]); }) &&
+           is<int16_t>(larger(a, b),
+                       [&](int i) { return x.at[i] > y.at[i] ? x.at[i] : y.at[i]; }) &&
+           is<int16_t>(low, [&](int i) { return zipped(i, 0); }) &&
+           is<int16_t>(high, [&](int i) { return zipped(i, 1); });
+}
+
+// Whether two arrays hold the same values, in any order.
+template <int N>
+bool same_values(Array<int16_t, N> x, const Array<int16_t, N> &y) {
+    for (int i = 0; i < N; i++) {
+        int j = i;
+        while (j < N && x.at[j] != y.at[i]) j++;
+        if (j == N) return false;
+        x.at[j] = x.at[i];
+    }
+    return true;
+}
+
+// The order of the results is the processor's.
+template <int N>
+bool column_butterflies(const uint8_t *r) {
+    constexpr int STRIDE = 20;
+    const uint8_t *const a = r, *const b = r + 200, *p = a, *q = b;
+    VecI16<N> v[COLUMN_REGISTERS<N>];
+    load_next_butterflies<N>(p, STRIDE, q, STRIDE, v);
+    const auto lanes = lanes_of<int16_t>(v);
+    auto expected = lanes;
+    for (int i = 0; i < static_cast<int>(sizeof lanes.at / sizeof *lanes.at); i += 2) {
+        const int x = i / 16 * 4 * STRIDE + i % 16, even = a[x] - b[x], odd = a[x + 1] - b[x + 1];
+        expected.at[i] = static_cast<int16_t>(even + odd);
+        expected.at[i + 1] = static_cast<int16_t>(even - odd);
+    }
+    return same_values(lanes, expected) && p == a + STRIDE && q == b + STRIDE;
+}
+
+// Of neighbouring columns or of rows 0 and 2, 1 and 3, whichever the processor prefers.
+bool first_butterfly(const uint8_t *r) {
+    VecI16<16> v[2];
+    butterfly_difference(load<16>(r), load<16>(r + 16), &v[0], &v[1]);
+    const auto lanes = lanes_of<int16_t>(v);
+    auto of_columns = lanes, of_rows = lanes;
+    const auto difference = [r](int i) { return r[i] - r[16 + i]; };
+    for (int i = 0; i < 8; i++) {
+        const int even = difference(2 * i), odd = difference(2 * i + 1);
+        const int upper = difference(i), lower = difference(i + 8);
+        of_columns.at[i] = static_cast<int16_t>(even + odd);
+        of_columns.at[i + 8] = static_cast<int16_t>(even - odd);
+        of_rows.at[i] = static_cast<int16_t>(upper + lower);
+        of_rows.at[i + 8] = static_cast<int16_t>(upper - lower);
+    }
+    return same_values(lanes, of_columns) || same_values(lanes, of_rows);
+}
+
+template <int N>
+bool magnitude_sums(const uint8_t *r) {
+    VecI16<N> v[8];
+    int32_t expected = 0, pairs = 0;
+    MagnitudeSum<N> sum, sum_of_pairs;
+    for (int i = 0; i < 8; i++) {
+        const VecI16<N> s = small<N>(r + i * N, 4080);
+        v[i] = larger(s, VecI16<N>{});
+        const auto lanes = lanes_of<int16_t>(v[i]);
+        for (int j = 0; j < N / 2; j += 2) {
+            expected += lanes.at[j] + lanes.at[j + 1];
+            pairs += lanes.at[j] > lanes.at[j + 1] ? lanes.at[j] : lanes.at[j + 1];
+        }
+        sum.add(v[i]);
+    }
+    sum_of_pairs.add_pairs(v);
+    return sum.total() == expected && sum_of_pairs.total() == pairs;
+}
+
+template <int N>
+bool rounded_sums(const uint8_t *r) {
+    const auto a = small<N>(r, 16320), b = small<N>(r + N, 16320);
+    const auto x = lanes_of<int16_t>(a), y = lanes_of<int16_t>(b);
+    int32_t expected = 0;
+    for (int first = 0; first < N / 2; first += 8) {
+        int s = 2;
+        for (int i = first; i < first + 4; i++) {
+            s += static_cast<int16_t>(2 * (x.at[i] + x.at[i + 4]));
+            s += static_cast<int16_t>(2 * (y.at[i] + y.at[i + 4]));
+        }
+        expected += s >> 2;
+    }
+    RoundedSum<N> once, twice = RoundedSum<N>::zero();
+    once.add(a, b);
+    twice.add(a, b);
+    twice.add(a, b);
+    return once.total() == expected && twice.total() == 2 * expected;
+}
+
+struct Cursor {
+    int32_t *at;
+    void move(int32_t pixels) { at += pixels; }
+};
+
+// Every pixel of a row belongs to a block, and no other does.
+bool row_loop(const uint8_t *r) {
+    const int32_t width = LANES + r[0];
+    int32_t touched[2 * LANES + 256 + LANES] = {}, covered = 0;
+    for_each_block(Cursor{touched + LANES}, width, [](Cursor &cursor) {
+        for (int i = 0; i < LANES; i++) ++*cursor.at++;
+    });
+    for (int32_t i = 0; i < width; i++) covered += touched[LANES + i] > 0;
+    int32_t outside = 0;
+    for (int32_t i = 0; i < LANES; i++) outside += touched[i] + touched[LANES + width + i];
+    return covered == width && outside == 0;
+}
+
+// For registers of 16, 32 and 64 bytes as far as the level has them.
+template <class Check>
+bool for_widths(Check check) {
+    constexpr std::integral_constant<int, 16> narrow;
+    constexpr std::integral_constant<int, (LANES < 32 ? LANES : 32)> wide;
+    constexpr std::integral_constant<int, LANES> widest;
+    return check(narrow) && check(wide) && check(widest);
+}
+
+constexpr Operation OPERATIONS[] = {
+    {"load_next, store_next, splat", load_and_store},
+    {"choose, pick", choose_and_pick},
+    {"widen, narrow", widen_and_narrow},
+    {"rgb_to_yuv", from_rgb},
+    {"chroma_terms", terms_of_chroma},
+    {"store_next_interleaved of 2", store_two},
+    {"store_next_interleaved of 3", store_three},
+    {"store_next_interleaved of 4", store_four},
+    {"load_next_interleaved of 3", load_three},
+    {"load_next_interleaved of 4", load_four},
+    {"for_each_block", row_loop},
+    {"lesser, zero_lanes, first_lane", lesser_and_zeros},
+    {"load_next_rows of 4", rows_of<16, 4>},
+    {"load_next_rows of 8",
+     [](const uint8_t *r) {
+         return rows_of<16, 8>(r) && rows_of<(LANES < 32 ? LANES : 32), 8>(r);
+     }},
+    {"load_next_rows of 16",
+     [](const uint8_t *r) {
+         return rows_of<16, 16>(r) && rows_of<(LANES < 32 ? LANES : 32), 16>(r);
+     }},
+    {"load_next_rows of whole registers",
+     [](const uint8_t *r) { return for_widths([r](auto n) { return rows_of<n, n>(r); }); }},
+    {"load_start",
+     [](const uint8_t *r) { return start_of<4>(r) && start_of<8>(r) && start_of<16>(r); }},
+    {"store_difference, load_next_difference",
+     [](const uint8_t *r) { return for_widths([r](auto n) { return differences<n>(r); }); }},
+    {"AbsSum, SquareSum, load, load_next",
+     [](const uint8_t *r) { return for_widths([r](auto n) { return sums<n>(r); }); }},
+    {"add, butterfly, butterfly_abs, larger, zip",
+     [](const uint8_t *r) { return for_widths([r](auto n) { return butterflies<n>(r); }); }},
+    {"load_next_butterflies",
+     [](const uint8_t *r) { return for_widths([r](auto n) { return column_butterflies<n>(r); }); }},
+    {"butterfly_difference", first_butterfly},
+    {"MagnitudeSum",
+     [](const uint8_t *r) { return for_widths([r](auto n) { return magnitude_sums<n>(r); }); }},
+    {"RoundedSum",
+     [](const uint8_t *r) { return for_widths([r](auto n) { return rounded_sums<n>(r); }); }},
+    {nullptr, nullptr}};
+
+}  // namespace
+}  // namespace tavu
+
+const Operation *OPERATIONS_OF_LEVEL() { return tavu::OPERATIONS; }
