@@ -381,8 +381,8 @@ TAVU_API int32_t tavu_imgb_option(tavu_imgb_t *imgb, int32_t opt, int32_t planes
  * The edges are those of the *aligned* picture, `aw` x `ah`: pixels that alignment adds are
  * repeated, not replaced. Planes 1 and 2 are treated as half as wide and half as high (rounded up)
  * in every layout. For codes 12, 13 and 18 these planes are larger, so the strips are written
- * inside them. If a picture of code 11 is aligned, give planes 1 and 2 half the alignment of plane
- * 0.
+ * inside them. If a picture of code 11 is aligned, give planes 1 and 2 half the alignment that
+ * plane 0 has.
  *
  * @param pad one entry per plane, as given at creation: bytes on each side << 16 | rows above and
  *        below. The left strip begins as many *bytes* left of the picture as there are *rows* above
@@ -978,7 +978,7 @@ TAVU_API void tavu_md5_finish(tavu_md5_t *md5, uint8_t digest[16]);
  * Luma rows `y` to `h` - 1 contribute their first `w - x` bytes. Unless `cs` is 10, rows `y >> 1`
  * to `(h + 1) / 2 - 1` of planes 1 and 2 follow with `(w + 1 - x) / 2` bytes each. Chroma is always
  * treated as halved in both directions, so other layouts are covered only in part; alpha is not
- * covered. Pictures of equal codes, sizes and samples have equal digests.
+ * covered. Pictures with equal codes, sizes and samples have equal digests.
  *
  * @param imgb the picture; if `x` or `y` is negative, the padding must hold the longer rows on the
  *        right and the additional rows above
@@ -1062,7 +1062,7 @@ TAVU_API tavu_metric_area_t tavu_sad;
 
 /**
  * Sum of absolute differences that stops after the first row at which it exceeds `threshold`. At
- * least one row is summed, whatever the threshold. A sum equal to the threshold does not stop.
+ * least one row is summed, whatever the threshold. A sum equal to the threshold does not stop it.
  * @param width columns, a positive multiple of 4
  * @param height rows, at least 1; width * height is at most 8,421,504
  * @param a first block; the address and the stride are multiples of 4
@@ -1144,7 +1144,7 @@ TAVU_API tavu_metric_area_t tavu_satd;
 
 /**
  * Sum of tavu_satd4x4() over the 4x4 tiles that cover the block. The last tiles may extend up to 3
- * samples past its right and lower edges; these samples must be readable, and they count. The
+ * samples past its right and lower edges; these samples must be readable and are included. The
  * result is 0 for a width or height below 1. The sum fits in an int32_t for up to 4,210,752 samples
  * of whole tiles and wraps above that.
  */
@@ -1152,7 +1152,7 @@ TAVU_API tavu_metric_area_t tavu_satd1;
 
 /**
  * Sum of tavu_satd8x8() over the 8x8 tiles that cover the block. The last tiles may extend up to 7
- * samples past its right and lower edges; these samples must be readable, and they count. The
+ * samples past its right and lower edges; these samples must be readable and are included. The
  * result is 0 for a width or height below 1. It may be negative, as low as -8192 per tile; an 8x8
  * block can give -8192..32640. The sum fits in an int32_t for up to 4,210,752 samples of whole
  * tiles and wraps above that.
@@ -1385,12 +1385,12 @@ typedef void tavu_irsz_line_t(const uint8_t *const rows[2], const uint8_t *wrow,
 typedef void tavu_irsz_full_t(const uint8_t *src, int32_t src_line, int32_t dst_w, int32_t dst_h,
                               int32_t dst_line, uint8_t *dst, int32_t packed_x, int32_t packed_y);
 
-TAVU_API tavu_irsz_line_t tavu_irsz8b_line;       /**< 1 byte a pixel */
-TAVU_API tavu_irsz_full_t tavu_irsz8b_full;       /**< 1 byte a pixel */
-TAVU_API tavu_irsz_line_t tavu_irsz8b8b8b_line;   /**< 3 bytes a pixel */
-TAVU_API tavu_irsz_full_t tavu_irsz8b8b8b_full;   /**< 3 bytes a pixel */
-TAVU_API tavu_irsz_line_t tavu_irsz8b8b8b8b_line; /**< 4 bytes a pixel */
-TAVU_API tavu_irsz_full_t tavu_irsz8b8b8b8b_full; /**< 4 bytes a pixel */
+TAVU_API tavu_irsz_line_t tavu_irsz8b_line;       /**< 1 byte per pixel */
+TAVU_API tavu_irsz_full_t tavu_irsz8b_full;       /**< 1 byte per pixel */
+TAVU_API tavu_irsz_line_t tavu_irsz8b8b8b_line;   /**< 3 bytes per pixel */
+TAVU_API tavu_irsz_full_t tavu_irsz8b8b8b_full;   /**< 3 bytes per pixel */
+TAVU_API tavu_irsz_line_t tavu_irsz8b8b8b8b_line; /**< 4 bytes per pixel */
+TAVU_API tavu_irsz_full_t tavu_irsz8b8b8b8b_full; /**< 4 bytes per pixel */
 
 /**
  * Packs 3 bytes c0, c1, c2 into 2 bytes: (c0 & 0x8F) | (c1 >> 5), then (c1 & 0xE0) | (c2 >> 3).
@@ -1419,8 +1419,8 @@ TAVU_API tavu_irsz_full_t tavu_irsz5b6b5b_full;
  * @defgroup csc Colour-space conversion
  * Converts planes to packed RGB and back, at the same size or with resizing.
  *
- * YUV to RGB uses the ITU-R BT.601 matrix at full range, as JPEG does, with 8 fraction bits. With u
- * = U - 128 and v = V - 128:
+ * YUV to RGB uses the ITU-R BT.601 matrix at full range, as JPEG does, with 8 fraction bits.
+ * With u = U - 128 and v = V - 128:
  *
  *     R = Y + ((359 v + 128) >> 8)
  *     G = Y - ((183 v + 88 u + 128) >> 8)
@@ -1778,8 +1778,8 @@ TAVU_API int32_t tavu_rbuf_get_fill_len(tavu_rbuf_t *rbuf);
  */
 TAVU_API int32_t tavu_rbuf_get_fillc_len(tavu_rbuf_t *rbuf);
 /**
- * Returns the number of free bytes: tail - 1 - head while the data wraps. Otherwise tail + size + 1
- * - head, which is two more than fit: size + 1 for an empty ring.
+ * Returns the number of free bytes: tail - 1 - head while the data wraps. Otherwise it is tail +
+ * size + 1 - head, two more than fit: size + 1 for an empty ring.
  */
 TAVU_API int32_t tavu_rbuf_get_free_len(tavu_rbuf_t *rbuf);
 /**
@@ -1926,7 +1926,7 @@ TAVU_API void *tavu_rlist_get_data(tavu_rlist_t *rlist);
  */
 TAVU_API void tavu_rlist_rem_data(tavu_rlist_t *rlist);
 
-/** Gives every used slot back, except the only slot of a pool. */
+/** Gives every used slot back, except in a pool of one slot. */
 TAVU_API void tavu_rlist_rem_all(tavu_rlist_t *rlist);
 
 /** Returns the number of used slots. */
@@ -1981,8 +1981,8 @@ TAVU_API const char *tavu_str_move_to_nextl(const char *str);
  * the end of the string.
  * @param delim the delimiter; only the low 8 bits count
  * @param len number of bytes before the end of the token
- * @param next null, or where to store a pointer to the byte after the end of the token; the pointer
- *        is null if nothing follows
+ * @param next null, or where to store a pointer to the text after the delimiter, line feed or
+ *        carriage return; the pointer is null if nothing follows
  * @return 0; -1 for an empty string
  */
 TAVU_API int32_t tavu_str_parse_by_ctok(const char *str, int32_t delim, int32_t *len,
@@ -1993,8 +1993,8 @@ TAVU_API int32_t tavu_str_parse_by_ctok(const char *str, int32_t delim, int32_t 
  * before it. Unlike in tavu_str_parse_by_ctok(), the end of the string does not end a token.
  * @param delim the delimiter; an empty one is found at once
  * @param len number of bytes before the end of the token
- * @param next null, or where to store a pointer to the byte after the delimiter; the pointer is
- *        null if nothing follows
+ * @param next null, or where to store a pointer to the text after the delimiter, line feed or
+ *        carriage return; the pointer is null if nothing follows
  * @return 0; -1, with a length of 0, if no token ends
  */
 TAVU_API int32_t tavu_str_parse_by_stok(const char *str, const char *delim, int32_t *len,
