@@ -1847,8 +1847,8 @@ TAVU_API int32_t tavu_rbuf_get(tavu_rbuf_t *rbuf, void *dst, int32_t count);
  *
  * - Split line end: if the data wraps and CR is the last byte of the storage and LF the first, the
  *   line end counts as three bytes. The third byte, between the LF and the zero byte, is not
- *   written. If the LF of the line is not yet stored, an old LF at the start of the storage is
- *   taken for it.
+ *   written. If the LF of the line is not yet stored, an old LF at the start of the storage
+ *   is used instead.
  * - LF without CR: the missing CR is delivered and counted, and the tail moves by the length
  *   delivered, one byte too far. The next line loses its first byte; for the last line, see the
  *   introduction of this section.
