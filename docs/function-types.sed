@@ -1,4 +1,4 @@
-# Functions that the header declares by their type, as prototypes, which the site lists as functions.
+# Rewrites functions that the header declares by a function type as prototypes, so that the site lists them.
 s/^TAVU_API tavu_metric_block_t \(\w*\);/int32_t \1(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);/
 s/^TAVU_API tavu_metric_area_t \(\w*\);/int32_t \1(int32_t width, int32_t height, const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);/
 s/^TAVU_API tavu_diff_block_t \(\w*\);/void \1(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, int32_t stride_diff, int16_t *diff);/
