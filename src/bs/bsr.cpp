@@ -42,8 +42,8 @@ int32_t read1(tavu_bsr_t *bs) {
     return static_cast<int32_t>(bit);
 }
 
-// Tops the cache up with whole bytes. With owed bits it asks for more than 4 and ends up with zeros;
-// callers rely on it.
+// Tops the cache up with whole bytes. If leftbits is negative it asks for more than 4 bytes and
+// ends up with zeros; callers rely on it.
 void top_up(tavu_bsr_t *bs) {
     const int32_t free_bytes = (32 - bs->leftbits) >> 3;
     if (free_bytes <= 0) return;
@@ -63,7 +63,7 @@ uint32_t peek(tavu_bsr_t *bs, int32_t size) {
 }
 
 TAVU_RARE int32_t read_ue_across_refill(tavu_bsr_t *bs) {
-    int32_t dropped = 0;  // zeros of the prefix that a refill has dropped
+    int32_t dropped = 0;  // prefix zeros that a refill dropped
     if (bs->code == 0) {
         dropped = bs->leftbits;
         refill(bs);
@@ -77,7 +77,7 @@ TAVU_RARE int32_t read_ue_across_refill(tavu_bsr_t *bs) {
     return static_cast<int32_t>(static_cast<uint32_t>(value) - 1);
 }
 
-// A code of at most 15 zeros that is completely in the cache needs no refill.
+// Fast path: a code with at most 15 leading zeros that is completely in the cache.
 int32_t read_ue(tavu_bsr_t *bs) {
     const uint32_t code = bs->code;
     if (code >> 16 == 0) return read_ue_across_refill(bs);
@@ -89,9 +89,9 @@ int32_t read_ue(tavu_bsr_t *bs) {
     return static_cast<int32_t>((code >> (32 - size)) - 1);
 }
 
-// Whether a run of ones ends within the cache. The test includes the bit after the valid ones, which
-// is always 0, so it fails only for 0 or 32 valid bits and for owed bits; callers rely on the
-// resulting counts.
+// Whether a run of ones ends within the cache. The test includes the bit after the valid ones,
+// which is always 0, so it fails only for 0 or 32 valid bits and for negative leftbits; callers
+// rely on the resulting counts.
 bool run_ends_in_cache(const tavu_bsr_t *bs) {
     return bs->leftbits != 0 && shift_right(~bs->code, 31 - bs->leftbits) != 0;
 }
@@ -120,7 +120,7 @@ int32_t read_tu(tavu_bsr_t *bs, int32_t max) {
     }
     const int32_t ones = count_leading_zeros(~bs->code);
     if (max < ones + dropped) {
-        consume(bs, max);  // from the new cache, although old ones count; callers rely on it
+        consume(bs, max);  // does not subtract `dropped`; callers rely on it
         return max;
     }
     consume(bs, ones + 1);
@@ -192,7 +192,7 @@ int32_t tavu_bsr_read_ue(tavu_bsr_t *bs) { return tavu::read_ue(bs); }
 
 int32_t tavu_bsr_read_se(tavu_bsr_t *bs) {
     const int32_t v = tavu::read_ue(bs);
-    // Odd values: (v + 1) / 2; at the end of the data v is -2 and the result +1.
+    // For odd v: (v + 1) / 2. At the end of the data v is -2 and the result is +1.
     if (v & 1) return static_cast<int32_t>(static_cast<uint32_t>(v) + 1) >> 1;
     return -(v >> 1);
 }

@@ -7,7 +7,7 @@
 namespace tavu {
 namespace {
 
-// Bytes of the cache that hold bits; more than 4 after refused single bits, which callers rely on.
+// Bytes of the cache that hold bits; more than 4 after refused single bits. Callers rely on it.
 int32_t pending_bytes(const tavu_bsw_t *bs) { return (39 - bs->leftbits) >> 3; }
 
 int32_t spill(tavu_bsw_t *bs) {
@@ -30,10 +30,10 @@ void spill_all(tavu_bsw_t *bs) {
     bs->leftbits = 32;
 }
 
-// Spills the cache, which already holds as many of the left-justified `bits` as fit, and keeps the
-// others.
+// Spills the cache, which already holds as many of the left-justified `bits` as fit, and caches the
+// rest.
 TAVU_RARE int32_t spill_and_keep(tavu_bsw_t *bs, uint32_t bits, int32_t len) {
-    if (remaining(bs) < 5) return -1;  // one more than written; callers rely on it
+    if (remaining(bs) < 5) return -1;  // one byte more than is written; callers rely on it
     const int32_t free_bits = bs->leftbits;
     bs->leftbits = 0;
     bs->flush(bs);
@@ -65,7 +65,7 @@ int32_t write_ue(tavu_bsw_t *bs, uint32_t value) {
     return write(bs, x, 2 * floor_log2(x) + 1);
 }
 
-// 0, 1, -1, 2, -2 to 0, 1, 2, 3, 4.
+// Maps 0, 1, -1, 2, -2 to 0, 1, 2, 3, 4.
 uint32_t unsigned_of(int32_t value) {
     const auto twice = 2 * static_cast<uint32_t>(value);
     return value > 0 ? twice - 1 : 0 - twice;

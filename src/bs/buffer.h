@@ -1,4 +1,4 @@
-// The buffer of the bit reader and writer, which both keep as `beg`, `cur` and its last byte `end`.
+// The buffer of the bit reader and writer; both keep `beg`, `cur`, and `end`, the last byte.
 #ifndef TAVU_BS_BUFFER_H
 #define TAVU_BS_BUFFER_H
 
@@ -13,7 +13,7 @@ namespace {
 
 constexpr int32_t CACHE_BYTES = 4;
 
-// Sets the buffer. Computes with integers because an empty buffer may be null.
+// Sets the buffer. The arithmetic uses integers because an empty buffer may be null.
 template <class Bs, class Byte>
 void set_buffer(Bs *bs, Byte *buf, int32_t size) {
     const uintptr_t last = reinterpret_cast<uintptr_t>(buf) + static_cast<uintptr_t>(size) - 1;
@@ -23,7 +23,7 @@ void set_buffer(Bs *bs, Byte *buf, int32_t size) {
     bs->end = reinterpret_cast<Byte *>(last);  // NOLINT
 }
 
-// Bytes from the current one to the last.
+// Number of bytes from the current one to the last.
 template <class Bs>
 intptr_t remaining(const Bs *bs) {
     return static_cast<intptr_t>(reinterpret_cast<uintptr_t>(bs->end) + 1 -

@@ -13,7 +13,7 @@ void free_audb(tavu_audb_t *audb) {
     free(audb);
 }
 
-// Bytes of each block; -1 if they cannot be represented.
+// Bytes per block; -1 if out of range.
 int32_t block_size(const tavu_audb_t &audb, int32_t samples) {
     if (samples < 0 || audb.channels < 0 || audb.bits < 0) return -1;
     const int64_t sample_bytes = (static_cast<int64_t>(audb.bits) + 7) >> 3;
@@ -23,7 +23,7 @@ int32_t block_size(const tavu_audb_t &audb, int32_t samples) {
     return block > INT32_MAX ? -1 : static_cast<int32_t>(block);
 }
 
-// Allocates the blocks; a status code.
+// Allocates the blocks; returns a status code.
 int32_t init_audb(tavu_audb_t *audb, int32_t samples) {
     audb->interleaved = audb->format >= 1 && audb->format <= 99;
     const int32_t blocks = audb->interleaved ? 1 : audb->channels;

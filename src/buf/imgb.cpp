@@ -14,7 +14,8 @@ void free_imgb(tavu_imgb_t *imgb) {
     free(imgb);
 }
 
-// Zeroes `bytes` bytes of each of `rows` rows from `offset` on, which may lie anywhere if there are none.
+// Zeroes `bytes` bytes of each of `rows` rows, the first at `offset`, which may be out of bounds if
+// there is nothing to zero.
 void clear_rows(uint8_t *at, ptrdiff_t offset, int32_t rows, int32_t stride, int32_t bytes) {
     if (bytes <= 0 || rows <= 0) return;
     at += offset;
@@ -59,7 +60,7 @@ void apply_options(tavu_imgb_t *imgb, int32_t opt, const Geometry &g) {
     if (opt != 0) apply_options(imgb, opt, g.planes, g.w, g.h, g.aw, g.ah, g.pad, g.unit);
 }
 
-// Fills a zeroed record and allocates its payload; a status code.
+// Fills a zeroed record and allocates its payload; returns a status code.
 int32_t init_imgb(tavu_imgb_t *imgb, int32_t w, int32_t h, int32_t cs, int32_t opt,
                   const uint32_t *align, const uint32_t *pad) {
     Geometry geometry{};
@@ -74,7 +75,7 @@ int32_t init_imgb(tavu_imgb_t *imgb, int32_t w, int32_t h, int32_t cs, int32_t o
     return TAVU_OK;
 }
 
-// Takes over the picture of `scratch`; payload, callbacks and count stay.
+// Copies the picture fields of `scratch`; payload, callbacks and count are kept.
 void copy_picture(tavu_imgb_t *imgb, const tavu_imgb_t &scratch) {
     imgb->w = scratch.w;
     imgb->h = scratch.h;

@@ -2,20 +2,20 @@
 #include <cstddef>
 #include <cstring>
 
-#include "core/chunk.h"
+#include "core/inline_copy.h"
 #include "tavu.h"
 
 namespace tavu {
 namespace {
 
-// With the width as a constant each row is a few stores.
+// With a constant width each row is a few stores.
 template <int Width>
 void repeat_column(const uint8_t *src, uint8_t *dst, int32_t rows, int32_t stride) {
 #pragma GCC unroll 2
-    for (; rows > 0; rows--, src += stride, dst += stride) fill_chunk<Width>(dst, *src);
+    for (; rows > 0; rows--, src += stride, dst += stride) fill_inline<Width>(dst, *src);
 }
 
-// `width` copies of the byte at src in each row.
+// Writes `width` copies of the byte at src in each row.
 void repeat_column(const uint8_t *src, uint8_t *dst, int32_t rows, int32_t stride, int32_t width) {
     switch (width) {
         case 8: return repeat_column<8>(src, dst, rows, stride);
@@ -40,7 +40,7 @@ void repeat_row(const uint8_t *src, uint8_t *dst, int32_t len, int32_t rows) {
 void expand_plane(uint8_t *addr, int32_t stride, int32_t w, int32_t h, uint32_t pad) {
     const auto width = static_cast<int32_t>(pad >> 16), rows = static_cast<int32_t>(pad & 0xFFFF);
     if (w < 1 || h < 1) return;
-    // By the rows above, not the strip's width; callers rely on it.
+    // The left strip starts `rows` bytes before the picture, not `width`; callers rely on it.
     repeat_column(addr, addr - rows, h, stride, width);
     repeat_column(addr + w - 1, addr + w, h, stride, width);
     uint8_t *first = addr - width;
@@ -49,10 +49,10 @@ void expand_plane(uint8_t *addr, int32_t stride, int32_t w, int32_t h, uint32_t 
     repeat_row(last, last + stride, stride, rows);
 }
 
-// Half of a size, rounded up; the largest has no successor.
+// n / 2, rounded up without overflow.
 int32_t half_up(int32_t n) { return n / 2 + n % 2; }
 
-// Planes that are expanded; 0 for other layouts.
+// Number of planes to expand; 0 for unsupported layouts.
 int count_planes(int32_t cs) {
     switch (cs) {
         case TAVU_CS_YUV400: return 1;
@@ -74,7 +74,7 @@ int32_t tavu_imgb_expand(tavu_imgb_t *imgb, const uint32_t *pad) {
     const int planes = count_planes(imgb->cs);
     if (planes == 0) return TAVU_ERR_UNSUPPORTED;
     for (int p = 0; p < planes; p++) {
-        // Chroma is taken as halved both ways in every layout; callers rely on it.
+        // Chroma is treated as 4:2:0 in every layout; callers rely on it.
         const int32_t w = p == 0 ? imgb->aw : half_up(imgb->aw);
         const int32_t h = p == 0 ? imgb->ah : half_up(imgb->ah);
         expand_plane(imgb->addr[p], imgb->stride[p], w, h, pad[p]);

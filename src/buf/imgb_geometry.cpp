@@ -30,7 +30,7 @@ int64_t halve_if(bool half, int64_t n) { return half ? (n + 1) >> 1 : n; }
 
 bool is_power_of_two(uint32_t n) { return n != 0 && (n & (n - 1)) == 0; }
 
-// At most 2^31 + 2^15, so that a stride of four bytes a pixel cannot wrap 64 bits.
+// The result is at most 2^31 + 2^15, so a stride with 4 bytes per pixel fits in 64 bits.
 int64_t align_up(int64_t n, uint32_t alignment) {
     return (n + alignment - 1) & ~(static_cast<int64_t>(alignment) - 1);
 }
@@ -83,15 +83,14 @@ void lay_out(tavu_imgb_t *imgb, const Geometry &geometry, uint8_t *base, uint32_
     for (int p = 0; p < geometry.planes; p++) {
         const uint32_t padding = geometry.pad[p];
         const auto stride = static_cast<uint32_t>(imgb->stride[p]);
-        // The padding on one side: at most half of the plane and half of a stride, so the sum fits in
-        // 31 bits.
+        // One side's padding is at most half the plane plus half a stride, so it fits in 31 bits.
         const uint32_t offset =
             (padding & 0xFFFF) * stride + (padding >> 16) * (geometry.unit[p] >> 16);
         imgb->base[p] = base;
         imgb->addr[p] = base + offset;
         imgb->pbase[p] = pbase;
         imgb->paddr[p] = pbase != 0 ? pbase + offset : pbase;
-        // Also from 0, so that later planes get their offset in the payload; callers rely on it.
+        // `pbase` advances even from 0: later planes get their payload offset. Callers rely on it.
         const uint32_t plane_size = stride * static_cast<uint32_t>(imgb->rows[p]);
         base += plane_size;
         pbase += plane_size;

@@ -1,4 +1,4 @@
-// Where the planes of a picture lie: sizes from the colour-space code, strides, rows, addresses.
+// Plane geometry of a picture: sizes by colour-space code, strides, rows, addresses.
 #ifndef TAVU_BUF_IMGB_GEOMETRY_H
 #define TAVU_BUF_IMGB_GEOMETRY_H
 
@@ -18,7 +18,7 @@ struct Geometry {
     int32_t size;               // payload bytes
 };
 
-// Fills `geometry` and the sizes, strides and rows of `imgb`; a status code.
+// Fills `geometry` and the sizes, strides and rows of `imgb`; returns a status code.
 int32_t measure(tavu_imgb_t *imgb, Geometry *geometry, int32_t w, int32_t h, int32_t cs,
                 const uint32_t *align, const uint32_t *pad);
 

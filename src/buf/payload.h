@@ -7,7 +7,7 @@
 
 namespace tavu {
 
-// The default pair of image and audio buffers; sizes are not negative.
+// The default callbacks of image and audio buffers; sizes are never negative.
 inline void *aligned_payload(int32_t size, uint32_t *second) {
     *second = 0;
     return malloc_align32(static_cast<uint32_t>(size));

@@ -21,8 +21,8 @@ int32_t getref(Object *object) {
     return __atomic_load_n(&object->refcnt, __ATOMIC_RELAXED);
 }
 
-// Drops a reference and frees the object with the last one. The decrement is ordered: the accesses
-// that every owner made to the payload come before it is freed.
+// Drops a reference and frees the object with the last one. Acquire-release order: every owner's
+// accesses to the payload happen before it is freed.
 template <class Object, void (*Free)(Object *)>
 int32_t release(Object *object) {
     if (object == nullptr) return TAVU_ERR_INVALID_ARGUMENT;
@@ -32,7 +32,7 @@ int32_t release(Object *object) {
 }
 
 // Creates an object with its first reference: zeroed, then filled by init(object), which returns a
-// status code. When that is a failure Free gets the object as far as it was filled.
+// status code. On failure Free gets the partly filled object.
 template <class Object, void (*Free)(Object *), class Init>
 Object *create_counted(int32_t *status, Init init) {
     auto *object = static_cast<Object *>(calloc(1, sizeof(Object)));

@@ -1,4 +1,4 @@
-// Links immediately followed by bytes of a caller's size, in one allocation.
+// Links immediately followed by `size` bytes of the caller's, in one allocation.
 #ifndef TAVU_CONTAINER_LINKS_H
 #define TAVU_CONTAINER_LINKS_H
 
@@ -7,7 +7,7 @@
 
 namespace tavu {
 
-// Null when memory is short or the sum of both sizes wraps.
+// Returns null if out of memory or if the sum of both sizes wraps.
 template <class Links>
 Links *allocate_links(uint32_t size) {
     const size_t bytes = sizeof(Links) + size;

@@ -1,5 +1,5 @@
-// The markers before the first and after the last element point at themselves at the outer ends, so
-// a step from any node ends at a node.
+// The sentinels before the first and after the last element link to themselves at the outer ends,
+// so a step from any node ends at a node.
 #include <cstdlib>
 #include <cstring>
 
@@ -38,7 +38,7 @@ Node *backward(Node *node, int32_t steps) {
     return node;
 }
 
-// Walks from the nearer end, no step for a negative index.
+// Walks from the nearer end; takes no step for a negative index.
 Node *node_at(const tavu_list_t *list, int32_t index) {
     if (index > list->cnt / 2) return backward(list->tail->prev, list->cnt - 1 - index);
     return forward(list->head->next, index);
@@ -94,10 +94,10 @@ void free_list(tavu_list_t *list) {
     free(list);
 }
 
-// Moves the cursor to a node. A step from the outermost element reaches `marker` and clears it.
-void *step_to(tavu_list_t *list, Node *node, const Node *marker) {
-    list->cur = node != marker ? node : nullptr;
-    return node != marker ? node + 1 : nullptr;
+// Moves the cursor to a node; clears it at `sentinel`, which a step past the outermost one reaches.
+void *step_to(tavu_list_t *list, Node *node, const Node *sentinel) {
+    list->cur = node != sentinel ? node : nullptr;
+    return node != sentinel ? node + 1 : nullptr;
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // Positions advance by plain addition. The head can reach the size, the tail can exceed it by one
 // after a line feed without carriage return, and negative counts of the skip functions move both
 // back, even below 0. All formulas hold in these states too, so lengths can be negative; callers
-// rely on it. A position outside the storage holds no byte: copies leave it out.
+// rely on it. A position outside the storage holds no byte: copies skip it.
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -52,13 +52,13 @@ int32_t advance(int32_t *position, int32_t count) {
 
 uint32_t below_zero(int32_t value) { return value < 0 ? 0 - bits(value) : 0; }
 
-// `count` bytes at position `at` of the storage and at `offset` of a caller's buffer.
-struct Piece {
+// A run of `count` bytes at position `at` of the storage and at `offset` of a caller's buffer.
+struct Run {
     uint32_t at, offset, count;
 };
 
-// Leaves out the bytes outside the storage and those before the caller's buffer.
-inline Piece trim(const tavu_rbuf_t *rbuf, int32_t at, int32_t offset, int32_t count) {
+// Drops the bytes outside the storage and those before the caller's buffer.
+inline Run trim(const tavu_rbuf_t *rbuf, int32_t at, int32_t offset, int32_t count) {
     if (count < 1 || at >= rbuf->size) return {0, 0, 0};
     const uint32_t skip = std::max(below_zero(at), below_zero(offset));
     const uint32_t end = std::min(bits(count), bits(rbuf->size) - bits(at));
@@ -66,16 +66,16 @@ inline Piece trim(const tavu_rbuf_t *rbuf, int32_t at, int32_t offset, int32_t c
 }
 
 inline void copy_in(tavu_rbuf_t *rbuf, int32_t at, const void *src, int32_t offset, int32_t count) {
-    const Piece piece = trim(rbuf, at, offset, count);
-    if (piece.count == 0) return;
-    memcpy(rbuf->buf + piece.at, static_cast<const uint8_t *>(src) + piece.offset, piece.count);
+    const Run run = trim(rbuf, at, offset, count);
+    if (run.count == 0) return;
+    memcpy(rbuf->buf + run.at, static_cast<const uint8_t *>(src) + run.offset, run.count);
 }
 
 inline void copy_out(const tavu_rbuf_t *rbuf, int32_t at, void *dst, int32_t offset,
                      int32_t count) {
-    const Piece piece = trim(rbuf, at, offset, count);
-    if (piece.count == 0) return;
-    memcpy(static_cast<uint8_t *>(dst) + piece.offset, rbuf->buf + piece.at, piece.count);
+    const Run run = trim(rbuf, at, offset, count);
+    if (run.count == 0) return;
+    memcpy(static_cast<uint8_t *>(dst) + run.offset, rbuf->buf + run.at, run.count);
 }
 
 int32_t append(tavu_rbuf_t *rbuf, const void *src, int32_t count) {
@@ -83,35 +83,35 @@ int32_t append(tavu_rbuf_t *rbuf, const void *src, int32_t count) {
     return advance(&rbuf->head, count);
 }
 
-// Stores `piece` bytes up to the end of the storage and the rest at its start.
-__attribute__((noinline)) int32_t put_across(tavu_rbuf_t *rbuf, const void *src, int32_t piece,
+// Stores the `first` bytes that fit before the end of the storage, and the rest at its start.
+__attribute__((noinline)) int32_t put_across(tavu_rbuf_t *rbuf, const void *src, int32_t first,
                                              int32_t count) {
-    const int32_t rest = minus(count, piece);
-    copy_in(rbuf, rbuf->head, src, 0, piece);
+    const int32_t rest = minus(count, first);
+    copy_in(rbuf, rbuf->head, src, 0, first);
     if (rbuf->tail <= rest) return 0;
-    copy_in(rbuf, 0, src, piece, rest);
+    copy_in(rbuf, 0, src, first, rest);
     rbuf->head = rest;
     return count;
 }
 
-// Consumes the `piece` bytes up to the end of the storage and those at its start, at most `count`.
-int32_t skip_across(tavu_rbuf_t *rbuf, int32_t piece, int32_t count) {
-    count = std::min(count, plus(piece, rbuf->head));
-    rbuf->tail = minus(count, piece);
+// Consumes the last `first` bytes of the storage and those at its start, at most `count`.
+int32_t skip_across(tavu_rbuf_t *rbuf, int32_t first, int32_t count) {
+    count = std::min(count, plus(first, rbuf->head));
+    rbuf->tail = minus(count, first);
     return count;
 }
 
-__attribute__((noinline)) int32_t get_across(tavu_rbuf_t *rbuf, void *dst, int32_t piece,
+__attribute__((noinline)) int32_t get_across(tavu_rbuf_t *rbuf, void *dst, int32_t first,
                                              int32_t count) {
-    copy_out(rbuf, rbuf->tail, dst, 0, piece);
-    count = skip_across(rbuf, piece, count);
-    copy_out(rbuf, 0, dst, piece, rbuf->tail);
+    copy_out(rbuf, rbuf->tail, dst, 0, first);
+    count = skip_across(rbuf, first, count);
+    copy_out(rbuf, 0, dst, first, rbuf->tail);
     return count;
 }
 
-// Stores a position and the bytes from there on; null and 0 if there are `none`.
-int32_t hand_out(const tavu_rbuf_t *rbuf, bool none, int32_t at, int32_t count, uint8_t **pos,
-                 int32_t *len) {
+// Stores a position and the number of bytes from there on; null and 0 if `none`.
+int32_t report_range(const tavu_rbuf_t *rbuf, bool none, int32_t at, int32_t count, uint8_t **pos,
+                     int32_t *len) {
     *pos = none ? nullptr : rbuf->buf + at;
     *len = none ? 0 : count;
     return 0;
@@ -123,7 +123,7 @@ int32_t length_of_line(const uint8_t *src, int32_t count) {
 #if TAVU_VEC
     if (count >= LANES) {
         while (p < end) {
-            // The last register overlaps the one before, which held neither.
+            // The last load overlaps the one before, which contained neither byte.
             if (end - p < LANES) p = end - LANES;
             const U8 v = load_next(p);
             const ZeroLanes z = zero_lanes(lesser(v, v ^ '\n'));
@@ -169,21 +169,21 @@ int32_t take_line(tavu_rbuf_t *rbuf, uint8_t *dst, int32_t limit) {
     return advance(&rbuf->tail, len);
 }
 
-// Delivers the rest of a line after its first `piece` bytes, up to the end of the storage.
-int32_t take_line_rest(tavu_rbuf_t *rbuf, uint8_t *dst, int32_t size, int32_t piece) {
+// Delivers the rest of a line that wraps, after the `first` bytes at the end of the storage.
+int32_t take_line_rest(tavu_rbuf_t *rbuf, uint8_t *dst, int32_t size, int32_t first) {
     if (rbuf->buf[rbuf->size - 1] == '\r' && rbuf->buf[0] == '\n') {
         // The byte between the line feed and the zero is not written; callers rely on the length.
-        set(dst, piece, '\n');
-        set(dst, plus(piece, 2), 0);
+        set(dst, first, '\n');
+        set(dst, plus(first, 2), 0);
         rbuf->tail = 1;
-        return plus(piece, 2);
+        return plus(first, 2);
     }
-    const int32_t end = std::min(size, plus(piece, rbuf->head));
-    const int32_t rest = copy_line(rbuf, 0, dst, piece, minus(end, piece));
+    const int32_t end = std::min(size, plus(first, rbuf->head));
+    const int32_t rest = copy_line(rbuf, 0, dst, first, minus(end, first));
     if (rest < 1) return 0;
-    set(dst, plus(piece, rest), 0);
+    set(dst, plus(first, rest), 0);
     rbuf->tail = rest;
-    return plus(piece, rest);
+    return plus(first, rest);
 }
 
 }  // namespace
@@ -235,11 +235,11 @@ int32_t tavu_rbuf_get_free_len(tavu_rbuf_t *rbuf) {
 int32_t tavu_rbuf_get_freec_len(tavu_rbuf_t *rbuf) { return contiguous_free(rbuf); }
 
 int32_t tavu_rbuf_get_head(tavu_rbuf_t *rbuf, uint8_t **pos, int32_t *len) {
-    return hand_out(rbuf, is_full(rbuf), rbuf->head, contiguous_free(rbuf), pos, len);
+    return report_range(rbuf, is_full(rbuf), rbuf->head, contiguous_free(rbuf), pos, len);
 }
 
 int32_t tavu_rbuf_get_tail(tavu_rbuf_t *rbuf, uint8_t **pos, int32_t *len) {
-    return hand_out(rbuf, is_empty(rbuf), rbuf->tail, contiguous_fill(rbuf), pos, len);
+    return report_range(rbuf, is_empty(rbuf), rbuf->tail, contiguous_fill(rbuf), pos, len);
 }
 
 int32_t tavu_rbuf_skip_head(tavu_rbuf_t *rbuf, int32_t count) {
@@ -255,9 +255,9 @@ int32_t tavu_rbuf_skip_head(tavu_rbuf_t *rbuf, int32_t count) {
 
 int32_t tavu_rbuf_skip_tail(tavu_rbuf_t *rbuf, int32_t count) {
     if (is_empty(rbuf)) return 0;
-    const int32_t piece = contiguous_fill(rbuf);
-    if (!wraps(rbuf)) return advance(&rbuf->tail, std::min(count, piece));
-    return count < piece ? advance(&rbuf->tail, count) : skip_across(rbuf, piece, count);
+    const int32_t first = contiguous_fill(rbuf);
+    if (!wraps(rbuf)) return advance(&rbuf->tail, std::min(count, first));
+    return count < first ? advance(&rbuf->tail, count) : skip_across(rbuf, first, count);
 }
 
 int32_t tavu_rbuf_put(tavu_rbuf_t *rbuf, const void *src, int32_t count) {
@@ -272,9 +272,9 @@ int32_t tavu_rbuf_put(tavu_rbuf_t *rbuf, const void *src, int32_t count) {
 
 int32_t tavu_rbuf_get(tavu_rbuf_t *rbuf, void *dst, int32_t count) {
     if (count < 0 || is_empty(rbuf)) return 0;
-    const int32_t piece = contiguous_fill(rbuf);
-    if (wraps(rbuf) && count > piece) return get_across(rbuf, dst, piece, count);
-    const int32_t taken = std::min(count, piece);
+    const int32_t first = contiguous_fill(rbuf);
+    if (wraps(rbuf) && count > first) return get_across(rbuf, dst, first, count);
+    const int32_t taken = std::min(count, first);
     copy_out(rbuf, rbuf->tail, dst, 0, taken);
     if (!wraps(rbuf)) return advance(&rbuf->tail, taken);
     rbuf->tail = remainder(bits(rbuf->tail) + bits(taken), rbuf->size);
@@ -284,9 +284,9 @@ int32_t tavu_rbuf_get(tavu_rbuf_t *rbuf, void *dst, int32_t count) {
 int32_t tavu_rbuf_get_one_line(tavu_rbuf_t *rbuf, void *dst, int32_t size) {
     if (is_empty(rbuf)) return 0;
     auto *line = static_cast<uint8_t *>(dst);
-    const int32_t piece = contiguous_fill(rbuf);
-    if (!wraps(rbuf)) return take_line(rbuf, line, std::min(std::max(size, 1) - 1, piece));
+    const int32_t first = contiguous_fill(rbuf);
+    if (!wraps(rbuf)) return take_line(rbuf, line, std::min(std::max(size, 1) - 1, first));
     // A line may end before the end of the storage whatever the size; callers rely on it.
-    const int32_t len = take_line(rbuf, line, piece);
-    return len > 0 || size <= piece ? len : take_line_rest(rbuf, line, size, piece);
+    const int32_t len = take_line(rbuf, line, first);
+    return len > 0 || size <= first ? len : take_line_rest(rbuf, line, size, first);
 }

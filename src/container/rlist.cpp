@@ -1,4 +1,4 @@
-// The used slots are the last ones of the chain, the oldest at its end; all before them are free.
+// The used slots are at the end of the chain, the oldest last; the slots before them are free.
 #include <cstdlib>
 
 #include "container/links.h"
@@ -25,7 +25,7 @@ bool append_slot(tavu_rlist_t *rlist) {
     return true;
 }
 
-// At least one slot, even for a capacity that lets none be taken.
+// Appends at least one slot, even for a capacity that allows none to be taken.
 bool append_slots(tavu_rlist_t *rlist) {
     if (!append_slot(rlist)) return false;
     for (int32_t i = 1; i < rlist->capacity; i++) {
@@ -43,8 +43,8 @@ void free_rlist(tavu_rlist_t *rlist) {
     free(rlist);
 }
 
-// Moves the oldest used slot to the start of the chain: false when there is none, or when it is the
-// pool's only slot, which stays in use.
+// Moves the oldest used slot to the start of the chain. Returns false if there is none, or if it is
+// the pool's only slot, which stays in use.
 bool recycle_oldest(tavu_rlist_t *rlist) {
     Slot *slot = rlist->last;
     if (rlist->used == 0 || slot->prev == nullptr) return false;

@@ -8,7 +8,7 @@
 
 namespace tavu {
 
-// The address that malloc returned stands right before the aligned block.
+// The pointer that malloc returned is stored immediately before the aligned block.
 inline void *malloc_align32(uint32_t size) {
     constexpr uint32_t ALIGN = 32;
     constexpr uint32_t HEADER = ALIGN + sizeof(void *);

@@ -9,7 +9,7 @@ int32_t tavu_atomic_dec(int32_t *word) { return tavu::atomic_dec(word); }
 int32_t tavu_sync_wait(int32_t *word, int32_t value) {
     for (;;) {
         const int32_t now = tavu::load_for_event(word);
-        if (now == -1) return TAVU_ERR;  // the agreed sign to give up comes before equality
+        if (now == -1) return TAVU_ERR;  // -1 means give up, even if it is the awaited value
         if (now == value) return TAVU_OK;
         tavu::wait_for_event();
     }

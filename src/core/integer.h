@@ -9,7 +9,7 @@
 namespace tavu {
 namespace {
 
-// Sum, product and left shift modulo 2^32.
+// Addition, multiplication and left shift modulo 2^32.
 constexpr int32_t wrap_add(int32_t a, int32_t b) {
     return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
 }
@@ -22,8 +22,8 @@ constexpr int32_t wrap_shift_left(int32_t a, int32_t n) {
     return static_cast<int32_t>(static_cast<uint32_t>(a) << n);
 }
 
-// Truncating division. A zero divisor raises the arithmetic signal on every processor alike, also
-// where the divide instruction would yield 0; if the signal is ignored the quotient is 0.
+// Truncating division. A zero divisor raises SIGFPE on every processor, even where the divide
+// instruction would yield 0; if the signal is ignored, the quotient is 0.
 inline int32_t divide(int32_t a, int32_t b) {
     if (b == 0) {
         raise(SIGFPE);

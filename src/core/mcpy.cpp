@@ -1,8 +1,8 @@
-// Copies with a granularity of their own each; callers rely on how every remainder is treated.
+// Copies, each with its own granularity; callers rely on how every remainder is treated.
 #include <cstddef>
 #include <cstring>
 
-#include "core/chunk.h"
+#include "core/inline_copy.h"
 #include "tavu.h"
 
 namespace tavu {
@@ -20,10 +20,10 @@ void copy_rows(Rows at, int32_t width, int32_t height) {
     }
 }
 
-// With the width as a constant each row is one or two loads and stores.
+// With a constant width each row is one or two loads and stores.
 template <int Width>
 void copy_row(Rows &at) {
-    copy_chunk<Width>(at.dst, at.src);
+    copy_inline<Width>(at.dst, at.src);
     at.dst += at.dst_stride;
     at.src += at.src_stride;
 }
@@ -33,20 +33,20 @@ void copy_rows(Rows at, int32_t height) {
     for (; height > 0; height--) copy_row<Width>(at);
 }
 
-// For the widths of most blocks.
+// Unrolled, for the widths of most blocks.
 template <int Width>
 void copy_many_rows(Rows at, int32_t height) {
 #pragma GCC unroll 8
     for (; height > 0; height--) copy_row<Width>(at);
 }
 
-// Whole blocks of 64 bytes and one byte of the remainder. In pieces, for C libraries take a slower way
-// for one that exceeds a cache, and this takes no more time for the others.
+// Copies whole blocks of 64 bytes and one byte of the remainder. Large copies are split, because C
+// libraries use a slower path above the size of a cache; splitting costs no time elsewhere.
 void copy_run(Rows at, int64_t size) {
-    constexpr int64_t PIECE = 1 << 18;
+    constexpr int64_t MAX_COPY = 1 << 18;
     int64_t left = size % 64 == 0 ? size : size / 64 * 64 + 1;
-    for (; left > PIECE; left -= PIECE, at.dst += PIECE, at.src += PIECE) {
-        memcpy(at.dst, at.src, PIECE);
+    for (; left > MAX_COPY; left -= MAX_COPY, at.dst += MAX_COPY, at.src += MAX_COPY) {
+        memcpy(at.dst, at.src, MAX_COPY);
     }
     memcpy(at.dst, at.src, static_cast<size_t>(left));
 }
@@ -80,6 +80,6 @@ void tavu_mcpy_blk(void *dst, const void *src, int32_t dst_stride, int32_t src_s
         case 6: copy_rows<6>(at, height); break;
         case 12: copy_rows<12>(at, height); break;
         case 24: copy_rows<24>(at, height); break;
-        default: break;  // 32 and 48 too copy nothing
+        default: break;  // 32 and 48 also copy nothing
     }
 }

@@ -1,4 +1,4 @@
-// Fills with a 32-bit value or a byte. Each has a granularity of its own; callers rely on how every
+// Fills with a 32-bit value or a byte. Each has its own granularity; callers rely on how every
 // remainder is treated.
 #include <cstddef>
 #include <cstring>
@@ -25,7 +25,7 @@ void store_next(uint8_t *&p, Pattern v) {
 }
 #endif
 
-// `Registers` of the pattern at p; the address behind them.
+// Stores the pattern `Registers` times at p; returns the address after the last store.
 template <int Registers>
 uint8_t *store_pattern(uint8_t *p, Pattern pattern) {
 #pragma GCC unroll 8
@@ -35,11 +35,11 @@ uint8_t *store_pattern(uint8_t *p, Pattern pattern) {
 
 constexpr uint32_t word_of(uint8_t byte) { return byte * 0x01010101U; }
 
-// A multiple of 32 bytes. Stores within a cache line cost half of those across two, so all but the
-// first and the last are aligned if the phase of the pattern allows it.
+// `bytes` is a multiple of 32. A store within one cache line costs half of one across two, so all
+// stores except the first and the last are aligned if the phase of the pattern allows it.
 void fill(uint8_t *dst, uint32_t value, size_t bytes) {
     constexpr int AT_ONCE = 128 / sizeof(Pattern);
-    constexpr size_t CACHE = 1 << 19;  // beyond it C libraries know the better way
+    constexpr size_t CACHE = 1 << 19;  // above this size the C library's memset is faster
     const bool single_byte = value == word_of(static_cast<uint8_t>(value));
     if (single_byte && bytes > CACHE) {
         memset(dst, static_cast<uint8_t>(value), bytes);
@@ -59,7 +59,7 @@ void fill(uint8_t *dst, uint32_t value, size_t bytes) {
     store_pattern<1>(end - sizeof pattern, pattern);
 }
 
-// The largest multiple of a power of two that is not above `size`.
+// The largest multiple of `block`, a power of two, that does not exceed `size`.
 int32_t whole(int32_t size, int32_t block) { return size & -block; }
 
 void fill_blocks(void *dst, uint32_t value, int32_t size, int32_t block) {
@@ -68,7 +68,7 @@ void fill_blocks(void *dst, uint32_t value, int32_t size, int32_t block) {
     }
 }
 
-// The low byte, not the pattern, in what remains behind the last 32 bytes.
+// The remainder after the last whole 32 bytes gets the low byte, not the pattern.
 void fill_all(void *dst, uint32_t value, int32_t size) {
     fill_blocks(dst, value, size, 32);
     if (size > 0) {

@@ -1,4 +1,4 @@
-// The layout of the records is part of the ABI: it is pinned here for 32 and 64 bits.
+// The layout of the records is part of the ABI; these assertions pin it for 32 and 64 bits.
 #include <cstddef>
 
 #include "tavu.h"

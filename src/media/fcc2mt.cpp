@@ -103,7 +103,7 @@ constexpr bool are_distinct() {
 }
 static_assert(are_distinct(), "a code is in NAMES twice");
 
-// The slot of a code is the upper bits of its product with a factor that gives each name its own slot.
+// Multiplicative hash: `factor` is chosen so that each name has its own slot.
 struct Hash {
     uint32_t factor;
     int bits;
@@ -123,8 +123,8 @@ constexpr bool separates_names(const Hash &hash) {
     return true;
 }
 
-// Tries random factors, then a table of twice the size. Only few factors suit a crowded table; the
-// first one does for the present names in 256 slots.
+// Tries random factors, then a table of twice the size. Few factors suit a crowded table, so that
+// gets one try; the first factor suits the present names in 256 slots.
 constexpr Hash find_hash() {
     constexpr int COUNT = sizeof NAMES / sizeof NAMES[0];
     uint32_t factor = 0x63F52AB9;
@@ -158,7 +158,7 @@ constexpr int32_t find(uint32_t code) {
     return name.code == code ? name.type : TAVU_MT_NONE;
 }
 
-// Types from `first` up to the one that stands for all others.
+// The type of a code if it is in [first, unknown), else `unknown`.
 int32_t find_between(uint32_t code, int32_t first, int32_t unknown) {
     const int32_t type = find(code);
     return type >= first && type < unknown ? type : unknown;
@@ -182,5 +182,5 @@ int32_t tavu_fcc2mt_drm(uint32_t code) {
     return code == fcc("DIVX") || code == fcc("divx") ? TAVU_MT_DRM_DIVX : TAVU_MT_DRM_UNKNOWN;
 }
 
-// DRM is not asked: its two codes are video codes too.
+// DRM codes are not looked up: both are video codes too.
 int32_t tavu_fcc2mt(uint32_t code) { return find(code); }

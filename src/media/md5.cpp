@@ -28,7 +28,7 @@ struct F {
     }
 };
 struct G {
-    // The two halves share no bit, so they may be added one by one: only `b & d` waits for b.
+    // The two terms share no bit, so they can be added separately: only `b & d` waits for b.
     static uint32_t add(uint32_t a, uint32_t b, uint32_t c, uint32_t d) {
         return a + (c & ~d) + (b & d);
     }
@@ -55,7 +55,7 @@ constexpr uint32_t SINE[64] = {
     0xf4292244, 0x432aff97, 0xab9423a7, 0xfc93a039, 0x655b59c3, 0x8f0ccc92, 0xffeff47d, 0x85845dd1,
     0x6fa87e4f, 0xfe2ce6e0, 0xa3014314, 0x4e0811a1, 0xf7537e82, 0xbd3af235, 0x2ad7d2bb, 0xeb86d391};
 
-// 16 steps; step i takes message word (i * Stride + First) % 16.
+// 16 steps; step i uses message word (i * Stride + First) % 16.
 template <class Function, int Round, int Stride, int First, int R0, int R1, int R2, int R3>
 inline void round16(uint32_t (&s)[4], const uint8_t *block) {
     constexpr int ROTATE[4] = {R0, R1, R2, R3};
@@ -100,15 +100,15 @@ void update(tavu_md5_t *md5, const uint8_t *data, uint32_t size) {
     md5->bits[0] = low;
 
     if (used != 0) {
-        const uint32_t room = BLOCK - used;
-        if (size < room) {
+        const uint32_t space = BLOCK - used;
+        if (size < space) {
             memcpy(md5->msg + used, data, size);
             return;
         }
-        memcpy(md5->msg + used, data, room);
+        memcpy(md5->msg + used, data, space);
         transform(md5->state, md5->msg, 1);
-        data += room;
-        size -= room;
+        data += space;
+        size -= space;
     }
     data = transform(md5->state, data, size / BLOCK);
     memcpy(md5->msg, data, size % BLOCK);
@@ -157,7 +157,7 @@ int32_t tavu_md5_imgb(const tavu_imgb_t *imgb, uint8_t digest[16]) {
     tavu_md5_t md5;
     tavu::init(&md5);
     // `x` shortens rows without moving their start; chroma counts as halved in every layout.
-    // Callers rely on both. In 64 bits, for the largest sizes have no successor in 32.
+    // Callers rely on both. 64-bit arithmetic, because rounding up the largest sizes overflows 32.
     const int64_t width = int64_t{imgb->w} - imgb->x;
     tavu::update_rows(&md5, imgb, 0, imgb->y, imgb->h, width);
     if (imgb->cs != TAVU_CS_YUV400) {

@@ -1,4 +1,4 @@
-// Start codes: two zero bytes and a third one of a kind.
+// Start codes: two zero bytes and a third byte.
 #ifndef TAVU_MEDIA_START_CODE_H
 #define TAVU_MEDIA_START_CODE_H
 
@@ -10,7 +10,8 @@
 namespace tavu {
 namespace {
 
-// A kind of third byte: rest() is 0 for it alone, of a byte and of each lane of a register.
+// Kinds of start code. rest() is 0 only for their third byte; its argument is a byte or a vector of
+// bytes.
 
 // 00 00 01
 struct Prefix {
@@ -45,8 +46,9 @@ bool is_start(const uint8_t *p) {
 
 #if TAVU_VEC
 
-// Looks at Vectors * LANES positions from `*p` on: moves behind them, or to the first start and says
-// so. Every position costs the same, whatever the bytes: none but a start leads to a branch.
+// Searches the Vectors * LANES positions from `*p` on. Returns whether there is a start code, and
+// moves `*p` to the first one or past all positions. The time does not depend on the bytes: only a
+// start code causes a branch.
 template <class Kind, int Vectors>
 TAVU_VEC_INLINE bool find_in_block(const uint8_t **p) {
     const uint8_t *first = *p, *second = first + 1, *third = first + 2;
@@ -74,8 +76,8 @@ TAVU_VEC_INLINE bool find_in_block(const uint8_t **p) {
 
 #endif
 
-// The first of the positions from `p` to `end` where a start code stands, or `end`. Reads up to end[1],
-// what the last position's code spans.
+// The first position in [p, end) with a start code, or `end`. Reads up to end[1], the third byte at
+// the last position.
 template <class Kind>
 const uint8_t *find_start(const uint8_t *p, const uint8_t *end) {
 #if TAVU_VEC

@@ -6,12 +6,12 @@
 namespace tavu {
 namespace {
 
-// Where positions end at which a unit holds `needed` bytes at least.
+// One past the last position with at least `needed` bytes left in the unit.
 const uint8_t *positions_end(const uint8_t *unit, int32_t size, int32_t needed) {
     return size >= needed ? unit + (size - needed + 1) : unit;
 }
 
-// The fields of a picture header's PTYPE that decide.
+// The PTYPE fields of a picture header that decide.
 bool h263_marker_ok(const uint8_t *p) { return (p[3] & 3) == 2; }
 int h263_source_format(const uint8_t *p) { return p[4] >> 2 & 7; }
 bool h263_is_intra(const uint8_t *p) { return (p[4] & 2) == 0; }
@@ -24,7 +24,7 @@ bool mpeg4(const uint8_t *p, int32_t size) {
     for (; (p = find_start<Either<Prefix, H263Picture>>(p, end)) < end; p++) {
         if (is_start<H263Picture>(p)) {  // short header
             if (!h263_marker_ok(p)) return false;
-            // Unlike in an H.263 stream, an extended type here is no picture: the scan goes on.
+            // Unlike in an H.263 stream, an extended type is not a picture: the scan continues.
             if (h263_source_format(p) != EXTENDED_PTYPE) return h263_is_intra(p);
         } else if (p[3] == VOP_START) {
             return p[4] >> 6 == 0;
@@ -39,8 +39,8 @@ bool h263(const uint8_t *p, int32_t size) {
     if (p == end || !h263_marker_ok(p)) return false;
     if (h263_source_format(p) != EXTENDED_PTYPE) return h263_is_intra(p);
     const int update_indicator = (p[4] & 3) << 1 | p[5] >> 7;
-    // With the optional part present the picture type lies 18 bits later, at worst one byte
-    // beyond the unit.
+    // With the optional part present the picture type is 18 bits later, at worst one byte past the
+    // end of the unit.
     return update_indicator == 1 ? (p[7] & 0x1C) == 0 : (p[5] & 0x70) == 0;
 }
 

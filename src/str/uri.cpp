@@ -5,41 +5,41 @@
 namespace tavu {
 namespace {
 
-// Copies `len` bytes, fewer if the string ends before, and adds a zero byte.
+// Copies `len` bytes, fewer if the string ends first, and appends a zero byte.
 void copy_text(char *dst, const char *src, int32_t len) {
     for (; len > 0 && *src != '\0'; len--) *dst++ = *src++;
     *dst = '\0';
 }
 
-// Returns the text after the path's line; null when there is none.
+// Returns the text after the path's line; null if there is none.
 const char *copy_path(char *path, const char *str) {
-    const Piece line = first_line(str);
+    const Token line = first_line(str);
     if (line.len <= 0) return line.next;
     // The path comes from the line that follows the URI's, with the length of the URI's own path;
-    // callers rely on it. Without such a line it is the URI's own.
+    // callers rely on it. Without such a line, the URI's own path is copied.
     const char *from = line.next != nullptr ? line.next : str;
     if (*from != '/') *path++ = '/';
     copy_text(path, from, line.len);
     return line.next;
 }
 
-// A missing part is a null string, which is scanned as an empty one.
+// A missing component is a null string, which is scanned as an empty one.
 int32_t parse_uri(const char *uri, char *scheme, char *host, char *port, char *path,
                   const char **rest) {
     const char *start = first_word(uri);
-    const Piece scheme_piece = token_before(start, "://");
-    if (scheme_piece.status != TAVU_OK) return TAVU_ERR;
-    copy_text(scheme, start, scheme_piece.len);
-    const Piece host_piece = token_before(scheme_piece.next, ':');
-    copy_text(host, scheme_piece.next, host_piece.len);
-    const Piece port_piece = token_before(host_piece.next, '/');
-    if (port_piece.len <= 0) return TAVU_ERR;
-    copy_text(port, host_piece.next, port_piece.len);
-    *rest = copy_path(path, port_piece.next);
+    const Token scheme_token = token_before(start, "://");
+    if (scheme_token.status != TAVU_OK) return TAVU_ERR;
+    copy_text(scheme, start, scheme_token.len);
+    const Token host_token = token_before(scheme_token.next, ':');
+    copy_text(host, scheme_token.next, host_token.len);
+    const Token port_token = token_before(host_token.next, '/');
+    if (port_token.len <= 0) return TAVU_ERR;
+    copy_text(port, host_token.next, port_token.len);
+    *rest = copy_path(path, port_token.next);
     return TAVU_OK;
 }
 
-// Only decimal digits carry a value, not A to F; callers rely on it.
+// Only decimal digits have a value, not A to F; callers rely on it.
 int32_t digit_value(char c) { return c >= '0' && c <= '9' ? c - '0' : 0; }
 
 int32_t escape(const char *src, char *dst) {
@@ -62,7 +62,7 @@ int32_t unescape(const char *src, char *dst) {
     for (int32_t i = 0; i < n; i++) {
         char c = src[i];
         if (c == '%') {
-            // Both bytes are read whatever is left: the caller provides one after the zero.
+            // Reads both bytes even at the end: the caller provides a byte after the zero.
             c = static_cast<char>(digit_value(src[i + 1]) * 16 + digit_value(src[i + 2]));
             i += 2;
         }

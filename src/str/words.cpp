@@ -25,10 +25,10 @@ const char *end_of_line(const char *str) {
     return nullptr;
 }
 
-int32_t hand_out(const Piece &piece, int32_t *len, const char **next) {
-    *len = piece.len;
-    if (next != nullptr) *next = piece.next;
-    return piece.status;
+int32_t report(const Token &token, int32_t *len, const char **next) {
+    *len = token.len;
+    if (next != nullptr) *next = token.next;
+    return token.status;
 }
 
 }  // namespace
@@ -48,16 +48,16 @@ const char *tavu_str_move_to_nextw(const char *str) {
 const char *tavu_str_move_to_nextl(const char *str) { return end_of_line(str); }
 
 int32_t tavu_str_parse_by_ctok(const char *str, int32_t delim, int32_t *len, const char **next) {
-    return hand_out(token_before(str, static_cast<char>(delim)), len, next);
+    return report(token_before(str, static_cast<char>(delim)), len, next);
 }
 
 int32_t tavu_str_parse_by_stok(const char *str, const char *delim, int32_t *len,
                                const char **next) {
-    return hand_out(token_before(str, delim), len, next);
+    return report(token_before(str, delim), len, next);
 }
 
 int32_t tavu_str_parse_one_line(const char *str, int32_t *len, const char **next) {
-    return hand_out(first_line(str), len, next);
+    return report(first_line(str), len, next);
 }
 
 int32_t tavu_str_get_one_az09() { return 0; }

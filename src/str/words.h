@@ -1,4 +1,4 @@
-// Scanners over zero-terminated strings. A null string counts as an empty one.
+// Scanners over zero-terminated strings. A null string counts as empty.
 #ifndef TAVU_STR_WORDS_H
 #define TAVU_STR_WORDS_H
 
@@ -8,8 +8,8 @@
 
 namespace tavu {
 
-// `len` bytes, and the text after the bytes that ended them (null if there is none).
-struct Piece {
+// A token of `len` bytes; `next` is the text after its delimiter, null if there is none.
+struct Token {
     int32_t status;
     int32_t len;
     const char *next;
@@ -23,7 +23,7 @@ inline bool is_line_end(char c) { return c == '\n' || c == '\r'; }
 
 inline bool is_white(char c) { return c == ' ' || c == '\t' || is_line_end(c); }
 
-// The first byte that is not white among the first `n`, or null.
+// The first byte among the first `n` that is not white space, or null.
 inline const char *find_word(const char *str, int32_t n) {
     for (int32_t i = 0; i < n; i++) {
         if (!is_white(str[i])) return str + i;
@@ -33,19 +33,19 @@ inline const char *find_word(const char *str, int32_t n) {
 
 inline const char *first_word(const char *str) { return find_word(str, length(str)); }
 
-// The text at `at` of a string of `n` bytes, or null when nothing is left there.
+// The text at offset `at` of a string of `n` bytes; null if none is left there.
 inline const char *text_at(const char *str, int32_t at, int32_t n) {
     return at < n ? str + at : nullptr;
 }
 
-// Stops at the terminating zero of `str` at the latest, because the prefix has none.
+// Never reads past the terminating zero of `str`, because the prefix contains none.
 inline bool starts_with(const char *str, const char *prefix, int32_t prefix_len) {
     int32_t i = 0;
     while (i < prefix_len && str[i] == prefix[i]) i++;
     return i == prefix_len;
 }
 
-inline Piece token_before(const char *str, char delim) {
+inline Token token_before(const char *str, char delim) {
     const int32_t n = length(str);
     if (n == 0) return {TAVU_ERR, 0, nullptr};
     for (int32_t i = 0; i < n; i++) {
@@ -54,8 +54,8 @@ inline Piece token_before(const char *str, char delim) {
     return {TAVU_OK, n, nullptr};
 }
 
-// Without a delimiter the string is no token, unlike with a single byte; callers rely on it.
-inline Piece token_before(const char *str, const char *delim) {
+// Fails if there is no delimiter, unlike the single-byte overload; callers rely on it.
+inline Token token_before(const char *str, const char *delim) {
     const int32_t n = length(str);
     const int32_t delim_len = length(delim);
     for (int32_t i = 0; i < n; i++) {
@@ -67,7 +67,7 @@ inline Piece token_before(const char *str, const char *delim) {
     return {TAVU_ERR, 0, nullptr};
 }
 
-inline Piece first_line(const char *str) {
+inline Token first_line(const char *str) {
     const int32_t n = length(str);
     for (int32_t i = 0; i < n; i++) {
         if (str[i] == '\n') return {TAVU_OK, i, text_at(str, i + 1, n)};
