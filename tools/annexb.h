@@ -1,5 +1,6 @@
 /** NAL units of H.264 and HEVC access units. */
-#pragma once
+#ifndef TAVU_TOOLS_ANNEXB_H
+#define TAVU_TOOLS_ANNEXB_H
 
 #include <cstdint>
 #include <functional>
@@ -26,3 +27,5 @@ std::vector<uint8_t> with_start_codes(const uint8_t *data, size_t size, int leng
  */
 std::vector<uint8_t> find_nal(const uint8_t *data, size_t size,
                               const std::function<bool(uint8_t)> &wanted);
+
+#endif

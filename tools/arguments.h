@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_ARGUMENTS_H
+#define TAVU_TOOLS_ARGUMENTS_H
 
 #include <CLI/CLI.hpp>
 #include <functional>
@@ -29,3 +30,5 @@ struct Arguments {
     void add_common(CLI::App &command);
     void forbid_two_outputs(const std::string &output) const;
 };
+
+#endif

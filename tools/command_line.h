@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_COMMAND_LINE_H
+#define TAVU_TOOLS_COMMAND_LINE_H
 
 #include <CLI/CLI.hpp>
 #include <string>
@@ -17,3 +18,5 @@ std::vector<std::string> normalized(const CLI::App &app, int argc, char **argv);
 /** Throws CLI::ParseError if `option` is given with any other argument, except those `allowed`. */
 void require_alone(const CLI::App &command, const CLI::Option &option,
                    const std::vector<std::string> &allowed = {});
+
+#endif

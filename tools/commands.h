@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_COMMANDS_H
+#define TAVU_TOOLS_COMMANDS_H
 
 #include <optional>
 #include <stdexcept>
@@ -70,3 +71,5 @@ void convert(const CommonOptions &common, const ConvertOptions &options);
 void list_conversions(const CommonOptions &common);
 void list_kernels();
 void bench(const CommonOptions &common, const BenchOptions &options);
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_CONTACT_SHEET_H
+#define TAVU_TOOLS_CONTACT_SHEET_H
 
 #include <algorithm>
 #include <cstdint>
@@ -35,3 +36,5 @@ class ContactSheet {
     int count_ = 0;
     std::vector<uint8_t> pixels_;  ///< whole rows of pictures, R, G, B
 };
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_CONTAINER_END_H
+#define TAVU_TOOLS_CONTAINER_END_H
 
 #include <cstdint>
 #include <string>
@@ -11,3 +12,5 @@
  * that the file is cut short, which demuxers of these containers take for a regular end.
  */
 int64_t stated_end(const InputFile &file, const std::string &format);
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_DECODE_H
+#define TAVU_TOOLS_DECODE_H
 
 #include "media.h"
 
@@ -43,3 +44,5 @@ class FrameReader {
     int64_t packet_index_ = -1, index_ = -1;
     bool draining_ = false;
 };
+
+#endif

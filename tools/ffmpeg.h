@@ -1,5 +1,6 @@
 /** Functions for which FFmpeg 5.1 and 7.1 have different interfaces. */
-#pragma once
+#ifndef TAVU_TOOLS_FFMPEG_H
+#define TAVU_TOOLS_FFMPEG_H
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -26,3 +27,5 @@ inline const int32_t *display_matrix(const AVStream &stream) {
 #endif
     return static_cast<const int32_t *>(matrix);
 }
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_FILE_ID_H
+#define TAVU_TOOLS_FILE_ID_H
 
 #include <sys/stat.h>
 
@@ -13,3 +14,5 @@ struct FileId {
         return device == other.device && inode == other.inode;
     }
 };
+
+#endif

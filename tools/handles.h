@@ -1,5 +1,6 @@
 /** Owners of what the C libraries hand out. */
-#pragma once
+#ifndef TAVU_TOOLS_HANDLES_H
+#define TAVU_TOOLS_HANDLES_H
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -45,3 +46,5 @@ using SurfacePtr = std::unique_ptr<cairo_surface_t, FreeBy<cairo_surface_destroy
 using CairoPtr = std::unique_ptr<cairo_t, FreeBy<cairo_destroy>>;
 using ImagePtr = std::unique_ptr<tavu_imgb_t, ReleaseImage>;
 using ResizerPtr = std::unique_ptr<tavu_irsz_t, FreeBy<tavu_irsz_delete>>;
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_HEAT_MAP_H
+#define TAVU_TOOLS_HEAT_MAP_H
 
 #include <cstdint>
 #include <vector>
@@ -11,3 +12,5 @@
  */
 void write_heat_map(OutputFile &file, const std::vector<uint8_t> &pixels, int width, int height,
                     const std::vector<int32_t> &blocks);
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_INPUT_FILE_H
+#define TAVU_TOOLS_INPUT_FILE_H
 
 #include <cstdint>
 #include <string>
@@ -40,3 +41,5 @@ class InputFile {
     AVIOContext *io_ = nullptr;
     bool others_wanted_ = false;
 };
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_LABEL_H
+#define TAVU_TOOLS_LABEL_H
 
 #include <cstdint>
 #include <string>
@@ -15,3 +16,5 @@ std::string time_text(double seconds);
 
 /** Draws a line of text into the middle of a box, smaller than the box asks if it must be. */
 Label draw_label(const std::string &text, int width, int height);
+
+#endif

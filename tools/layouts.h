@@ -1,5 +1,6 @@
 /** The layouts of pixels that the program names. */
-#pragma once
+#ifndef TAVU_TOOLS_LAYOUTS_H
+#define TAVU_TOOLS_LAYOUTS_H
 
 #include <cstdint>
 #include <string>
@@ -24,3 +25,5 @@ const PixelLayout *find_layout(int32_t cs);
 
 /** Names of the layouts for which `test` holds. */
 std::vector<std::string> layout_names(bool (*test)(const PixelLayout &));
+
+#endif

@@ -1,5 +1,6 @@
 /** How large the pictures may be that the program takes into memory. */
-#pragma once
+#ifndef TAVU_TOOLS_LIMITS_H
+#define TAVU_TOOLS_LIMITS_H
 
 #include <cstdint>
 #include <string>
@@ -11,3 +12,5 @@ std::string too_large(int64_t width, int64_t height);
 
 /** Throws if a picture of this size is too large. */
 void check_pixels(int64_t width, int64_t height);
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_MEDIA_H
+#define TAVU_TOOLS_MEDIA_H
 
 #include <string>
 #include <vector>
@@ -57,3 +58,5 @@ class Media {
     std::string first_fault_;
     int faults_ = 0;
 };
+
+#endif

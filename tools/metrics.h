@@ -1,5 +1,6 @@
 /** How far two pictures are apart. */
-#pragma once
+#ifndef TAVU_TOOLS_METRICS_H
+#define TAVU_TOOLS_METRICS_H
 
 #include <cstdint>
 #include <vector>
@@ -21,3 +22,5 @@ Difference compare_luma(const tavu_imgb_t &a, const tavu_imgb_t &b);
 
 /** Infinite for 0. */
 double psnr(double mse);
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_NAMES_H
+#define TAVU_TOOLS_NAMES_H
 
 #include <cstdint>
 #include <string>
@@ -11,3 +12,5 @@ std::string printable(const std::string &text);
 
 /** The four characters of a FourCC; bytes that are not printable as \xNN. */
 std::string fourcc_text(uint32_t fourcc);
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_OUTPUT_FILE_H
+#define TAVU_TOOLS_OUTPUT_FILE_H
 
 #include <sys/stat.h>
 
@@ -41,3 +42,5 @@ class OutputFile {
     std::string temporary_;  ///< empty: the target is written directly
     std::FILE *file_ = nullptr;
 };
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_PACK_H
+#define TAVU_TOOLS_PACK_H
 
 #include <vector>
 
@@ -10,3 +11,5 @@
  * than that of the planes one of the combined routines is taken; throws UsageError without one.
  */
 std::vector<uint8_t> pack(const Planes &planes, const PixelLayout &to, int width, int height);
+
+#endif

@@ -1,5 +1,6 @@
 /** Decoded frames as image buffers. */
-#pragma once
+#ifndef TAVU_TOOLS_PICTURE_H
+#define TAVU_TOOLS_PICTURE_H
 
 #include "handles.h"
 
@@ -37,3 +38,5 @@ void read_grey(const AVFrame &frame, const tavu_imgb_t &to);
 
 /** The frame as full-range BT.601 4:2:0. */
 ImagePtr to_full_range_420(const AVFrame &frame);
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_PLANE_H
+#define TAVU_TOOLS_PLANE_H
 
 #include <cstdint>
 
@@ -24,3 +25,5 @@ void fill_plane(const Plane &plane, uint8_t value);
 
 /** Scales with the library's resizer. */
 void scale_plane(const Plane &from, const Plane &to);
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_PLANES_H
+#define TAVU_TOOLS_PLANES_H
 
 #include "handles.h"
 
@@ -16,3 +17,5 @@ struct Planes {
 Planes read_planes(const AVFrame &frame);
 
 Planes resize(const Planes &planes, int width, int height);
+
+#endif

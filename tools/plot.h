@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_PLOT_H
+#define TAVU_TOOLS_PLOT_H
 
 #include <string>
 
@@ -10,3 +11,5 @@
  * a name. Has gnuplot do it; throws WholeError without.
  */
 void plot_units(OutputFile &file, const std::string &name, const Track &track);
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_PNG_FILE_H
+#define TAVU_TOOLS_PNG_FILE_H
 
 #include <cstddef>
 #include <cstdint>
@@ -11,3 +12,5 @@ bool png_takes(int32_t cs);
 /** Writes packed pixels of a layout, and commits the file. Throws WholeError. */
 void write_png(OutputFile &file, int32_t cs, const uint8_t *pixels, int width, int height,
                size_t stride);
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_PROGRESS_H
+#define TAVU_TOOLS_PROGRESS_H
 
 #include <chrono>
 #include <cstdint>
@@ -26,3 +27,5 @@ class Progress {
     int64_t count_ = 0;
     Clock::time_point start_ = Clock::now(), next_ = start_ + std::chrono::milliseconds(500);
 };
+
+#endif

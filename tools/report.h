@@ -1,5 +1,6 @@
 /** What commands print: JSON in one form, and colours where they are wanted. */
-#pragma once
+#ifndef TAVU_TOOLS_REPORT_H
+#define TAVU_TOOLS_REPORT_H
 
 #include <nlohmann/json.hpp>
 
@@ -16,3 +17,5 @@ struct Colours {
 
     const char *bold = "", *red = "", *green = "", *plain = "";
 };
+
+#endif

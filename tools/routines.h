@@ -1,5 +1,6 @@
 /** The library's conversion routines by their pair of colour-space codes. */
-#pragma once
+#ifndef TAVU_TOOLS_ROUTINES_H
+#define TAVU_TOOLS_ROUTINES_H
 
 #include "tavu.h"
 
@@ -14,3 +15,5 @@ int32_t written_code(int32_t from, int32_t to);
  * there is none.
  */
 tavu_fn_csc_t find_routine(int32_t from, int32_t to, bool resizing);
+
+#endif

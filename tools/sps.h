@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_SPS_H
+#define TAVU_TOOLS_SPS_H
 
 #include <cstdint>
 #include <optional>
@@ -22,3 +23,5 @@ SequenceInfo read_sequence(const std::vector<uint8_t> &nal);
 
 /** Finds a parameter set in an avcC record or among NAL units with start codes, and reads it. */
 std::optional<SequenceInfo> find_sequence(const uint8_t *data, size_t size);
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_THUMBNAIL_H
+#define TAVU_TOOLS_THUMBNAIL_H
 
 #include "handles.h"
 
@@ -7,3 +8,5 @@ ImagePtr make_thumbnail(const tavu_imgb_t &picture, int width, int height);
 
 /** A packed R, G, B picture turned clockwise by 0 to 3 quarters. */
 ImagePtr turn(const tavu_imgb_t &picture, int quarters);
+
+#endif

@@ -1,4 +1,5 @@
-#pragma once
+#ifndef TAVU_TOOLS_TRACK_H
+#define TAVU_TOOLS_TRACK_H
 
 #include <algorithm>
 #include <optional>
@@ -33,3 +34,5 @@ struct Track {
 
 /** Describes all tracks and reads the whole file; faults on the way are noted in `media`. */
 std::vector<Track> read_tracks(Media &media, bool quiet);
+
+#endif
