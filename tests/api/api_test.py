@@ -1,6 +1,6 @@
-"""The shared library as the outside sees it: exported names, needs, hardening.
+"""The public API and the shared library's ELF: exported names, dependencies, hardening.
 
-usage: face_test.py LIBRARY HEADER OBJDUMP [COMPILER FLAGS] [hardened]
+usage: api_test.py LIBRARY HEADER OBJDUMP [COMPILER FLAGS] [hardened]
 """
 
 import re
@@ -13,10 +13,10 @@ LIBRARY, HEADER, OBJDUMP = sys.argv[1:4]
 SANITIZED = any("-fsanitize" in flag for flag in sys.argv[4:])
 HARDENED = "hardened" in sys.argv[4:]
 WRITABLE = {"tavu_irsz_tbl_rsz_weight"}
-# A full barrier, the store, a full barrier; on ARM then an event.
+# A full barrier, the store, a full barrier; on ARM followed by an event.
 WAKE_UP = {"x86": r"(mfence|lock).* movl?\s+%\w+,\s*\(%\w+\).*(mfence|lock)",
            "arm": r"\bdmb\b.*\bstr\b.*\bdsb\b.*\bsev\b"}
-# A library has no business printing or ending the process.
+# A library must not print or end the process.
 FORBIDDEN = re.compile(r"^(abort|exit|_exit|puts|putchar|printf|fprintf|vfprintf|fwrite|write)$")
 
 
@@ -25,12 +25,12 @@ def run(*command):
 
 
 def symbols(*flags):
-    """(kind, name) of dynamic symbols, versions cut off."""
+    """(kind, name) of the dynamic symbols, without versions."""
     rows = (line.split() for line in run("nm", "-D", *flags, LIBRARY).splitlines())
     return [(row[-2], row[-1].split("@")[0]) for row in rows]
 
 
-class Face(unittest.TestCase):
+class PublicApi(unittest.TestCase):
     def test_exported_names_are_those_of_the_header(self):
         text = re.sub(r"/\*.*?\*/", "", Path(HEADER).read_text(encoding="utf-8"), flags=re.S)
         text = re.sub(r"^#.*$", "", text, flags=re.M)
@@ -51,7 +51,7 @@ class Face(unittest.TestCase):
                          {name: name in v4 for name in kernels})
 
     def test_only_promised_data_is_writable(self):
-        # Loaders protect .data.rel.ro, once its addresses are set, and what is not called data.
+        # .rodata is read-only, and loaders write-protect .data.rel.ro after relocation.
         rows = re.findall(r"DO (\S+)\s.* (\w+)$", run(OBJDUMP, "-T", LIBRARY), flags=re.M)
         self.assertLess({".rodata"}, {section for section, _ in rows})
         protected = "*ABS*", "*UND*", ".rodata", ".data.rel.ro"
@@ -69,8 +69,8 @@ class Face(unittest.TestCase):
         self.assertRegex(code.replace("\t", " ").replace("\n", " "),
                          WAKE_UP["x86" if machine.group(1) == "86" else "arm"])
 
-    @unittest.skipIf(SANITIZED, "sanitizers add needs of their own")
-    def test_needs_nothing_but_the_c_library(self):
+    @unittest.skipIf(SANITIZED, "sanitizers add dependencies")
+    def test_depends_only_on_the_c_library(self):
         needed = re.findall(r"\(NEEDED\).*\[(.*)\]", run("readelf", "-dW", LIBRARY))
         loader = [name for name in needed if name.startswith("ld-linux")]  # part of the C library
         self.assertEqual(sorted(needed), sorted(["libc.so.6", *loader]))
