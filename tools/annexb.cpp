@@ -7,7 +7,7 @@ namespace {
 
 constexpr uint8_t START_CODE[] = {0, 0, 1};
 
-/** In both records the size less 1 is in the low bits of one byte. */
+/** In both records the low two bits of one byte hold the size minus 1. */
 int length_field(const AVCodecParameters &parameters, int offset) {
     const uint8_t *record = parameters.extradata;
     if (parameters.extradata_size <= offset || record[0] != 1) return 0;

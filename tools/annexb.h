@@ -10,21 +10,20 @@ extern "C" {
 #include <libavcodec/codec_par.h>
 }
 
-/** Zero bytes behind every unit made here, for readers that look a little beyond its end. */
+/** Zero bytes after every unit made here, because readers may look slightly past its end. */
 constexpr int UNIT_SLACK = 8;
 
-/** Bytes of the length in front of each NAL unit; 0 where units have start codes already. */
+/** Size of the length field before each NAL unit; 0 if units already have start codes. */
 int nal_length_size(const AVCodecParameters &parameters);
 
 /**
- * The same unit with start codes instead of lengths, and UNIT_SLACK bytes behind it. Stops at a
+ * The same unit with start codes instead of lengths, followed by UNIT_SLACK bytes. Stops at a
  * length that does not fit and sets `broken`.
  */
 std::vector<uint8_t> with_start_codes(const uint8_t *data, size_t size, int length_size,
                                       bool &broken);
 
-/** Payload of the first NAL unit that `wanted` accepts by its first byte; empty if there is none.
- */
+/** The first NAL unit whose first byte `wanted` accepts; empty if there is none. */
 std::vector<uint8_t> find_nal(const uint8_t *data, size_t size,
                               const std::function<bool(uint8_t)> &wanted);
 

@@ -25,7 +25,7 @@ double seconds_of(const Form &form, int64_t times) {
     return seconds_since(start);
 }
 
-/** How many calls take long enough for the clock, even when nothing disturbs them. */
+/** Number of calls that takes long enough for the clock, even if nothing disturbs them. */
 int64_t calls_of(const Form &form) {
     constexpr double LONG_ENOUGH = 0.0005;
     int64_t times = 1;
@@ -36,8 +36,8 @@ int64_t calls_of(const Form &form) {
 }
 
 /**
- * Nanoseconds of one call of each form: the least of many rounds, as whatever disturbs a round
- * makes it longer. Forms take turns, so that all see the same clock rate.
+ * Nanoseconds per call of each form: the minimum of many rounds, because disturbances only make a
+ * round longer. Forms take turns so that all see the same clock rate.
  */
 std::vector<double> nanoseconds_of(const std::vector<Form> &forms) {
     constexpr int LEAST_ROUNDS = 9;
@@ -67,7 +67,8 @@ struct Result {
 Result measure(const NamedCase &kernel) {
     const Case prepared = kernel.prepare();
     if (const Form *wrong = find_wrong_form(prepared))
-        throw WholeError(kernel.name + ": " + wrong->level + " and model give different results");
+        throw WholeError(kernel.name + ": " + wrong->level +
+                         " and the model give different results");
     Result result{kernel.name, kernel.shape, prepared.bytes, {}, nanoseconds_of(prepared.forms)};
     for (const Form &form : prepared.forms) result.levels.push_back(form.level);
     return result;
@@ -114,7 +115,7 @@ std::vector<NamedCase> chosen(const std::string &pattern) {
         return kernel.name.find(pattern) == std::string::npos;
     };
     cases.erase(std::remove_if(cases.begin(), cases.end(), other), cases.end());
-    if (cases.empty()) throw UsageError(pattern + ": no kernel's name has this in it (see --list)");
+    if (cases.empty()) throw UsageError(pattern + ": no kernel name contains this (see --list)");
     return cases;
 }
 

@@ -15,7 +15,7 @@
 
 namespace {
 
-/** Runs a step that is about one file: its failures name this one. */
+/** Runs a step that concerns one file; its errors name that file. */
 template <class Step>
 auto about(const std::string &path, Step step) {
     try {
@@ -25,7 +25,7 @@ auto about(const std::string &path, Step step) {
     }
 }
 
-/** One of the two sides. */
+/** One of the two inputs. */
 struct Clip {
     explicit Clip(const std::string &file) : path(file) {}
 
@@ -45,15 +45,15 @@ std::string size_text(const AVFrame &frame) {
     return std::to_string(frame.width) + "x" + std::to_string(frame.height);
 }
 
-/** Tells whether luma can be compared as it is; else both frames are converted as for a sheet. */
+/** Whether luma can be compared unchanged; otherwise both frames are converted as for a sheet. */
 bool comparable(const AVFrame &a, const AVFrame &b) {
     return has_luma_plane(a) && has_luma_plane(b) && is_full_range(a) == is_full_range(b);
 }
 
-ImagePtr luma_of(const AVFrame &frame, bool as_it_is) {
+ImagePtr luma_of(const AVFrame &frame, bool unchanged) {
     ImagePtr luma = make_luma(frame.width, frame.height);
     const Plane to = plane_of(*luma, 0);
-    if (as_it_is) {
+    if (unchanged) {
         copy_plane({frame.data[0], frame.width, frame.height, frame.linesize[0]}, to);
     } else {
         copy_plane(plane_of(*to_full_range_420(frame), 0), to);
@@ -66,11 +66,11 @@ struct Row {
     Difference difference;
 };
 
-/** The differences of all frames so far, and the first of the frames that differ most. */
+/** The differences of all frames so far, and the first frame with the highest SATD. */
 struct Comparison {
     void add(const AVFrame &a, const AVFrame &b, double seconds) {
-        const bool as_they_are = comparable(a, b);
-        Difference now = compare_luma(*luma_of(a, as_they_are), *luma_of(b, as_they_are));
+        const bool unchanged = comparable(a, b);
+        Difference now = compare_luma(*luma_of(a, unchanged), *luma_of(b, unchanged));
         if (!worst || now.satd > worst_satd) {
             worst.reset(av_frame_clone(&a));
             worst_satd = now.satd;
@@ -97,19 +97,19 @@ struct Comparison {
     std::vector<int32_t> worst_blocks;
 };
 
-/** Why the next frames of the two cannot be compared; empty if they can. */
+/** The reason why the next two frames cannot be compared; empty if they can. */
 std::string mismatch(const Clip &a, const AVFrame *in_a, const Clip &b, const AVFrame *in_b) {
     if (!in_a || !in_b) {
         const Clip &ended = in_a ? b : a, &longer = in_a ? a : b;
         return ended.path + ": ends after " + std::to_string(ended.frames.index() + 1) +
-               " frames, " + longer.path + " goes on";
+               " frames, " + longer.path + " has more";
     }
     if (in_a->width == in_b->width && in_a->height == in_b->height) return "";
     return a.path + ": pictures of " + size_text(*in_a) + ", but " + b.path + " has " +
            size_text(*in_b);
 }
 
-/** Compares as long as it can; returns why not to the end of both clips, or nothing. */
+/** Compares frames up to the first mismatch; returns its reason, empty if there is none. */
 std::string compare_frames(Clip &a, Clip &b, bool quiet, Comparison &comparison) {
     Progress progress("frames", quiet);
     const AVFrame *in_a = a.next(), *in_b = b.next();
@@ -140,7 +140,7 @@ void print_text(const Comparison &comparison) {
 }
 
 Json sums_json(const Difference &sum) {
-    // An infinite ratio becomes null.
+    // An infinite PSNR becomes null.
     return {{"sad", sum.sad}, {"ssd", sum.ssd}, {"psnr", psnr(sum.mse)}, {"satd", sum.satd}};
 }
 
@@ -178,6 +178,6 @@ void compare(const CommonOptions &common, const CompareOptions &options) {
     a.throw_faults();
     b.throw_faults();
     if (!stop.empty()) throw WholeError(stop);
-    if (comparison.rows.empty()) throw std::runtime_error("no frame to compare");
+    if (comparison.rows.empty()) throw std::runtime_error("no frames to compare");
     if (heat_map) save_heat_map(*heat_map, comparison);
 }

@@ -17,7 +17,7 @@ extern "C" {
 
 namespace {
 
-/** Tells what is missing of a file of raw planes, before it is read. */
+/** Throws if a file of raw planes is too short, before it is read. */
 void check_size(const std::string &input, const ConvertOptions &options) {
     std::error_code error;
     const auto found = static_cast<int64_t>(std::filesystem::file_size(input, error));
@@ -51,8 +51,8 @@ Planes read_frame(Media &media, const CommonOptions &common, const ConvertOption
     media.throw_faults();
     if (!frame)
         throw std::runtime_error("no frame " + std::to_string(options.frame) +
-                                 ", counted from 0; the file has " +
-                                 std::to_string(frames.index() + 1));
+                                 " (counted from 0); the file has " +
+                                 std::to_string(frames.index() + 1) + " frames");
     return read_planes(*frame);
 }
 
@@ -63,17 +63,17 @@ std::string extension(const std::string &path) {
     return text;
 }
 
-/** Refuses what a picture file of this extension cannot hold. */
+/** Refuses layouts that a picture file with this extension cannot hold. */
 void check(const std::string &kind, const ConvertOptions &options) {
     const PixelLayout &to = *options.to;
     for (const char *other : {".bmp", ".gif", ".jpeg", ".jpg", ".tif", ".tiff", ".webp"})
         if (kind == other)
             throw UsageError(options.output +
                              ": expected .png, .ppm, or for raw bytes an extension "
-                             "that no picture format has");
+                             "that is not a picture format's");
     if ((kind == ".png" && !png_takes(to.cs)) || (kind == ".ppm" && to.cs != TAVU_CS_RGB888))
-        throw UsageError(options.output + ": " + to.name + " does not fit into a " + kind +
-                         " file; give another extension for raw bytes");
+        throw UsageError(options.output + ": a " + kind + " file cannot hold " + to.name +
+                         "; use another extension for raw bytes");
 }
 
 void write(OutputFile &file, const std::string &kind, const PixelLayout &layout,

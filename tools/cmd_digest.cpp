@@ -40,7 +40,7 @@ void digest(const CommonOptions &common) {
     const bool talks = common.talks();
     if (talks) std::cout << "# index,time,size,md5\n";
     {
-        // Rows that appear on the terminal tell enough.
+        // Rows on the terminal already show the progress.
         Progress progress("frames", common.quiet || (talks && isatty(STDOUT_FILENO)));
         while (const AVFrame *frame = frames.next()) {
             const ImagePtr image = copy_frame(*frame);

@@ -36,7 +36,7 @@ void print_track(const Track &track) {
     std::cout << '\n';
 }
 
-/** Key frames are green, and where container and detector are at odds, red. */
+/** Key frames are green; units on which container and detector disagree are red. */
 void print_unit(int64_t index, const AccessUnit &unit, const Colours &colours) {
     const auto key = [](bool is_key) { return is_key ? "key" : "-"; };
     const char *colour = !agreed(unit) ? colours.red : by_container(unit) ? colours.green : "";
@@ -113,7 +113,7 @@ const Track &track_to_plot(const std::vector<Track> &tracks) {
     throw std::runtime_error("no video units to plot");
 }
 
-/** The file's name without its folders, cut where it would not fit over a plot. */
+/** The file name without directories, shortened to fit above a plot. */
 std::string short_name(const std::string &input) {
     constexpr size_t LONGEST = 60;
     if (input == "-") return "standard input";

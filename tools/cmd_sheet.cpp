@@ -18,7 +18,7 @@
 
 namespace {
 
-/** Height of a picture that is shown as wide as `width`; `turned` if frames lie on their side. */
+/** Height of a picture shown `width` wide; `turned` if frames are rotated by 90 degrees. */
 int picture_height(const AVFrame &frame, AVRational pixel_aspect, bool turned, int width) {
     constexpr double MAX_HEIGHT = 65535;
     const double ratio = frame.width * av_q2d(pixel_aspect) / frame.height;
@@ -30,7 +30,7 @@ int picture_height(const AVFrame &frame, AVRational pixel_aspect, bool turned, i
     return std::max(1, static_cast<int>(height));
 }
 
-/** Puts the wanted frames of a stream on a sheet that is as high as the first one demands. */
+/** Puts the selected frames of a stream on a sheet; the first one sets the picture height. */
 class SheetMaker {
   public:
     SheetMaker(Media &media, const AVStream &stream, const SheetOptions &options)
@@ -47,7 +47,7 @@ class SheetMaker {
     }
 
     const ContactSheet &sheet() const {
-        if (!sheet_) throw std::runtime_error("no frame to show");
+        if (!sheet_) throw std::runtime_error("no frames to show");
         return *sheet_;
     }
     const std::vector<double> &times() const { return times_; }

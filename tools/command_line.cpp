@@ -16,7 +16,7 @@ std::string names_of_commands(const CLI::App &app) {
 
 bool is_option(const std::string &text) { return text.size() > 1 && text[0] == '-'; }
 
-/** Takes the arguments of one command apart. */
+/** Splits the arguments of one command into options and files. */
 class Reader {
   public:
     Reader(const CLI::App &command, std::vector<std::string> arguments)
@@ -48,7 +48,7 @@ class Reader {
         files_.push_back(text);
     }
 
-    /** The last of several letters takes what is left for its value. */
+    /** The first letter that takes a value gets the rest of the text. */
     void take_letters(const std::string &text) {
         for (size_t i = 1; i < text.size(); i++) {
             const std::string name = {'-', text[i]};

@@ -5,17 +5,17 @@
 #include <string>
 #include <vector>
 
-/** The command of a name; null if there is none. */
+/** The command with this name; null if there is none. */
 const CLI::App *find_command(const CLI::App &app, const std::string &name);
 
 /**
- * The arguments in the one form that CLI11 reads without guessing: the command, its options as
- * --name=value, "--", and the files, in reverse. Throws CLI::ParseError for options in front of the
- * command, options that it lacks or that lack their value, and more files than it takes.
+ * The arguments in a form that CLI11 reads without guessing: the command, its options as
+ * --name=value, "--", and the files, in reverse order. Throws CLI::ParseError for options before
+ * the command, unknown options, missing values, and too many files.
  */
 std::vector<std::string> normalized(const CLI::App &app, int argc, char **argv);
 
-/** Throws CLI::ParseError if `option` is given with any other argument, except those `allowed`. */
+/** Throws CLI::ParseError if `option` is given with any argument that is not in `allowed`. */
 void require_alone(const CLI::App &command, const CLI::Option &option,
                    const std::vector<std::string> &allowed = {});
 

@@ -8,21 +8,21 @@
 #include "layouts.h"
 
 /**
- * A failure that is not about the input file; its text is a whole message. Every other exception
- * of a command is about the input file and carries the reason alone.
+ * An error that does not concern the input file; its text is the complete message. Any other
+ * exception of a command concerns the input file, and its text is only the reason.
  */
 struct WholeError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/** Options that do not go together. */
+/** Invalid arguments that are found after parsing. */
 struct UsageError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/** What every command takes. */
+/** Options of every command. */
 struct CommonOptions {
-    std::string input;  ///< the file that the command is about
+    std::string input;  ///< the file that the command reads
     bool json = false;
     bool quiet = false;
 

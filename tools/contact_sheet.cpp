@@ -28,7 +28,7 @@ void ContactSheet::add_row() {
     if (size > MOST)
         throw std::runtime_error("a sheet of " + std::to_string(columns_) + " columns of " +
                                  std::to_string(picture_w_) + "x" + std::to_string(picture_h_) +
-                                 " pictures takes over a gigabyte");
+                                 " pictures takes more than a gigabyte");
     pixels_.resize(size, GROUND);
 }
 

@@ -9,14 +9,14 @@
 #include "output_file.h"
 #include "tavu.h"
 
-/** Pictures of one size in rows, each with a text under it, on a dark ground. */
+/** Pictures of one size in rows on a dark background, each with a caption. */
 class ContactSheet {
   public:
     ContactSheet(int columns, int picture_width, int picture_height);
 
     int picture_width() const { return picture_w_; }
     int picture_height() const { return picture_h_; }
-    /** Of the whole sheet, which is as wide as the columns in use. */
+    /** Width of the whole sheet, which is as wide as the columns in use. */
     int width() const { return span(std::min(count_, columns_)); }
     int height() const { return static_cast<int>(pixels_.size() / stride()); }
 

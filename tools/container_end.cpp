@@ -6,7 +6,7 @@ namespace {
 
 constexpr int64_t UNKNOWN = -1;
 
-/** A number of `count` bytes, up to 8; 0 beyond the end. */
+/** Reads a number of `count` bytes, at most 8; 0 past the end of the file. */
 uint64_t big_endian(const InputFile &file, int64_t at, size_t count) {
     uint8_t bytes[8];
     uint64_t value = 0;
@@ -20,7 +20,7 @@ uint64_t little_endian(const InputFile &file, int64_t at, size_t count) {
     return __builtin_bswap64(value) >> (64 - 8 * count);
 }
 
-/** End of an element; lengths that no file has are damage and state nothing. */
+/** End of an element; unknown if the length is 0 or larger than any file, which is damage. */
 int64_t end_of(int64_t at, uint64_t size) {
     constexpr uint64_t LARGEST = uint64_t{1} << 60;
     return size > 0 && size < LARGEST ? at + static_cast<int64_t>(size) : UNKNOWN;
@@ -33,7 +33,7 @@ int64_t riff_end(const InputFile &file, int64_t at) {
     return end_of(at, 8 + size);
 }
 
-/** Only of boxes that are common, as other bytes may follow the last one. */
+/** Accepts only common boxes, because other bytes may follow the last one. */
 int64_t box_end(const InputFile &file, int64_t at) {
     constexpr const char *COMMON = "ftyp styp moov moof mdat sidx mfra free skip wide uuid meta";
     const uint64_t size = big_endian(file, at, 4);
@@ -43,10 +43,10 @@ int64_t box_end(const InputFile &file, int64_t at) {
     return size < 8 ? UNKNOWN : end_of(at, size);
 }
 
-/** A segment of unknown length is entered. */
+/** A segment of unknown length ends before its content, so that its elements are read next. */
 int64_t ebml_end(const InputFile &file, int64_t at) {
     constexpr uint64_t SEGMENT = 0x18538067;
-    const auto length_at = [&file](int64_t place) {  // of a number whose first bits state it
+    const auto length_at = [&file](int64_t place) {  // of a number; its first bits encode it
         const uint64_t first = big_endian(file, place, 1);
         return first == 0 ? 0 : __builtin_clzll(first) - 55;
     };

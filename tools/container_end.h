@@ -7,9 +7,9 @@
 #include "input_file.h"
 
 /**
- * Where the outermost elements of a file end by their own lengths, for a container of FFmpeg's name
- * `format`; no more than the file's size where nothing is stated. An end beyond that size means
- * that the file is cut short, which demuxers of these containers take for a regular end.
+ * The end of a file according to the lengths of its outermost elements; `format` is FFmpeg's name
+ * of the container. Without such lengths it does not exceed the file's size. An end past that size
+ * means that the file is truncated, which demuxers of these containers treat as a regular end.
  */
 int64_t stated_end(const InputFile &file, const std::string &format);
 

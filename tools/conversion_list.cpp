@@ -11,8 +11,8 @@
 namespace {
 
 constexpr const char *EQUATIONS = R"(
-A is alpha, 255 where the source has none. | parts planes; rows and planes follow without gaps.
-A 5-6-5 unit is 16 bits, low byte first, each byte drawn from its highest bit.
+A is alpha, 255 if the source has none. | separates planes; rows and planes have no gaps.
+A 5-6-5 pixel has 16 bits, low byte first; each byte is shown from its highest bit.
 
 Matrix and range: ITU-R BT.601, full range as in JPEG; u = U - 128, v = V - 128.
   R = Y + ((359 v + 128) >> 8)
@@ -21,10 +21,10 @@ Matrix and range: ITU-R BT.601, full range as in JPEG; u = U - 128, v = V - 128.
   Y = (77 R + 150 G + 29 B + 128) >> 8
   U = 128 + ((-43 R - 85 G + 128 B + 128) >> 8)
   V = 128 + ((128 R - 107 G - 21 B + 128) >> 8)
-Rounding: shifts round down, so that the 128 rounds to nearest; results are held in 0..255, but a U
-or V outside becomes 255. 5-6-5 units keep the upper bits.
-Resizing is bilinear. From YUV it is done in 16 bits that wrap: strong colours come out far off,
-but for the last width % 8 pixels of each row.
+Rounding: shifts round down, so adding 128 rounds to nearest. Results are clamped to 0..255, except
+that a U or V out of range becomes 255. 5-6-5 pixels keep the upper bits.
+Resizing is bilinear. From YUV it uses 16-bit arithmetic that wraps: saturated colours come out
+wrong, except in the last width % 8 pixels of each row.
 The same-size routines to rgb888 and rgba8888 also write bgr888 (B G R) and bgra8888 (B G R A).
 )";
 
@@ -44,11 +44,11 @@ std::string drawing_of(int32_t from, int32_t to) {
 
 struct Pair {
     int32_t from, to;
-    bool same, resizing;  ///< whether there is a routine for one size, or for two
+    bool same, resizing;  ///< whether there is a routine for equal sizes, for different sizes
 };
 
 std::vector<Pair> offered_pairs() {
-    constexpr int32_t END = 1000;  // codes are below it
+    constexpr int32_t END = 1000;  // all codes are smaller
     std::vector<Pair> pairs;
     for (int32_t from = 0; from < END; from++)
         for (int32_t to = 0; to < END; to++) {

@@ -7,7 +7,7 @@
 
 namespace {
 
-/** Refuses large pictures before their memory is taken. */
+/** Refuses large pictures before their memory is allocated. */
 int get_buffer(AVCodecContext *decoder, AVFrame *frame, int flags) {
     auto &reason = *static_cast<std::string *>(decoder->opaque);
     reason = too_large(frame->width, frame->height);
@@ -52,11 +52,11 @@ const AVFrame *FrameReader::next() {
     return frame_.get();
 }
 
-/** Takes a wanted frame from the decoder; false when it has none. */
+/** Receives a selected frame from the decoder; false if it has none. */
 bool FrameReader::receive() {
     int status = 0;
     while ((status = avcodec_receive_frame(decoder_.get(), frame_.get())) >= 0) {
-        // Some decoders do not ask for memory of their own.
+        // Some decoders do not call get_buffer().
         too_large_ = too_large(frame_->width, frame_->height);
         if (!too_large_.empty()) {
             fault(too_large_);
@@ -69,7 +69,7 @@ bool FrameReader::receive() {
     return false;
 }
 
-/** Gives the decoder the stream's next packet, at the end of the file null, which drains it. */
+/** Sends the stream's next packet to the decoder; at the end of the file null, which drains it. */
 void FrameReader::feed() {
     bool found = false;
     while (!found && media_.read(*packet_)) {

@@ -6,8 +6,8 @@
 enum class Pick { ALL, KEY_FRAMES };
 
 /**
- * Decodes a video stream frame by frame. Packets that cannot be decoded are noted as faults of the
- * media file.
+ * Decodes a video stream frame by frame. Packets that cannot be decoded are recorded as faults of
+ * the media file.
  */
 class FrameReader {
   public:
@@ -16,12 +16,12 @@ class FrameReader {
     FrameReader &operator=(const FrameReader &) = delete;
 
     /**
-     * The next frame, for Pick::KEY_FRAMES of those alone, valid until the next call; null at the
-     * end.
+     * The next frame, or the next key frame for Pick::KEY_FRAMES, valid until the next call; null
+     * at the end.
      */
     const AVFrame *next();
 
-    /** Frames returned so far, less 1. */
+    /** Number of frames returned so far, minus 1. */
     int64_t index() const { return index_; }
     /** Time of the last frame returned. */
     double seconds() const {

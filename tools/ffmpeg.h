@@ -1,4 +1,4 @@
-/** Functions for which FFmpeg 5.1 and 7.1 have different interfaces. */
+/** Functions whose interfaces differ between FFmpeg 5.1 and 7.1. */
 #ifndef TAVU_TOOLS_FFMPEG_H
 #define TAVU_TOOLS_FFMPEG_H
 
@@ -15,7 +15,7 @@ inline bool is_key_frame(const AVFrame &frame) {
 #endif
 }
 
-/** The matrix by which the stream's frames are to be shown, or null. */
+/** The display matrix of the stream's frames, or null. */
 inline const int32_t *display_matrix(const AVStream &stream) {
 #if LIBAVCODEC_VERSION_INT >= AV_VERSION_INT(60, 30, 100)
     const AVCodecParameters &parameters = *stream.codecpar;

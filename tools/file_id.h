@@ -3,7 +3,7 @@
 
 #include <sys/stat.h>
 
-/** Identifies a file, whatever its names. */
+/** Identifies a file regardless of its names. */
 struct FileId {
     dev_t device = 0;
     ino_t inode = 0;

@@ -1,4 +1,4 @@
-/** Owners of what the C libraries hand out. */
+/** Owning pointers to objects of C libraries. */
 #ifndef TAVU_TOOLS_HANDLES_H
 #define TAVU_TOOLS_HANDLES_H
 

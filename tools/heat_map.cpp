@@ -19,7 +19,7 @@ void blend(uint8_t *pixel, const double (&colour)[3], double opacity) {
         pixel[c] = static_cast<uint8_t>(std::lround(pixel[c] + (colour[c] - pixel[c]) * opacity));
 }
 
-/** Tints by a value of 0..1: from violet over red to yellow, ever lighter. */
+/** Tints by a value in 0..1: from violet through red to yellow, increasingly light. */
 void tint(uint8_t *pixel, double value, double opacity) {
     constexpr double STOPS[][3] = {
         {40, 10, 140}, {126, 3, 168}, {204, 71, 120}, {248, 149, 64}, {240, 249, 33}};
@@ -31,15 +31,15 @@ void tint(uint8_t *pixel, double value, double opacity) {
     blend(pixel, colour, opacity);
 }
 
-/** Makes the pixel grey first, so that its own colour is not taken for a value. */
+/** Makes the pixel grey first, so that its own colour is not mistaken for a value. */
 void mark(uint8_t *pixel, double value) {
     const int grey = (77 * pixel[0] + 150 * pixel[1] + 29 * pixel[2] + 128) >> 8;
     std::fill_n(pixel, 3, static_cast<uint8_t>(grey));
-    // The smallest values are seen too, and the largest do not hide the picture.
+    // The smallest values are visible, and the largest do not hide the picture.
     tint(pixel, value, 0.6 + 0.25 * value);
 }
 
-/** Centred: surfaces of labels are narrower than the widest pictures. */
+/** Draws centred text, because labels are narrower than the widest pictures. */
 void draw_text(uint8_t *pixels, const std::string &text, int width) {
     constexpr double COLOUR[3] = {INK, INK, INK};
     const Label label = draw_label(text, std::min(width, 4096), LABEL_H);
@@ -51,7 +51,7 @@ void draw_text(uint8_t *pixels, const std::string &text, int width) {
     }
 }
 
-/** The colours of all values from 0 to `top`, with a text under them, in the rows from `pixels` on. */
+/** Draws the colours of all values from 0 to `top`, and a caption below, from row `pixels` on. */
 void draw_scale(uint8_t *pixels, int width, int32_t top) {
     for (int i = 0; i < SCALE_H * width; i++, pixels += 3)
         tint(pixels, static_cast<double>(i % width) / (width - 1), 1);

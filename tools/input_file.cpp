@@ -25,7 +25,7 @@ FilePtr open(const std::string &path) {
     return file;
 }
 
-/** Pipes in a file of their own, as many formats are read to and fro. */
+/** Copies a pipe to a temporary file, because many formats need seeking. */
 FilePtr copy_of(std::FILE *pipe) {
     FilePtr copy(std::tmpfile());
     char bytes[1 << 16];
@@ -36,18 +36,18 @@ FilePtr copy_of(std::FILE *pipe) {
     return copy;
 }
 
-FilePtr searchable(FilePtr file) {
+FilePtr seekable(FilePtr file) {
     struct stat status{};
     if (fstat(fileno(file.get()), &status) != 0) fail("");
     if (S_ISDIR(status.st_mode)) throw std::runtime_error(std::strerror(EISDIR));
     if (S_ISREG(status.st_mode)) return file;
     if (isatty(fileno(file.get())))
         throw std::runtime_error("it is a terminal; expected a media file");
-    if (S_ISCHR(status.st_mode)) throw std::runtime_error("not a media file but a device");
+    if (S_ISCHR(status.st_mode)) throw std::runtime_error("it is a device; expected a media file");
     return copy_of(file.get());
 }
 
-/** One reader's place in a file. */
+/** A reader's position in a file. */
 struct Cursor {
     int descriptor;
     int64_t at, end;
@@ -93,7 +93,7 @@ int close_io(AVFormatContext *, AVIOContext *io) {
     return 0;
 }
 
-/** The path itself could hold a pattern or a protocol. */
+/** Replaces the path, which could contain a pattern or a protocol. */
 std::string url_of(const std::string &path) {
     constexpr size_t LONGEST = 16;
     const std::string extension = std::filesystem::path(path).extension();
@@ -105,7 +105,7 @@ std::string url_of(const std::string &path) {
 
 }  // namespace
 
-InputFile::InputFile(const std::string &path) : file_(searchable(open(path))), url_(url_of(path)) {
+InputFile::InputFile(const std::string &path) : file_(seekable(open(path))), url_(url_of(path)) {
     struct stat status{};
     if (fstat(fileno(file_.get()), &status) != 0) fail("");
     id_ = FileId(status);

@@ -8,8 +8,8 @@
 #include "handles.h"
 
 /**
- * A file opened for reading, "-" for standard input. FFmpeg reads it through io(), and can open it
- * again but no other file.
+ * A file opened for reading, "-" for standard input. FFmpeg can open it repeatedly, and no other
+ * file.
  */
 class InputFile {
   public:
@@ -20,14 +20,14 @@ class InputFile {
 
     FileId id() const { return id_; }
     int64_t size() const { return size_; }
-    /** False if the file ends before `size` bytes from `at` on. */
+    /** Reads `size` bytes from position `at` on; false if the file ends before. */
     bool read(int64_t at, void *bytes, size_t size) const;
 
-    /** A stand-in for the path with the same extension, by which some formats are recognised. */
+    /** A name with the path's extension, by which some formats are recognised. */
     const std::string &url() const { return url_; }
     /** Makes a context read this file and open no other one. */
     void attach(AVFormatContext &context);
-    /** Whether a context wanted to open another file. */
+    /** Whether a context tried to open another file. */
     bool others_wanted() const { return others_wanted_; }
 
   private:

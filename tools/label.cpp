@@ -10,16 +10,16 @@
 
 namespace {
 
-/** Sets the largest font that fits into the box; returns the extents of the text in it. */
+/** Sets the largest font size that fits the box; returns the extents of the text. */
 cairo_text_extents_t fit_font(cairo_t *cairo, const char *text, int width, int height) {
     cairo_text_extents_t extents;
-    const double room =
-        0.94 * width;  // glyphs may be wider than their extents by a part of a pixel
+    // Glyphs may exceed their extents by a fraction of a pixel.
+    const double max_width = 0.94 * width;
     double size = 0.8 * height;
     cairo_set_font_size(cairo, size);
     cairo_text_extents(cairo, text, &extents);
-    if (extents.width > room) {
-        size *= room / extents.width;
+    if (extents.width > max_width) {
+        size *= max_width / extents.width;
         cairo_set_font_size(cairo, size);
         cairo_text_extents(cairo, text, &extents);
     }
@@ -28,7 +28,7 @@ cairo_text_extents_t fit_font(cairo_t *cairo, const char *text, int width, int h
 
 void draw_text(cairo_surface_t *surface, const char *text, int width, int height) {
     const CairoPtr cairo(cairo_create(surface));
-    // Cairo's own font looks the same on every machine and needs none installed.
+    // Cairo's built-in font looks the same on every machine and needs no installed fonts.
     cairo_select_font_face(cairo.get(), "@cairo:sans", CAIRO_FONT_SLANT_NORMAL,
                            CAIRO_FONT_WEIGHT_BOLD);
     const cairo_text_extents_t extents = fit_font(cairo.get(), text, width, height);

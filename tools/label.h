@@ -5,16 +5,16 @@
 #include <string>
 #include <vector>
 
-/** Coverage of the pixels of a text, 0..255. */
+/** Pixel coverage of a text, 0..255. */
 struct Label {
     int width, height;
     std::vector<uint8_t> coverage;
 };
 
-/** "m:ss.mmm", from an hour on "h:mm:ss.mmm". */
+/** "m:ss.mmm", or "h:mm:ss.mmm" from one hour on. */
 std::string time_text(double seconds);
 
-/** Draws a line of text into the middle of a box, smaller than the box asks if it must be. */
+/** Draws a line of text centred in a box, in a smaller size if it is too wide. */
 Label draw_label(const std::string &text, int width, int height);
 
 #endif

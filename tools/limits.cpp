@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 std::string too_large(int64_t width, int64_t height) {
-    // Four buffers of 4 bytes per pixel: decoded, packed, in planes, and as written.
+    // Four buffers of 4 bytes per pixel: decoded, packed, planar, and as written.
     constexpr int BYTES_PER_PIXEL = 16;
     if (width * height <= MOST_PIXELS) return "";
     char text[160];

@@ -1,4 +1,4 @@
-/** How large the pictures may be that the program takes into memory. */
+/** The size limit of pictures in memory. */
 #ifndef TAVU_TOOLS_LIMITS_H
 #define TAVU_TOOLS_LIMITS_H
 
@@ -7,7 +7,7 @@
 
 constexpr int64_t MOST_PIXELS = int64_t{1} << 27;
 
-/** Empty if a picture of this size is taken, else one sentence: its memory and the limit. */
+/** Empty if a picture of this size is allowed, else a sentence with its memory and the limit. */
 std::string too_large(int64_t width, int64_t height);
 
 /** Throws if a picture of this size is too large. */

@@ -23,7 +23,7 @@ int complain(const std::string &message, int status) {
 }
 
 int run(int argc, char **argv, Arguments &arguments) {
-    CLI::App app{"Look into media files with libtavu.", "tavu"};
+    CLI::App app{"Inspect media files with libtavu.", "tavu"};
     arguments.define(app);
     try {
         app.parse(normalized(app, argc, argv));
@@ -40,7 +40,7 @@ int run(int argc, char **argv, Arguments &arguments) {
     return 0;
 }
 
-/** Closed streams stay unusable, instead of being the next files that are opened. */
+/** Keeps the descriptors of closed standard streams from being used for the next opened files. */
 void occupy_closed_streams() {
     for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; stream++)
         if (fcntl(stream, F_GETFD) < 0) open("/dev/null", O_PATH);

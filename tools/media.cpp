@@ -16,7 +16,7 @@ extern "C" {
 
 namespace {
 
-/** True for formats whose files name other files to read. */
+/** True for formats whose files refer to other files. */
 bool is_refused(const std::string &format) {
     constexpr const char *REFUSED[] = {"avisynth", "concat", "dash",        "hls",   "imf",
                                        "rtsp",     "sdp",    "vapoursynth", "vobsub"};
@@ -25,7 +25,7 @@ bool is_refused(const std::string &format) {
 
 [[noreturn]] void fail_to_open(int status, const InputFile &file) {
     if (file.others_wanted())
-        throw std::runtime_error("it names other files to read; only the named file is opened");
+        throw std::runtime_error("it refers to other files; only the named file is opened");
     if (status == AVERROR_INVALIDDATA || status == AVERROR_EOF)
         throw std::runtime_error("not a media file, or damaged");
     throw std::runtime_error(av_error_text(status));
@@ -37,9 +37,9 @@ const AVInputFormat *find_format(AVFormatContext &context, const InputFile &file
         av_probe_input_buffer2(context.pb, &format, file.url().c_str(), nullptr, 0, 0);
     if (status < 0) fail_to_open(status, file);
     if (is_refused(format->name))
-        throw std::runtime_error("it names other files to read (" + std::string(format->name) +
+        throw std::runtime_error("it refers to other files (" + std::string(format->name) +
                                  "); only the named file is opened");
-    // This one takes any text for a picture if only the file's name ends in .txt.
+    // This format accepts any text as a picture if the file name ends in .txt.
     if (std::strcmp(format->name, "tty") == 0) throw std::runtime_error("not a media file");
     return format;
 }
@@ -63,7 +63,7 @@ FormatPtr open(InputFile &file, const RawVideo *raw) {
     return FormatPtr(opened);
 }
 
-/** Decodes a little where the container leaves parameters open. */
+/** Decodes the first packets to find parameters that the container does not state. */
 void find_parameters(AVFormatContext &context) {
     std::vector<AVDictionary *> options(context.nb_streams);
     for (AVDictionary *&option : options) av_dict_set_int(&option, "max_pixels", MOST_PIXELS, 0);
@@ -86,7 +86,7 @@ Media::Media(const std::string &path, const RawVideo *raw)
     if (streams_.empty()) throw std::runtime_error("no tracks");
     const int64_t end = stated_end(file_, context_->iformat->name);
     if (end > file_.size())
-        add_fault("cut short: it has " + std::to_string(file_.size()) + " of " +
+        add_fault("truncated: it has " + std::to_string(file_.size()) + " of " +
                   std::to_string(end) + " bytes");
     if (!raw) return;
     streams_[0]->codecpar->color_range = raw->limited ? AVCOL_RANGE_MPEG : AVCOL_RANGE_JPEG;
@@ -104,7 +104,7 @@ bool Media::read(AVPacket &packet) {
         av_packet_unref(&packet);
         const int status = av_read_frame(context_.get(), &packet);
         if (status < 0) {
-            if (status != AVERROR_EOF) add_fault("cannot read on: " + av_error_text(status));
+            if (status != AVERROR_EOF) add_fault("cannot read further: " + av_error_text(status));
             return false;
         }
         if (packet.flags & AV_PKT_FLAG_CORRUPT) add_fault("truncated or damaged");
@@ -120,11 +120,11 @@ void Media::throw_faults() const {
     if (faults_ == 1) throw std::runtime_error(first_fault_);
     if (faults_ > 1)
         throw std::runtime_error(first_fault_ + " (and " + std::to_string(faults_ - 1) +
-                                 " more faults)");
+                                 " more errors)");
 }
 
 double Media::seconds(const AVStream &stream, int64_t timestamp, int64_t index) const {
-    constexpr double UNIT = 1e6;  // of what is printed
+    constexpr double UNIT = 1e6;  // microseconds, as printed
     double time = 0;
     if (timestamp == AV_NOPTS_VALUE) {
         const AVRational rate =

@@ -10,14 +10,14 @@
 /** FFmpeg's text for an error code. */
 std::string av_error_text(int code);
 
-/** How to read a file of bare BT.601 planes. */
+/** How to read a file of raw BT.601 planes. */
 struct RawVideo {
-    std::string size;    ///< for example "320x180"
+    std::string size;    ///< such as "320x180"
     std::string format;  ///< FFmpeg's name of the pixel format
     bool limited;        ///< range of the samples
 };
 
-/** A media file opened for reading, "-" for standard input; throws when it cannot be opened. */
+/** A media file opened for reading, "-" for standard input; throws if it cannot be opened. */
 class Media {
   public:
     explicit Media(const std::string &path, const RawVideo *raw = nullptr);
@@ -27,28 +27,28 @@ class Media {
 
     const std::vector<AVStream *> &streams() const { return streams_; }
 
-    /** The stream to decode; throws when there is no video. */
+    /** The stream to decode; throws if there is no video. */
     AVStream &best_video() const;
 
     /**
-     * Reads the next packet of any stream known at opening; false at the end. Damage is noted as a
-     * fault, not thrown, so that callers can first show what they got.
+     * Reads the next packet of any stream known at opening; false at the end. Damage is recorded as
+     * a fault, not thrown, so that callers can first show the results up to there.
      */
     bool read(AVPacket &packet);
 
     void add_fault(const std::string &reason);
-    /** Throws if faults were noted. */
+    /** Throws if faults were recorded. */
     void throw_faults() const;
 
-    /** Seconds from the start of the file, to the microsecond; `index` stands in for a timestamp. */
+    /** Seconds from the start, rounded to microseconds; by `index` if there is no timestamp. */
     double seconds(const AVStream &stream, int64_t timestamp, int64_t index) const;
 
-    /** Quarter turns, clockwise, by which the stream's frames are to be shown. */
+    /** Number of clockwise quarter turns with which to show the stream's frames. */
     static int quarter_turns(const AVStream &stream);
     AVRational pixel_aspect(const AVStream &stream, const AVFrame &frame) const;
-    /** False for containers whose codec tags are no FourCC and no wave-format tag. */
+    /** False for containers whose codec tags are neither FourCCs nor wave-format tags. */
     bool has_codec_tags() const;
-    /** The part of the file that is read, 0..1; 0 when unknown. */
+    /** Fraction of the file read so far, 0..1; 0 if unknown. */
     double progress() const;
 
   private:

@@ -6,7 +6,7 @@ namespace {
 
 constexpr int TILE = 64, BLOCK = 8;
 
-/** Calls `use` with the positions in both pictures of each square that covers visible pixels. */
+/** Calls `use` with the addresses in both pictures of each square that covers visible pixels. */
 template <class Use>
 void for_each_square(const tavu_imgb_t &a, const tavu_imgb_t &b, int size, Use use) {
     for (int y = 0; y < a.h; y += size)

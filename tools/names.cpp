@@ -33,7 +33,7 @@ std::string escaped(unsigned byte) {
     return text;
 }
 
-/** Length in bytes of the UTF-8 character at `at`; 0 if it is none, or a control character. */
+/** Length in bytes of the UTF-8 character at `at`; 0 if it is invalid or a control character. */
 size_t printable_length(const std::string &text, size_t at) {
     constexpr uint32_t LEAST[] = {0, 0, 0xA0, 0x800, 0x10000}, LARGEST = 0x10FFFF;
     const auto byte = [&](size_t i) -> uint32_t {

@@ -17,15 +17,15 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/** What a signal handler removes; null: nothing. */
+/** The file that the signal handler removes, or null. */
 std::atomic<const char *> unfinished{nullptr};
 
 extern "C" void remove_unfinished(int signal) {
     if (const char *path = unfinished) unlink(path);
-    raise(signal);  // the default action, which is in force again, ends the program
+    raise(signal);  // SA_RESETHAND has restored the default action, which ends the program
 }
 
-/** Of all signals that by default end the program; others are left to whoever asked for them. */
+/** Handles all signals that end the program by default, unless their action was changed. */
 void handle_signals() {
     constexpr int HARMLESS[] = {SIGCHLD, SIGCONT, SIGSTOP,  SIGTSTP, SIGTTIN,
                                 SIGTTOU, SIGURG,  SIGWINCH, SIGKILL};
@@ -40,7 +40,7 @@ void handle_signals() {
     }
 }
 
-/** Signals wait while an object of this class lives. */
+/** Blocks signals while an object of this class exists. */
 class HoldSignals {
   public:
     HoldSignals() {
@@ -100,19 +100,19 @@ void OutputFile::refuse(const struct stat &target, std::initializer_list<FileId>
 }
 
 void OutputFile::open_standard_output() {
-    if (isatty(STDOUT_FILENO)) fail("it is a terminal; send it to a file or a pipe");
+    if (isatty(STDOUT_FILENO)) fail("it is a terminal; redirect it to a file or a pipe");
     file_ = stdout;
 }
 
 void OutputFile::open(const fs::path &path, const struct stat *old) {
-    // Renaming onto a device would put a file in its place.
+    // Renaming onto a device would replace it with a file.
     if (old && S_ISCHR(old->st_mode)) {
         file_ = std::fopen(path.c_str(), "wb");
         if (!file_) fail(std::strerror(errno));
         return;
     }
     if (old && S_ISDIR(old->st_mode)) fail("it is a directory");
-    if (old && !S_ISREG(old->st_mode)) fail("it is no regular file");
+    if (old && !S_ISREG(old->st_mode)) fail("it is not a regular file");
     if (old && access(path.c_str(), W_OK) != 0) fail(std::strerror(errno));
     std::error_code error;
     target_ = old ? fs::canonical(path, error) : path;
@@ -137,7 +137,7 @@ bool OutputFile::make_temporary() {
     return file_ != nullptr;
 }
 
-/** The owner as far as the system lets us; a new file gets what open() would give it. */
+/** Keeps the owner if the system allows it; a new file gets the mode that open() would set. */
 bool OutputFile::keep_owner_and_mode(const struct stat *old) const {
     constexpr mode_t NEW = 0666, PERMISSIONS = 0777;
     const mode_t mask = umask(0);

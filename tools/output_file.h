@@ -11,10 +11,10 @@
 #include "file_id.h"
 
 /**
- * A file beside the target that takes its place when it is complete; nothing of it stays when the
- * program fails or is ended by a signal. "-" is standard output, which like other devices is written
- * directly. Throws WholeError, or UsageError for a target that is one of the inputs. There is one at
- * a time.
+ * A temporary file in the target's directory that replaces the target when complete. It is removed
+ * if the program fails or a signal ends it. "-" is standard output, which like other devices is
+ * written directly. Throws WholeError, or UsageError if the target is one of the inputs. There can
+ * be only one at a time.
  */
 class OutputFile {
   public:

@@ -9,13 +9,13 @@
 
 namespace {
 
-/** Where a routine writes. */
+/** The output planes of a routine. */
 struct Target {
     uint8_t *planes[4];
     int32_t strides[4];
 };
 
-/** `units` is for the 5-6-5 units of rgba5658, which its routine writes apart from their alpha. */
+/** `units` gets the 5-6-5 pixels of rgba5658, which its routine writes separately from alpha. */
 Target target_of(const PixelLayout &to, uint8_t *out, uint8_t *units, int width, int height) {
     const size_t pixels = static_cast<size_t>(width) * static_cast<size_t>(height);
     switch (to.cs) {
@@ -35,7 +35,7 @@ struct Conversion {
     int32_t from;
 };
 
-/** Prefers a routine that keeps alpha, if there is any; the routine is null if there is none. */
+/** Prefers a routine that keeps alpha, if the picture has any; null if there is no routine. */
 Conversion choose(const Planes &planes, const PixelLayout &to, bool resizing) {
     for (const bool alpha : {planes.alpha, !planes.alpha}) {
         const int32_t from = planes.code(alpha);
@@ -45,21 +45,21 @@ Conversion choose(const Planes &planes, const PixelLayout &to, bool resizing) {
     return {nullptr, 0};
 }
 
-/** R, G, B planes as Y, U, V. */
+/** Converts R, G, B planes to Y, U, V. */
 Planes to_yuv(const Planes &planes) {
     const tavu_imgb_t &from = *planes.image;
     std::vector<uint8_t> rgba = pack(planes, *find_layout(TAVU_CS_RGBA8888), from.w, from.h);
     Planes yuv{make_image(from.w, from.h, from.cs), false, planes.alpha};
     uint8_t *const channels[4] = {&rgba[0], &rgba[1], &rgba[2], &rgba[3]};
     const int32_t stride = 4 * from.w, strides[4] = {stride, stride, stride, stride};
-    // The lookup knows no packed sources.
+    // The lookup does not offer packed sources.
     tavu_csc_r8g8b8a8_to_yuv444a8(channels, from.w, from.h, strides, TAVU_CS_RGBA8888,
                                   yuv.image->addr, from.w, from.h, yuv.image->stride,
                                   yuv.image->cs);
     return yuv;
 }
 
-/** The combined routines trust sizes; they have the limits of the resizer, which checks them. */
+/** The combined routines do not check sizes; the resizer does, and has the same limits. */
 void check_limits(const tavu_imgb_t &from, int width, int height) {
     tavu_irsz_param param{};
     param.fmt = TAVU_IRSZ_8B;

@@ -7,8 +7,8 @@
 #include "planes.h"
 
 /**
- * Converts to a layout with the library's routines, rows and planes without gaps. To another size
- * than that of the planes one of the combined routines is taken; throws UsageError without one.
+ * Converts to a layout with the library's routines, without gaps between rows or planes. Uses a
+ * combined routine if the size differs from that of the planes; throws UsageError if there is none.
  */
 std::vector<uint8_t> pack(const Planes &planes, const PixelLayout &to, int width, int height);
 

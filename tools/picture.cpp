@@ -44,7 +44,7 @@ const AVPixFmtDescriptor &description(const AVFrame &frame) {
     return *av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
 }
 
-/** Reads one component, brought to 8 bits of full range. */
+/** Reads one component, converted to 8-bit full range. */
 void read_component(const AVFrame &frame, int component, bool full_range, const Plane &to) {
     const AVPixFmtDescriptor &format = description(frame);
     const int depth = format.comp[component].depth, unit = 1 << (depth - 8);
@@ -62,11 +62,11 @@ void read_component(const AVFrame &frame, int component, bool full_range, const 
     }
 }
 
-/** A converter to full range at the same size; null if it cannot be had. */
+/** A converter to full range at the same size; null if that is not supported. */
 ScalerPtr make_scaler(const AVFrame &frame, AVPixelFormat format) {
     ScalerPtr scaler(sws_alloc_context());
     if (!scaler) return nullptr;
-    // A change of matrix goes through RGB; full chroma there keeps its error below 2.
+    // A change of matrix goes through RGB, where full chroma keeps the error below 2.
     constexpr int FLAGS = SWS_BILINEAR | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT;
     const std::pair<const char *, int> options[] = {{"srcw", frame.width},
                                                     {"srch", frame.height},
@@ -77,7 +77,7 @@ ScalerPtr make_scaler(const AVFrame &frame, AVPixelFormat format) {
                                                     {"src_range", is_full_range(frame)},
                                                     {"dst_range", 1},
                                                     {"sws_flags", FLAGS}};
-    // The ranges must be known from the start: later they are not always followed.
+    // Ranges must be set before initialization: later changes do not always take effect.
     for (const auto &[name, value] : options) av_opt_set_int(scaler.get(), name, value, 0);
     if (sws_init_context(scaler.get(), nullptr, nullptr) < 0) return nullptr;
     constexpr int ONE = 1 << 16;
@@ -121,8 +121,8 @@ bool has_luma_plane(const AVFrame &frame) {
 }
 
 ImagePtr make_image(int width, int height, int cs) {
-    // Rows of whole vectors, for converters may write a vector beyond the last pixel; and an even
-    // number of rows, for chroma is doubled.
+    // Whole vectors per row, because converters may write a vector past the last pixel, and an even
+    // number of rows, because chroma is doubled.
     constexpr uint32_t EVEN = 32 << 16 | 2;
     constexpr uint32_t ALIGN[4] = {EVEN, EVEN, EVEN, EVEN};
     ImagePtr image(

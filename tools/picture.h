@@ -4,7 +4,7 @@
 
 #include "handles.h"
 
-/** Throws when it cannot be made. */
+/** Throws if it cannot be created. */
 ImagePtr make_image(int width, int height, int cs);
 
 constexpr int NO_LAYOUT = -1;
@@ -12,7 +12,7 @@ constexpr int NO_LAYOUT = -1;
 /** Colour-space code of a pixel format's layout, or NO_LAYOUT. */
 int layout_code(int format);
 
-/** The plain format of one whose name says full range, which is kept apart here. */
+/** The plain format for one whose name implies full range; the range is kept separately. */
 AVPixelFormat plain_format(int format);
 
 /** True for luma alone or with alpha, of 8 bits or more. */
@@ -23,12 +23,12 @@ bool is_full_range(const AVFrame &frame);
 /** True if the frame has a plane of 8-bit luma, whatever its chroma. */
 bool has_luma_plane(const AVFrame &frame);
 
-/** The frame's samples as they are; throws for pixel formats without a matching layout. */
+/** The frame's samples unchanged; throws for pixel formats without a matching layout. */
 ImagePtr copy_frame(const AVFrame &frame);
 
 /**
- * Converts the frame to a planar format; YUV comes in the full-range BT.601 form that the library
- * converts from.
+ * Converts the frame to a planar format; YUV becomes full-range BT.601, from which the library
+ * converts.
  */
 void convert_frame(const AVFrame &frame, AVPixelFormat format, uint8_t *const planes[4],
                    const int strides[4]);

@@ -5,7 +5,7 @@
 
 #include "tavu.h"
 
-/** One plane of 8-bit samples in somebody's memory. */
+/** One plane of 8-bit samples; does not own its memory. */
 struct Plane {
     uint8_t *at;
     int width, height, stride;
@@ -15,10 +15,10 @@ struct Plane {
     }
 };
 
-/** A plane of a planar picture, chroma with the size that the picture's layout gives it. */
+/** A plane of a planar picture; the size of chroma depends on the layout. */
 Plane plane_of(const tavu_imgb_t &image, int index);
 
-/** Copies between planes of one size. */
+/** Copies between planes of equal size. */
 void copy_plane(const Plane &from, const Plane &to);
 
 void fill_plane(const Plane &plane, uint8_t value);

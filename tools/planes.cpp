@@ -13,8 +13,8 @@ extern "C" {
 namespace {
 
 /**
- * Doubles one or both sizes of a plane. It is scaled with one more column and row, which repeat the
- * last ones: then target sample i lies at i / 2 exactly.
+ * Doubles one or both dimensions of a plane. The source is scaled with one more column and row,
+ * which repeat the last ones: this puts target sample i exactly at i / 2.
  */
 void enlarge(const Plane &from, const Plane &to) {
     const int width = from.width + 1, height = from.height + 1;
@@ -36,7 +36,7 @@ void enlarge_chroma(const tavu_imgb_t &from, const tavu_imgb_t &to) {
     for (int index = 1; index < 3; index++) enlarge(plane_of(from, index), plane_of(to, index));
 }
 
-/** By way of packed pixels, to which swscale converts every kind of 8-bit RGB without loss. */
+/** Reads packed pixels, to which swscale converts every kind of 8-bit RGB without loss. */
 void read_rgb(const AVFrame &frame, const tavu_imgb_t &to) {
     const ImagePtr packed = make_image(frame.width, frame.height, TAVU_CS_RGBA8888);
     convert_frame(frame, AV_PIX_FMT_RGBA, packed->addr, packed->stride);

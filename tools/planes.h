@@ -7,13 +7,13 @@
 struct Planes {
     ImagePtr image;
     bool rgb = false;
-    bool alpha = false;  ///< false: the alpha plane holds 255 alone
+    bool alpha = false;  ///< false: the alpha plane is all 255
 
-    /** Colour-space code of the planes, taken with or without that of alpha. */
+    /** Colour-space code of the planes, with or without alpha. */
     int32_t code(bool with_alpha) const;
 };
 
-/** The samples of a frame; chroma is brought to full size with the library's resizer. */
+/** The samples of a frame; chroma is enlarged to full size with the library's resizer. */
 Planes read_planes(const AVFrame &frame);
 
 Planes resize(const Planes &planes, int width, int height);

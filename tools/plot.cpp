@@ -27,7 +27,7 @@ set offsets 0, 0, graph 0.05, 0
 set key outside bottom center horizontal reverse Left
 )";
 
-/** A string of gnuplot's language. */
+/** A string literal for gnuplot. */
 std::string quoted(const std::string &text) {
     std::string out = "'";
     for (const char c : text) {
@@ -37,7 +37,7 @@ std::string quoted(const std::string &text) {
     return out + "'";
 }
 
-/** Times from the first unit to the last, and the usual distance of two of them. */
+/** Times of the first and the last unit, and the usual interval between units. */
 struct Timeline {
     double first = 0, last = 0, step = 0.04;
 };
@@ -49,10 +49,10 @@ Timeline timeline_of(const Track &track) {
     Timeline timeline{times.front(), times.back()};
     for (size_t i = 1; i < times.size(); i++) steps.push_back(times[i] - times[i - 1]);
     if (steps.empty()) return timeline;
-    // The median, as streams may pause.
+    // The median, because streams may pause.
     const auto middle = steps.begin() + static_cast<ptrdiff_t>(steps.size() / 2);
     std::nth_element(steps.begin(), middle, steps.end());
-    // Bars stay wide enough to be seen.
+    // Keeps bars wide enough to be visible.
     timeline.step = std::max({*middle, (timeline.last - timeline.first) / 900, 0.001});
     return timeline;
 }
@@ -69,7 +69,7 @@ Unit unit_of(const Track &track) {
     return most >= 2e3 ? Unit{"kilobytes", 1e3} : Unit{"bytes", 1};
 }
 
-/** Rows of time, bytes, key frame, detector at odds. */
+/** Rows of time, bytes, key frame, and whether the detector disagrees. */
 std::string data_of(const Track &track, double scale) {
     std::string rows = "$units << END\n";
     for (const AccessUnit &unit : track.units)
@@ -103,11 +103,11 @@ std::string script_of(const std::string &name, const Track &track) {
     if (track.count([](const AccessUnit &u) { return u.container_key != u.detector_key; }) > 0)
         script +=
             ", $units using 1:($4 > 0 ? $2 : NaN) with points pt 4 ps 1.2 lw 2 lc '#222222' "
-            "title 'detector says otherwise'";
+            "title 'detector disagrees'";
     return script + "\n";
 }
 
-/** Runs gnuplot on a script that lies in a file; returns its exit status. */
+/** Runs gnuplot on a script file; returns its exit status. */
 int run_gnuplot(std::FILE *script, std::FILE *picture) {
     const char *const arguments[] = {"gnuplot", "--default-settings", "-", nullptr};
     posix_spawn_file_actions_t actions;
@@ -120,7 +120,7 @@ int run_gnuplot(std::FILE *script, std::FILE *picture) {
                                    const_cast<char *const *>(arguments), environ);
     posix_spawn_file_actions_destroy(&actions);
     if (error != 0)
-        throw WholeError(std::string("gnuplot, which draws plots, does not start: ") +
+        throw WholeError(std::string("cannot start gnuplot, which draws plots: ") +
                          std::strerror(error));
     int status = 0;
     while (waitpid(child, &status, 0) < 0 && errno == EINTR) continue;
@@ -134,7 +134,7 @@ void plot_units(OutputFile &file, const std::string &name, const Track &track) {
     const std::string text = script_of(name, track);
     if (!script || std::fwrite(text.data(), 1, text.size(), script.get()) != text.size() ||
         std::fflush(script.get()) != 0 || std::fseek(script.get(), 0, SEEK_SET) != 0)
-        file.fail(std::string("no temporary file: ") + std::strerror(errno));
+        file.fail(std::string("cannot write a temporary file: ") + std::strerror(errno));
     if (run_gnuplot(script.get(), file.get()) != 0) file.fail("gnuplot failed");
     file.commit();
 }

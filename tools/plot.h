@@ -7,8 +7,8 @@
 #include "track.h"
 
 /**
- * Draws the bytes of a track's access units over time, key frames marked, as a PNG file titled with
- * a name. Has gnuplot do it; throws WholeError without.
+ * Draws a PNG file titled `name`: the bytes of a track's access units over time, key frames marked.
+ * Runs gnuplot; throws WholeError if that fails.
  */
 void plot_units(OutputFile &file, const std::string &name, const Track &track);
 

@@ -6,7 +6,7 @@
 
 #include "output_file.h"
 
-/** Tells whether pixels of a layout can be written: the packed ones of 8 bits a channel. */
+/** Whether pixels of a layout can be written: true for packed layouts with 8 bits per channel. */
 bool png_takes(int32_t cs);
 
 /** Writes packed pixels of a layout, and commits the file. Throws WholeError. */

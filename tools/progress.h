@@ -4,17 +4,17 @@
 #include <chrono>
 #include <cstdint>
 
-/** Tells on a terminal how far a long job is, how fast, and how long it still takes. */
+/** Shows the progress, speed and remaining time of a long job on a terminal. */
 class Progress {
   public:
-    /** `units` names what step() counts. */
+    /** `units` is the name of the items that step() counts. */
     Progress(const char *units, bool quiet);
     Progress(const Progress &) = delete;
     Progress &operator=(const Progress &) = delete;
-    /** Cleans up behind itself. */
+    /** Clears the line. */
     ~Progress();
 
-    /** Counts one more; `part` of the whole job, 0..1, is done, or 0 if that is unknown. */
+    /** Counts one item; `part` is the fraction of the job that is done, 0..1, or 0 if unknown. */
     void step(double part);
 
   private:

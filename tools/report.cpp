@@ -15,21 +15,21 @@ std::string variable(const char *name) {
     return value ? value : "";
 }
 
-/** JSON itself lets DEL and the second set of control characters stand. */
+/** Also escapes DEL and the C1 control characters, which JSON permits. */
 std::string with_controls_escaped(const std::string &json) {
     std::string out;
     for (size_t i = 0; i < json.size(); i++) {
         const auto byte = static_cast<uint8_t>(json[i]);
         const auto next = static_cast<uint8_t>(i + 1 < json.size() ? json[i + 1] : 0);
-        const bool second_set = byte == 0xC2 && next < 0xA0;
-        if (!second_set && byte != 0x7F) {
+        const bool c1 = byte == 0xC2 && next < 0xA0;
+        if (!c1 && byte != 0x7F) {
             out += json[i];
             continue;
         }
         char text[7];
-        std::snprintf(text, sizeof text, "\\u%04x", second_set ? next : byte);
+        std::snprintf(text, sizeof text, "\\u%04x", c1 ? next : byte);
         out += text;
-        i += second_set;
+        i += c1;
     }
     return out;
 }

@@ -1,4 +1,4 @@
-/** What commands print: JSON in one form, and colours where they are wanted. */
+/** Output of the commands: JSON and terminal colours. */
 #ifndef TAVU_TOOLS_REPORT_H
 #define TAVU_TOOLS_REPORT_H
 
@@ -8,10 +8,10 @@ using Json = nlohmann::ordered_json;
 
 void print_json(const Json &json);
 
-/** True for a terminal that follows escape codes. */
+/** True for a terminal that supports escape codes. */
 bool takes_escapes(int descriptor);
 
-/** Escape codes for a stream: empty unless it takes them and NO_COLOR is not set. */
+/** Escape codes for a stream: empty unless it supports them and NO_COLOR is not set. */
 struct Colours {
     explicit Colours(int descriptor);
 

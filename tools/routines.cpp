@@ -12,7 +12,7 @@ int32_t written_code(int32_t from, int32_t to) {
 }
 
 tavu_fn_csc_t find_routine(int32_t from, int32_t to, bool resizing) {
-    // At one size the routines for R, G, B order also write B, G, R if told so.
+    // The same-size routines for R, G, B order also write B, G, R, depending on the target code.
     if (!resizing && to == TAVU_CS_BGR888) to = TAVU_CS_RGB888;
     if (!resizing && to == TAVU_CS_BGRA8888) to = TAVU_CS_RGBA8888;
     return written_code(from, to) == to ? offered_routine(from, to, resizing) : nullptr;

@@ -10,7 +10,7 @@ namespace {
 
 [[noreturn]] void fail() { throw std::runtime_error("broken H.264 sequence parameter set"); }
 
-/** Drops the 03 that is put after each 00 00 of a NAL unit. */
+/** Removes the emulation prevention byte 03 after each 00 00 of a NAL unit. */
 std::vector<uint8_t> without_emulation_prevention(const std::vector<uint8_t> &nal) {
     std::vector<uint8_t> out;
     int zeros = 0;
@@ -22,14 +22,14 @@ std::vector<uint8_t> without_emulation_prevention(const std::vector<uint8_t> &na
     return out;
 }
 
-/** The library's bit reader with checked ends and ranges. */
+/** The library's bit reader with end and range checks. */
 class Reader {
   public:
     explicit Reader(const std::vector<uint8_t> &data) {
         tavu_bsr_init(&bs_, data.data(), static_cast<int32_t>(data.size()), nullptr);
     }
 
-    int bits(int count) {  // below 32, so that -1 is no value
+    int bits(int count) {  // fewer than 32, so that -1 is not a value
         const int32_t value = tavu_bsr_read(&bs_, count);
         if (value < 0 || bs_.leftbits < 0) fail();
         return value;
@@ -70,7 +70,7 @@ bool has_chroma_fields(int profile) {
 /** Returns the chroma format. */
 int read_chroma_fields(Reader &reader) {
     const int chroma_format = reader.ue(3);
-    if (chroma_format == 3) reader.flag();  // planes coded apart
+    if (chroma_format == 3) reader.flag();  // separate colour planes
     reader.ue(6);                           // luma bit depth
     reader.ue(6);                           // chroma bit depth
     reader.flag();                          // lossless transform bypass
@@ -90,7 +90,7 @@ void skip_order_count(Reader &reader) {
 }
 
 void read_size(Reader &reader, int chroma_format, SequenceInfo &info) {
-    constexpr int MAX_BLOCKS = 4096;  // 65,536 pixels, far above what any level allows
+    constexpr int MAX_BLOCKS = 4096;  // 65,536 pixels, far above the limit of any level
     const int columns = reader.ue(MAX_BLOCKS - 1) + 1;
     const int rows = reader.ue(MAX_BLOCKS - 1) + 1;
     const int fields = reader.flag() ? 1 : 2;
@@ -112,7 +112,7 @@ bool is_sequence(uint8_t header) { return (header & 0x1F) == 7; }
 
 /** The first parameter set of an avcC record; empty if it has none. */
 std::vector<uint8_t> first_of_record(const uint8_t *data, size_t size) {
-    constexpr size_t SETS = 8;  // behind the count and the first length
+    constexpr size_t SETS = 8;  // after the count and the first length
     if (size < SETS || (data[5] & 0x1F) == 0) return {};
     const size_t length = static_cast<size_t>(data[6]) << 8 | data[7];
     if (length == 0 || length > size - SETS) fail();
@@ -147,7 +147,7 @@ SequenceInfo read_sequence(const std::vector<uint8_t> &nal) {
     info.profile = reader.bits(8);
     info.constraints = reader.bits(8);
     info.level = reader.bits(8);
-    reader.ue(31);  // its number
+    reader.ue(31);  // parameter set id
     const int chroma_format = has_chroma_fields(info.profile) ? read_chroma_fields(reader) : 1;
     reader.ue(12);  // frame number bits
     skip_order_count(reader);

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-/** What an H.264 sequence parameter set tells about a stream. */
+/** Properties of a stream from its H.264 sequence parameter set. */
 struct SequenceInfo {
     int profile = 0;            ///< profile_idc
     int constraints = 0;        ///< constraint_set0_flag in bit 7, and so on
@@ -14,7 +14,7 @@ struct SequenceInfo {
     int width = 0, height = 0;  ///< after cropping
 
     std::string profile_name() const;
-    /** For example "1.3" or "1b". */
+    /** Such as "1.3" or "1b". */
     std::string level_name() const;
 };
 

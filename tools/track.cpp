@@ -9,8 +9,8 @@
 namespace {
 
 /**
- * Streams without a container have no tag: these get the codec's usual FourCC, or for audio its
- * wave-format tag.
+ * The codec's usual FourCC, or for audio its wave-format tag. Used for streams without a container,
+ * which have no tag.
  */
 uint32_t canonical_tag(const AVCodecParameters &parameters) {
     switch (parameters.codec_id) {
@@ -61,7 +61,7 @@ class UnitReader {
         track_.units.push_back({media_.seconds(stream_, time, index), packet.size,
                                 (packet.flags & AV_PKT_FLAG_KEY) != 0, false});
         if (length_size_ == 0) {
-            detect(packet.data, packet.size);  // packets have readable slack
+            detect(packet.data, packet.size);  // packets have readable padding
         } else {
             detect_length_prefixed(packet);
         }

@@ -9,7 +9,7 @@
 #include "media.h"
 #include "sps.h"
 
-/** One coded video picture as it lies in the file. */
+/** One coded video picture as stored in the file. */
 struct AccessUnit {
     double seconds;
     int bytes;
@@ -32,7 +32,7 @@ struct Track {
     }
 };
 
-/** Describes all tracks and reads the whole file; faults on the way are noted in `media`. */
+/** Describes all tracks and reads the whole file; faults are recorded in `media`. */
 std::vector<Track> read_tracks(Media &media, bool quiet);
 
 #endif

@@ -38,7 +38,7 @@ TEST(Md5, KnownDigests) {
     EXPECT_EQ(md5(std::string(1000000, 'a')), "7707d6ae4e027c70eea2a935c2296f21");
 }
 
-// The digest of all digests of the prefixes of a pattern, made by an independent implementation.
+// The digest of all digests of the prefixes of a pattern, computed with Python's hashlib.
 TEST(Md5, EveryLengthUpTo300InPiecesOfAnySizeAndAlignment) {
     std::string pattern;
     for (int i = 0; i < 300; i++) pattern += static_cast<char>((i * 7 + 3) % 256);
@@ -52,8 +52,8 @@ TEST(Md5, EveryLengthUpTo300InPiecesOfAnySizeAndAlignment) {
     }
 }
 
-// The padding, added by hand, must give the same: the length is that of all bytes, in two words.
-TEST(Md5, CountsBitsInTwoWordsAndForgetsEverythingAtTheEnd) {
+// Padding appended by hand must give the same digest: its length counts all bits, in two words.
+TEST(Md5, CountsBitsInTwoWordsAndClearsTheContextAtTheEnd) {
     tavu_md5_t context;
     tavu_md5_init(&context);
     context.bits[0] = 0xFFFFFE00;
@@ -78,8 +78,8 @@ TEST(Md5, CountsBitsInTwoWordsAndForgetsEverythingAtTheEnd) {
 }
 
 #if defined(NDEBUG) && defined(__x86_64__)
-// 2^29 bytes in one call have 2^32 bits. The memory is one page that is never written. The half
-// gigabyte takes a second, but half a minute with sanitizers or an emulator.
+// 2^29 bytes in one call have 2^32 bits. The mapping is never written, so it takes no memory.
+// Hashing takes a second, but half a minute with sanitizers or an emulator.
 TEST(Md5, OneCallMayAddMoreBitsThanAWordCounts) {
     constexpr size_t SIZE = size_t{1} << 29;
     void *zeros = mmap(nullptr, SIZE, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -97,7 +97,7 @@ struct Region {
     int first, rows, bytes;
 };
 
-// An image buffer whose whole payload is filled, padding too.
+// An image buffer whose whole payload is filled, including the padding.
 struct Picture {
     Picture(int w, int h, int cs, const uint32_t *pad = nullptr)
         : image(tavu_imgb_create(w, h, cs, 0, nullptr, pad, nullptr, nullptr, nullptr)) {
@@ -112,7 +112,7 @@ struct Picture {
         EXPECT_EQ(tavu_md5_imgb(image, out), TAVU_OK);
         return hex(out);
     }
-    // What should be hashed of the planes, both of chroma alike.
+    // The bytes that should be hashed; both chroma planes have the same region.
     std::string bytes(const Region &luma, const Region &chroma) const {
         std::string text;
         for (int plane = 0; plane < 3; plane++) {
@@ -127,17 +127,17 @@ struct Picture {
     tavu_imgb_t *image;
 };
 
-TEST(Md5Imgb, HashesTheVisibleRowsAlone) {
+TEST(Md5Imgb, HashesOnlyTheVisibleRows) {
     constexpr uint32_t PAD = 5 << 16 | 4;
     const struct {
-        const char *what;
+        const char *name;
         int w, h, cs, x, y;
         uint32_t pad;
         Region luma, chroma;
     } cases[] = {
-        {"padding is left out", 3, 3, 11, 0, 0, PAD, {0, 3, 3}, {0, 2, 2}},
+        {"padding is not hashed", 3, 3, 11, 0, 0, PAD, {0, 3, 3}, {0, 2, 2}},
         {"no chroma", 5, 4, 10, 0, 0, 0, {0, 4, 5}, {0, 0, 0}},
-        {"chroma counts as halved in every layout", 5, 4, 43, 0, 0, 0, {0, 4, 5}, {0, 2, 3}},
+        {"chroma is treated as 4:2:0 in every layout", 5, 4, 43, 0, 0, 0, {0, 4, 5}, {0, 2, 3}},
         {"an origin lowers the start and shortens rows", 9, 8, 11, 3, 5, 0, {5, 3, 6}, {2, 2, 3}},
         {"half of -3 is -2", 5, 7, 11, -3, -3, PAD, {-3, 10, 8}, {-2, 6, 4}},
     };
@@ -146,11 +146,11 @@ TEST(Md5Imgb, HashesTheVisibleRowsAlone) {
         const Picture p(c.w, c.h, c.cs, pad);
         p.image->x = c.x;
         p.image->y = c.y;
-        EXPECT_EQ(p.digest(), md5(p.bytes(c.luma, c.chroma))) << c.what;
+        EXPECT_EQ(p.digest(), md5(p.bytes(c.luma, c.chroma))) << c.name;
     }
 }
 
-// The largest height has no successor in 32 bits. All rows are the same one.
+// The largest height plus 1 overflows 32 bits. A stride of 0 makes all rows the same.
 TEST(Md5Imgb, LargestHeight) {
     const Picture p(5, 4, 11);
     for (int32_t &stride : p.image->stride) stride = 0;

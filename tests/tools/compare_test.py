@@ -1,4 +1,4 @@
-"""tavu compare: its sums against plain arithmetic, its PSNR against ffmpeg's, its heat maps."""
+"""tavu compare: sums checked by plain arithmetic, PSNR by ffmpeg's, and heat maps."""
 
 import json
 import math
@@ -14,7 +14,7 @@ def ratio(ssd, samples):
 
 
 def satd(residual, w, h, x0, y0):
-    """Of one 8x8 block, by the definition of the transform; beyond the picture all is equal."""
+    """SATD of one 8x8 block by the definition of the transform; the residual is 0 outside."""
     hadamard = [[(-1) ** bin(i & j).count("1") for j in range(8)] for i in range(8)]
     product = lambda a, b: [[sum(map(int.__mul__, row, column)) for column in zip(*b)] for row in a]
     block = [[residual[y * w + x] if x < w and y < h else 0 for x in range(x0, x0 + 8)]
@@ -25,7 +25,7 @@ def satd(residual, w, h, x0, y0):
 
 class Compare(Case):
     def clip(self, name, w, h, frames):
-        """Luma alone."""
+        """A clip of luma only."""
         head = f"YUV4MPEG2 W{w} H{h} F10:1 Ip A1:1 Cmono\n".encode()
         return self.written(name, head + b"".join(b"FRAME\n" + bytes(frame) for frame in frames))
 
@@ -58,7 +58,7 @@ class Compare(Case):
         self.assertEqual(rows[4][:3], ["total", str(total["sad"]), str(total["ssd"])])
 
     @needs_ffmpeg
-    def test_psnr_is_ffmpegs(self):
+    def test_psnr_equals_ffmpegs(self):
         for name in "h264.mp4", "hevc.mp4", "mpeg4.avi", "wmv2.avi", "huffyuv.avi":
             other = self.path("other.nut")
             ffmpeg("-i", sample(name), "-map", "0:v", "-fps_mode", "passthrough", "-vf",
@@ -77,7 +77,7 @@ class Compare(Case):
                 self.assertAlmostEqual(total["psnr"], float(average), delta=0.00001)
 
     @needs_ffmpeg
-    def test_ranges_depths_and_rgb_are_made_alike(self):
+    def test_ranges_depths_and_rgb_are_converted(self):
         limited = self.made("limited.mkv", "64x48", "-c:v", "ffv1", "-pix_fmt", "yuv420p")
         for options in ["-vf", "scale=out_range=full", "-color_range", "pc"], \
                 ["-pix_fmt", "yuv420p10le"], ["-pix_fmt", "gbrp"]:
@@ -87,12 +87,12 @@ class Compare(Case):
 
     @needs_ffmpeg
     def test_heat_map(self):
-        """Of the frame that differs most: hot where it differs most, the picture elsewhere."""
+        """Shows the frame with the highest SATD: differing blocks tinted, others unchanged."""
         w, h = 44, 30
         first = [bytes(random.Random(seed).choices(range(128), k=w * h)) for seed in range(4)]
         second = [bytearray(frame) for frame in first]
         second[0][0] += 8
-        for frame in second[1:3]:  # of equal ones the first is shown
+        for frame in second[1:3]:  # the first of equal ones is shown
             frame[29 * w + 43] += 8
             for y in range(8, 16):
                 frame[y * w + 16] += 127

@@ -1,4 +1,4 @@
-"""tavu convert: every pixel against the documented equations."""
+"""tavu convert: every pixel checked by the documented equations."""
 
 import functools
 import random
@@ -27,7 +27,7 @@ def from_rgb(r, g, b, a=255):
 
 
 def layout(target, pixels):
-    """The bytes of a layout."""
+    """The pixels as bytes of a layout."""
     planes = lambda keys: bytes(p[key] for key in keys for p in pixels)
     units = [(p["r"] >> 3 << 11 | p["g"] >> 2 << 5 | p["b"] >> 3).to_bytes(2, "little")
              for p in pixels]
@@ -50,7 +50,7 @@ class Convert(Case):
         return read(self.path(out))
 
     def sources(self):
-        """Files with what is in them, pixel by pixel."""
+        """(path, options, function from samples to a pixel, samples of each pixel)"""
         three, four, size = self.planes[:3], self.planes, ["--size", f"{W}x{H}", "--cs", "43"]
         yield self.written("four.yuv", b"".join(four)), size, from_yuv, zip(*four)
         head = f"YUV4MPEG2 W{W} H{H} F25:1 Ip C444 XCOLORRANGE=FULL\nFRAME\n".encode()
@@ -72,14 +72,14 @@ class Convert(Case):
         for path, options, meaning, samples in self.sources():
             pixels = [meaning(*sample) for sample in samples]
             for target in [*PACKED, *PLANAR, "rgb565", "rgb565a8", "rgba5658"]:
-                if target == "rgba5658":  # exists for Y, U, V alone
+                if target == "rgba5658":  # exists only for Y, U, V
                     pixels = [from_yuv(*(p[key] for key in "yuva")) for p in pixels]
                 with self.subTest(source=path, target=target):
                     self.assertEqual(self.converted(path, "--to", target, *options),
                                      layout(target, pixels))
 
     def test_chroma_is_interpolated(self):
-        """Chroma sample x / 2 belongs to sample x; what lies between is the mean of two or four."""
+        """Chroma sample x / 2 is at sample x; samples between are the mean of two or four."""
         for cs, across, down in ("yuv420", 2, 2), ("yuv422", 2, 1), ("yuv440", 1, 2):
             w, h = -(-W // across), -(-H // down)
             around = lambda at, step, end: (at // step, min(-(-at // step), end - 1))
@@ -113,7 +113,7 @@ class Convert(Case):
         self.assertLess(sum(abs(a - b) for a, b in zip(shown, true)) / len(true), 5)
 
     def test_resizing(self):
-        """A ramp tells of every sample where it comes from."""
+        """The value of a ramp identifies the source position of each sample."""
         ramp = lambda x, y: 2 * x + 3 * y
         raw = bytes(ramp(x, y) for y in range(40) for x in range(60))
         options = [self.written("ramp.yuv", raw), "--size", "60x40", "--cs", "10", "--to", "yuv444",
@@ -129,8 +129,8 @@ class Convert(Case):
             to = [ppm, "--to", target, "--resize", "50x9"]
             self.assertEqual(self.converted(*to, "--one-pass"), self.converted(*to))
 
-    def test_sizes_that_the_routines_cannot_take(self):
-        """Up to 8192 units of a power of two pixels, by which pictures are thinned out."""
+    def test_sizes_that_the_routines_do_not_support(self):
+        """Up to 8192 units of 1 << shift pixels, where shift is the decimation shift."""
         refused = functools.partial(self.fails, says="too large to scale")
         for w, h, to, check in (8192, 2, "9000x2", self.ok), (8193, 2, "9000x2", refused), \
                 (2, 12000, "8x11000", refused), (12000, 3, "8000x64", refused), \

@@ -1,4 +1,4 @@
-"""tavu digest against ffmpeg's frame digests."""
+"""tavu digest, checked by ffmpeg's frame digests."""
 
 import hashlib
 import re
@@ -13,7 +13,7 @@ def frame_digests(path):
 
 @needs_ffmpeg
 class Digest(Case):
-    def test_digests_times_and_sizes_are_ffmpegs(self):
+    def test_digests_times_and_sizes_equal_ffmpegs(self):
         for name in YUV420:
             with self.subTest(name):
                 head, *rows = self.ok("digest", sample(name)).splitlines()

@@ -1,4 +1,4 @@
-"""What goes wrong: one line that names the file, a status, and no half-written file."""
+"""Errors: one line that names the file, an exit status, and no partly written file."""
 
 import json
 import os
@@ -10,7 +10,7 @@ import subprocess
 from tool_case import (COMMANDS, PLAYLISTS, TAVU, Case, ffmpeg, needs_ffmpeg, packets, png_head,
                        read, run, sample)
 
-# A line feed, escape sequences of both kinds, bytes that are no UTF-8; and characters that stay.
+# A line feed, escape sequences of both kinds, bytes that are not UTF-8, and printable characters.
 CONTROLS = b"a\n\x1b[1m\x7f\xc2\x9b2J\xff\xc0\xaf\xed\xa0\x80\xc3: \xc3\xa9\xf0\x9f\x8e\xac"
 SHOWN = r"a\x0a\x1b[1m\x7f\xc2\x9b2J\xff\xc0\xaf\xed\xa0\x80\xc3: é🎬"
 
@@ -22,7 +22,7 @@ class Failures(Case):
             with self.subTest(command):
                 self.fails(*command, says=says or path)
 
-    def test_files_that_are_no_media(self):
+    def test_files_that_are_not_media(self):
         self.everywhere(self.path("missing.mp4"))
         self.everywhere(self.directory)
         self.everywhere(self.written("empty.mp4", b""))
@@ -43,7 +43,7 @@ class Failures(Case):
 
     @needs_ffmpeg
     def test_containers_that_end_early(self):
-        """Their demuxers take any end for a regular one."""
+        """Their demuxers treat any end as a regular one."""
         video = {"x.mkv": ["-c", "copy"], "x.ogv": ["-an", "-c:v", "libtheora"],
                  "live.mkv": ["-c", "copy", "-live", "1"]}
         for name, options in video.items():
@@ -51,12 +51,12 @@ class Failures(Case):
         for path in *map(self.path, video), sample("wmv1.wmv"), sample("div3.avi"):
             self.ok("probe", path)
             cut = self.written("cut" + path[-4:], read(path)[:os.path.getsize(path) // 2])
-            out = self.fails("digest", cut, says="cut short" if "live" not in path else cut)
+            out = self.fails("digest", cut, says="truncated: " if "live" not in path else cut)
             self.assertGreater(len(out.splitlines()), 5, path)
             self.fails("probe", cut, says=cut)
 
     def test_no_other_file_is_read(self):
-        """Neither by a playlist nor by a name that is a pattern."""
+        """Neither through a playlist nor through a name that is a pattern."""
         for name, text in PLAYLISTS.items():
             self.everywhere(self.written(name, text.format(sample("h264.mp4")).encode()),
                             says="only the named file")
@@ -64,10 +64,10 @@ class Failures(Case):
         self.written("img0.ppm", picture)
         self.fails("convert", self.path("img%d.ppm"), self.path("out.ppm"), says="No such file")
         self.ok("convert", self.written("img%d.ppm", picture), self.path("out.ppm"))
-        head = b"\0\0\2" + bytes(9) + b"\2\0\2\0\x18\0"  # a format that is known by its name alone
+        head = b"\0\0\2" + bytes(9) + b"\2\0\2\0\x18\0"  # a format recognised only by file name
         self.ok("convert", self.written("x.tga", head + bytes(12)), self.path("out.png"))
 
-    def test_large_pictures_are_refused_before_they_take_memory(self):
+    def test_large_pictures_are_refused_before_allocation(self):
         large = self.written("large.png", png_head(16000, 16000))
         grey = ["--size", "60000x60000", "--cs", "yuv400"]
         for args, status in ([large, self.path("out.png")], 1), \
@@ -110,7 +110,7 @@ class Failures(Case):
         self.assertEqual((result.returncode, result.stderr.count("\n")), (1, 1), result.stderr)
 
     def test_inputs_are_not_written(self):
-        """Whatever names they have."""
+        """Under any of their names."""
         clip = shutil.copy(sample("h264.mp4"), self.path("clip.mp4"))
         os.link(clip, self.path("hard"))
         os.symlink("clip.mp4", self.path("soft"))
@@ -167,6 +167,6 @@ class Failures(Case):
             with self.subTest(args):
                 self.fails(*args.split(), status=2, says=says, cwd=self.directory)
         self.assertEqual(self.files(), ["clip"])
-        self.assertRegex(self.ok("--version"), r"\Atavu \d+\.\d+\.\d+ \(library of .+\)\n\Z")
+        self.assertRegex(self.ok("--version"), r"\Atavu \d+\.\d+\.\d+ \(library dated .+\)\n\Z")
         for command in COMMANDS:
             self.assertIn(f"Example:\n  tavu {command} ", self.ok(command, "--help"))

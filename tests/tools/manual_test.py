@@ -1,4 +1,4 @@
-"""Manual pages and completions offer what --help does, and JSON has the documented shape."""
+"""Manual pages and completions have the options of --help, and JSON has the documented shape."""
 
 import json
 import os
@@ -22,19 +22,19 @@ def help_text(command):
 
 
 def options(command):
-    """As --help tells them: -o and --output apart."""
+    """The options in --help; -o and --output are two."""
     rows = re.findall(r"^  (-\S+)", help_text(command), re.M)
     return {option for row in rows for option in row.split(",")}
 
 
 def choices(command):
-    """(option, names) of those that take one of several names."""
+    """(option, names) of the options that take one of several names."""
     rows = re.findall(r"(--to|--cs) (\w+(?:\|\w+)+)", help_text(command))
     return [(option, names.split("|")) for option, names in rows]
 
 
 def keys(text):
-    """Of all objects in a JSON text, in order of their first appearance."""
+    """The keys of all objects in a JSON text, in order of first appearance."""
     return list(dict.fromkeys(re.findall(r'"(\w+)":', text)))
 
 
@@ -87,7 +87,7 @@ class Completion(Case):
                          {self.path("two words.mp4"), self.path("two.mp4")})
 
     def zsh(self, command):
-        """What the completion tells zsh's own functions, which stand-ins print."""
+        """The arguments that the completion passes to zsh's functions, printed by stubs."""
         program = f"""
             _arguments() {{
                 print -l -- "$@"

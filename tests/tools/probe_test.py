@@ -1,4 +1,4 @@
-"""tavu probe against ffprobe, and parameter sets that are rarely seen."""
+"""tavu probe, checked by ffprobe, and rare parameter sets."""
 
 import re
 import shutil
@@ -9,7 +9,7 @@ from tool_case import (NAMES, Case, decoded, ffmpeg, ffprobe, needs_ffmpeg, pack
 
 @needs_ffmpeg
 class Probe(Case):
-    def test_units_are_the_containers_and_detector_agrees(self):
+    def test_units_equal_the_containers_and_detector_agrees(self):
         for name in NAMES:
             with self.subTest(name):
                 units = self.video(sample(name))["units"]
@@ -23,7 +23,7 @@ class Probe(Case):
                     if "pts_time" in packet:
                         self.assertAlmostEqual(unit["time"], float(packet["pts_time"]), places=5)
 
-    def test_streams_whose_key_flags_mean_more_than_the_detector_looks_for(self):
+    def test_key_flags_that_the_detector_does_not_follow(self):
         ffmpeg("-i", sample("hevc.mp4"), "-c", "copy", self.path("sets.h265"))
         ffmpeg("-i", sample("h263.3gp"), "-c", "copy", self.path("raw.h263"))
         self.made("cra.mp4", "64x48", "-c:v", "libx265", "-tag:v", "hvc1", "-pix_fmt", "yuv420p",
@@ -31,9 +31,9 @@ class Probe(Case):
                   "frame-threads=1:info=0:open-gop=1:bframes=2")
         self.made("open.h264", "64x48", "-c:v", "libx264", "-x264-params",
                   "keyint=5:min-keyint=1:open-gop=1:scenecut=0:bframes=2")
-        # Each key unit begins with a parameter set, which the detector takes for its answer. Later
-        # key frames are clean random access pictures, or intra pictures with a recovery point
-        # message, no IDR slices. Read without a container, ffmpeg flags every H.263 picture.
+        # Each key unit begins with a parameter set, from which the detector decides. Later key
+        # frames are clean random access pictures, or intra pictures with a recovery point message,
+        # not IDR slices. Without a container, ffmpeg flags every H.263 picture.
         for name, keys in {"sets.h265": (4, 0), "cra.mp4": (2, 1), "open.h264": (2, 1),
                            "raw.h263": (24, 4)}.items():
             with self.subTest(name):
@@ -63,7 +63,7 @@ class Probe(Case):
         self.assertIn("240 units, 8 container key frames, 8 detector key frames, 240 agree", text)
 
     def test_plot(self):
-        """A red bar for each key frame, blue ones between."""
+        """A red bar for each key frame, blue bars for the others."""
         self.ok("probe", sample("h264.mp4"), "--plot", self.path("plot.png"))
         rgb = decoded(self.path("plot.png"), "-vf", "crop=1200:420:0:0")  # without the legend
         columns = [{rgb[at:at + 3] for at in range(3 * x, len(rgb), 3600)} for x in range(1200)]
@@ -117,7 +117,7 @@ class Probe(Case):
         self.check_sequence(self.rare_sequence(66, "", 0))
         self.check_sequence(self.rare_sequence(100, "010", 8))
         self.check_sequence(self.rare_sequence(244, "00100" + "0", 12))
-        # Planes coded apart are beyond ffmpeg.
+        # ffmpeg does not support separate colour planes.
         sequence = self.video(self.rare_sequence(244, "00100" + "1", 12))["sequence"]
         self.assertEqual((sequence["width"], sequence["height"]), (320 - 9, 256 - 4 * 2))
 

@@ -1,4 +1,4 @@
-"""The Python module of the examples against NumPy's own arithmetic."""
+"""The Python module of the examples, checked by NumPy's own arithmetic."""
 
 import gc
 import hashlib
@@ -82,7 +82,7 @@ class Python(unittest.TestCase):
         sums = abs(hadamard @ blocks @ hadamard).sum(axis=(2, 3))
         self.assertEqual(tavu.satd(a, b), ((sums + 2) // 4).sum())
 
-    def test_what_does_not_fit_is_refused(self):
+    def test_invalid_arguments_are_refused(self):
         for call in [lambda: tavu.Image(5, 0, tavu.YUV420), lambda: tavu.Image(5, 5, 99),
                      lambda: tavu.Image(8, 8, tavu.YUV420).converted(tavu.RGB888),
                      lambda: tavu.resized(noise(4, 4, 2), 8, 8),

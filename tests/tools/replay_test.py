@@ -1,6 +1,6 @@
-"""Every command over damaged and odd files: it ends in time with a status and at most one line.
+"""Every command on damaged and odd files: it ends in time with a status and at most one error line.
 
-The files are made from the samples and from headers by hand, always the same ones.
+The files are made from the samples and from hand-written headers, the same in every run.
 """
 
 import concurrent.futures
@@ -15,7 +15,7 @@ import subprocess
 from tool_case import NAMES, PLAYLISTS, TAVU, Case, png_head, read, sample
 
 SEED = 20
-SECONDS, MEMORY = 30, 1 << 20  # of processor time, in KiB
+SECONDS, MEMORY = 30, 1 << 20  # limits of processor time and, in KiB, of memory
 RAW = ["h264", "hevc", "m4v", "h263", "h261", "mjpeg", "mpg", "vc1", "aac", "mp3", "ac3", "ts",
        "mkv", "yuv"]
 SIZES = [(1, 1), (1, 32768), (32768, 1), (40000, 16), (16, 40000), (12000, 16), (16, 12000),
@@ -35,7 +35,7 @@ VARIANTS = {
 
 
 def damaged(dice):
-    """Cut, with wrong bytes in the headers, with wrong bytes all over, with a hole."""
+    """Truncated files; files with wrong bytes in the header or anywhere, or with a zeroed part."""
     for name in NAMES:
         whole = read(sample(name))
         for number in range(10):
@@ -90,7 +90,7 @@ class Replay(Case):
         self.faults = []
 
     def check(self, args, target, leaks):
-        """Looking for leaks takes longer than most runs."""
+        """Leaks are optional, because looking for them takes longer than most runs."""
         sanitizer = f"exitcode=99:detect_leaks={int(leaks)}"
         environment = {**os.environ, "ASAN_OPTIONS": sanitizer, "UBSAN_OPTIONS": sanitizer}
         with open(target + ".out", "wb") as out, open(target + ".err", "wb") as err:
@@ -119,7 +119,7 @@ class Replay(Case):
         words = {"OUT": target + "/out", "OUT.png": target + "/out.png", "FILE": path,
                  "OTHER": sample("mpeg4.avi")}
         for index, (command, variants) in enumerate(VARIANTS.items()):
-            # Those that are steered by the size of pictures see every size.
+            # Variants that depend on the size of pictures get every size.
             every = command == "convert" and name.endswith(".ppm") and "head" not in name
             for variant in variants if every else [variants[number % len(variants)]]:
                 self.check([command, path, *(words.get(word, word) for word in variant)], target,

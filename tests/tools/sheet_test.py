@@ -1,4 +1,4 @@
-"""tavu sheet: its pictures read back and compared with ffmpeg's."""
+"""tavu sheet: its pictures, read back and compared with ffmpeg's."""
 
 from tool_case import Case, decoded, ffmpeg, ffprobe, needs_ffmpeg, read, sample
 
@@ -6,7 +6,7 @@ AS_PPM = ["-f", "image2pipe", "-c:v", "ppm", "-"]
 
 
 class Picture:
-    """A sheet, from its PPM."""
+    """A sheet, read from PPM."""
 
     def __init__(self, ppm, width):
         _, size, _, self.rgb = ppm.split(b"\n", 3)
@@ -20,14 +20,14 @@ class Picture:
         return b"".join(self.rgb[row:row + 3 * w] for row in rows)
 
     def cell(self, index, w, h):
-        """The picture and the text under it."""
+        """The picture and its caption."""
         x = self.gap + index % self.columns * (w + self.gap)
         y = self.gap + index // self.columns * (h + self.label + self.gap)
         return self.cut(x, y, w, h), self.cut(x, y + h, w, self.label)
 
 
 def scaled(rgb, sw, sh, w, h):
-    """Bilinear: target pixel i lies at i * (source - 1) / target."""
+    """Bilinear: target pixel i is at i * (source - 1) / target."""
     out = []
     for y in range(h):
         row, part = divmod(y * (sh - 1) / h, 1)
@@ -59,7 +59,7 @@ class Sheet(Case):
         return [scaled(raw[i:i + 3 * sw * sh], sw, sh, w, h)
                 for i in range(0, len(raw), 3 * sw * sh)]
 
-    def test_key_frames_are_ffmpegs_in_order(self):
+    def test_key_frames_equal_ffmpegs_in_order(self):
         for name, h in {"h264.mp4": 90, "hevc.mp4": 96, "mpeg4.avi": 89, "h263.3gp": 131}.items():
             with self.subTest(name):
                 expected = self.references(sample(name), 160, h, "key")
@@ -75,7 +75,7 @@ class Sheet(Case):
                         self.assertGreater(min(others), 20)
 
     def ink(self, label, width):
-        """Columns from the first to the last that has ink."""
+        """The number of columns from the first to the last with ink."""
         inked = [at // 3 % width for at, value in enumerate(label) if value > 100]
         return max(inked) - min(inked)
 
@@ -100,7 +100,7 @@ class Sheet(Case):
         self.assertEqual(set(sheet.cell(6, 160, 90)[0]), {sheet.rgb[0]})
         self.assertEqual(self.sheet(sample("h264.mp4"), 64, "--columns", 100).columns, 8)
 
-    def test_colours_whatever_the_source(self):
+    def test_colours_of_every_source_format(self):
         """Flat pictures, coded by the defining equations: matrix, range, depth, subsampling."""
         matrices = {"bt709": (.2126, .0722), "bt2020nc": (.2627, .0593),
                     "smpte170m": (.299, .114), "unknown": (.299, .114)}
@@ -127,7 +127,7 @@ class Sheet(Case):
                     for value, count in zip(coded, (area, chroma, chroma)):
                         value = min(round(value), top)
                         raw += value.to_bytes((bits + 7) // 8, "little") * count
-                # ffmpeg converts frames unless their own tags are those of the file.
+                # ffmpeg converts frames unless their tags equal those of the file.
                 clips += ["-vf", f"trim=start_frame={at * 8}:end_frame={at * 8 + 8},setpts=N/25/TB,"
                           f"setparams=range={extent}:colorspace={matrix}", "-c:v", "ffv1",
                           "-strict", "-2", "-colorspace", matrix, "-color_range", extent,
@@ -144,7 +144,7 @@ class Sheet(Case):
                 with self.subTest(layout=layout, span=spans[at // 8], rgb=rgb):
                     self.assertLessEqual(max(abs(a - b) for a, b in zip(middle, rgb)), 2)
 
-    def test_pictures_stand_upright(self):
+    def test_pictures_are_upright(self):
         lying = self.made("lying.mp4", "64x48", "-c:v", "mpeg4", "-q:v", "1", "-frames:v", "1")
         data = bytearray(read(lying))
         matrix = data.index(b"tkhd") + 44
@@ -160,11 +160,11 @@ class Sheet(Case):
             flat = lambda step: [c for x in range(w * h)[::step] for c in raw[3 * x:3 * x + 3]]
             upright, inverted = (difference(picture, scaled(flat(step), w, h, w, h))
                                  for step in (1, -1))
-            # The samples lie up to a pixel apart.
+            # Sample positions differ by up to a pixel.
             self.assertLess(2.5 * upright, inverted, turns)
 
     def test_shapes(self):
-        """Pixels that are no squares, sizes that change, a sliver, hundreds of pictures."""
+        """Non-square pixels, changing sizes, a narrow strip, hundreds of pictures."""
         wide = self.made("wide.mp4", "64x48", "-c:v", "mpeg4", "-vf", "setsar=2")
         self.assertEqual(self.sheet(wide, 64).height, 2 * 4 + 24 + 15)
         small, large = (self.made(f"{size}.m4v", size, "-f", "m4v") for size in ("64x48", "130x76"))

@@ -11,7 +11,7 @@ import time
 
 from tool_case import TAVU, Case, read, run, sample
 
-# By default they do not end a program, or cannot be caught; sanitizers take four for themselves.
+# By default these do not end a program, or cannot be caught; sanitizers handle the last four.
 SURVIVED = {signal.SIGCHLD, signal.SIGCONT, signal.SIGSTOP, signal.SIGTSTP, signal.SIGTTIN,
             signal.SIGTTOU, signal.SIGURG, signal.SIGWINCH, signal.SIGKILL, signal.SIGSEGV,
             signal.SIGBUS, signal.SIGFPE, signal.SIGILL}
@@ -23,8 +23,8 @@ class Streams(Case):
         self.assertEqual((result.returncode, result.stderr), (0, b""))
         return result.stdout
 
-    def test_standard_input_is_like_a_file(self):
-        for name in "h264.mp4", "h264.h264", "wmv2.avi":  # tables at the end, none, at the front
+    def test_standard_input_gives_the_same_as_a_file(self):
+        for name in "h264.mp4", "h264.h264", "wmv2.avi":  # index last, none, first
             for command in "probe", "digest":
                 expected = self.ok(command, sample(name)).encode()
                 self.assertEqual(self.piped(command, "-", source=sample(name)), expected)
@@ -35,7 +35,7 @@ class Streams(Case):
         self.assertEqual(total, [b"0", b"0", b"inf", b"0"])
         self.fails("probe", "-", says="standard input: not a media", stdin=subprocess.DEVNULL)
 
-    def test_standard_output_takes_the_same_bytes(self):
+    def test_standard_output_gets_the_same_bytes(self):
         clip = sample("h264.mp4")
         for args, option in (["sheet", clip], ["-o"]), (["convert", clip], []), \
                 (["compare", clip, sample("h264.h264")], ["-o"]), (["probe", clip], ["--plot"]):
@@ -60,7 +60,7 @@ class Signals(Case):
     def setUp(self):
         super().setUp()
         self.raw = self.written("endless.yuv", b"")
-        os.truncate(self.raw, 64 * 64 * 50_000_001)  # without blocks on the disk
+        os.truncate(self.raw, 64 * 64 * 50_000_001)  # a sparse file
         self.endless = ["convert", self.raw, self.path("out.rgb"), "--size", "64x64", "--cs",
                         "yuv400", "--frame", "50000000"]
 
@@ -75,7 +75,7 @@ class Signals(Case):
             self.assertEqual(process.wait(60), -number, number)
             self.assertEqual(self.files(), ["endless.yuv", "out.rgb"])
 
-    def test_reader_that_goes_away(self):
+    def test_reader_that_closes_the_pipe(self):
         clip = sample("h264.mp4")
         read, write = os.pipe()
         os.close(read)
@@ -85,7 +85,7 @@ class Signals(Case):
         self.assertEqual(self.files(), ["endless.yuv"])
 
     def on_terminal(self, *args, until, seconds=60, **variables):
-        """What a command writes to a terminal, until it ends or has written some text."""
+        """The output of a command on a terminal, until it ends or matches `until`."""
         terminal, end = pty.openpty()
         with subprocess.Popen([TAVU, *args], stdin=end, stdout=end, stderr=end,
                               env={**os.environ, "TERM": "xterm", **variables}) as process:

@@ -1,4 +1,4 @@
-"""What the tests of the program share: running it, and ffmpeg's answers to compare with."""
+"""Common code of the program's tests: running it, and ffmpeg's results for comparison."""
 
 import json
 import os
@@ -61,7 +61,7 @@ def packets(path):
 
 
 def png_head(width, height):
-    """A file whose pixels are missing."""
+    """A PNG file with too little pixel data."""
     head = b"IHDR" + struct.pack(">IIBBBBB", width, height, 8, 6, 0, 0, 0)
     data = b"IDAT" + zlib.compress(bytes(4096))
     return b"\x89PNG\r\n\x1a\n" + b"".join(struct.pack(">I", len(chunk) - 4) + chunk + struct.pack(
@@ -97,7 +97,7 @@ class Case(unittest.TestCase):
         return result.stdout
 
     def fails(self, *args, status=1, says="", **options):
-        """Runs into an error: one line, with these words."""
+        """Runs a command that fails with one line containing `says`."""
         result = run(*args, **options)
         self.assertEqual(result.returncode, status, result.stderr)
         self.assertRegex(result.stderr, r"\Atavu: [^\n]+\n\Z")

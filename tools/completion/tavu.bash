@@ -1,4 +1,4 @@
-# Completion of tavu in bash.
+# Bash completion for tavu.
 
 _tavu() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
