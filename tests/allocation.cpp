@@ -8,7 +8,7 @@ int countdown = 0;
 int calls = 0, held = 0;
 uint64_t last = 0;
 
-// Counts an allocation of `size` bytes; whether it is to fail.
+// Counts an allocation of `size` bytes; returns whether it must fail.
 bool fails(uint64_t size) {
     if (!active) return false;
     last = size;

@@ -1,5 +1,5 @@
-// What creating and growing functions ask the allocator for, at and around every limit, and what they
-// do when it has nothing: on 32 and on 64 bits.
+// The sizes that creating and growing functions request at and around every limit, and their
+// results when allocation fails: on 32 and on 64 bits.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -23,7 +23,7 @@ std::vector<int32_t> limits() {
     return list;
 }
 
-// An allocator of payloads that has nothing.
+// A payload allocator that always fails.
 int64_t requested;
 void *refuse(int32_t size, uint32_t *) {
     requested = size;
@@ -31,7 +31,7 @@ void *refuse(int32_t size, uint32_t *) {
 }
 void unused(void *, uint32_t) {}
 
-// Creation, and another picture in the payload of `image`.
+// Checks creation, and rebirth in the payload of `image`.
 void expect_exact(tavu_imgb_t *image, const PictureRequest &r) {
     const PictureSize size = picture_size(r);
     const bool fits = size.status == TAVU_OK;
@@ -72,7 +72,7 @@ TEST(Sizes, PicturesAskForExactlyTheirPlanesOrAreRefused) {
     image->release(image);
 }
 
-// Sides that have no successor: halves are rounded up and rows measured without one.
+// For sides of INT32_MAX, rounding up halves and computing rows must not overflow.
 TEST(Sizes, TheLongestEmptyPicturesHaveBordersAndDigests) {
     const uint32_t pads[4] = {};
     const int32_t sizes[][2] = {{BIG, 0}, {0, BIG}};
@@ -83,7 +83,7 @@ TEST(Sizes, TheLongestEmptyPicturesHaveBordersAndDigests) {
         uint8_t digest[16];
         EXPECT_EQ(tavu_imgb_expand(image, pads), TAVU_OK);
         EXPECT_EQ(tavu_md5_imgb(image, digest), TAVU_OK);
-        EXPECT_EQ(digest[0], 0xD4);  // of nothing
+        EXPECT_EQ(digest[0], 0xD4);  // the digest of no bytes
         image->release(image);
     }
 }
@@ -114,7 +114,7 @@ TEST(Sizes, AudioBlocksAskForExactlyTheirSamplesOrAreRefused) {
     }
 }
 
-// Calls make() with the last of `before` + 1 allocations failing: what it asked for, 0 for nothing.
+// Calls make() with allocation `before` + 1 failing; returns its size, 0 if there was none.
 template <class Make>
 uint64_t bytes_of_last(int before, Make make) {
     FailingAllocations failing(before);
@@ -122,7 +122,7 @@ uint64_t bytes_of_last(int before, Make make) {
     return failing.count() == before + 1 ? failing.bytes() : 0;
 }
 
-// No sum of a size and a header wraps into a short allocation.
+// No sum of a size and a header wraps to a smaller allocation.
 TEST(Sizes, HeadersAreAddedWithoutWrapping) {
     constexpr uint64_t LINKS = 2 * sizeof(void *), HEADER = 32 + sizeof(void *);
     const uint8_t byte = 0;
@@ -155,7 +155,7 @@ struct IrszFormat {
     int64_t src_unit, dst_unit, src_bytes;
 };
 
-// The record holds exact products; the carried row's memory holds a line.
+// The record contains exact products; the carried row's memory is large enough for a line.
 void expect_exact(const tavu_irsz_param &p, const IrszFormat &f) {
     int32_t err = 1;
     tavu_irsz_t *rsz = nullptr;
@@ -207,7 +207,7 @@ int32_t irsz_status(const IrszFormat &f, int32_t band_h, int64_t src_stride, int
     return err;
 }
 
-// The first strides that do not fit: 16 source lines, one target line, in bands band_h + 16 lines.
+// Limits of strides: 16 source lines, in band mode band_h + 16, and one target line fit in 31 bits.
 TEST(Sizes, ResizersTakeEveryStrideThatFits) {
     const auto expect_last = [](const IrszFormat &f, int32_t band_h, int64_t src_s, int64_t dst_s) {
         const int64_t away = src_s < 0 ? -1 : 1;
@@ -226,11 +226,11 @@ TEST(Sizes, ResizersTakeEveryStrideThatFits) {
     }
 }
 
-// One way to create something and give it back; false if there was no memory for it.
+// Creates and frees an object; run() returns false if an allocation failed.
 struct Creator {
     const char *name;
     int allocations;
-    int32_t first_status, later_status;  // TAVU_OK for those that give no status
+    int32_t first_status, later_status;  // TAVU_OK for functions without a status
     std::function<bool(int32_t *)> run;
 };
 
@@ -300,7 +300,7 @@ std::vector<Creator> creators() {
     };
 }
 
-TEST(FailedAllocation, GivesTheStatedStatusAndKeepsNothing) {
+TEST(FailedAllocation, ReturnsTheDocumentedStatusAndLeaksNothing) {
     for (const Creator &creator : creators()) {
         SCOPED_TRACE(creator.name);
         for (int i = 0; i <= creator.allocations; i++) {
@@ -317,7 +317,7 @@ TEST(FailedAllocation, GivesTheStatedStatusAndKeepsNothing) {
     }
 }
 
-TEST(FailedAllocation, LeavesAGrowingListAsItWas) {
+TEST(FailedAllocation, LeavesAGrowingListUnchanged) {
     const uint32_t one = 1, two = 2;
     tavu_list_t *list = tavu_list_create(4, nullptr);
     tavu_list_add(list, &one);
@@ -345,7 +345,7 @@ TEST(FailedAllocation, LeavesAGrowingListAsItWas) {
     tavu_list_delete(list);
 }
 
-// Only the carried row of band mode is not asked after; whole images need none.
+// Creation does not check the allocation of the carried row; only band mode has one.
 TEST(FailedAllocation, ResizerWithoutACarriedRowIsStillDeleted) {
     const tavu_irsz_param p = {20, 11, 4, 4, 4, 4, 2, 2, 2, nullptr};
     FailingAllocations failing(1);

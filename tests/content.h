@@ -1,4 +1,4 @@
-// What to fill kernel inputs with.
+// Contents of kernel inputs.
 #ifndef TAVU_TESTS_CONTENT_H
 #define TAVU_TESTS_CONTENT_H
 

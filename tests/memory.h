@@ -28,8 +28,8 @@ inline size_t plane_size(int stride, int rows, int row_bytes) {
            static_cast<size_t>(row_bytes);
 }
 
-// `size` bytes that end at an unreadable page, after an unreadable page and a margin of canaries:
-// the sanitizers do not see what vector instructions read beyond a buffer.
+// `size` bytes that end at an unreadable page, preceded by an unreadable page and a margin of
+// canaries: sanitizers do not see reads of vector instructions past the end of a buffer.
 class GuardedBytes {
   public:
     explicit GuardedBytes(size_t size) : size_(size) {
@@ -65,15 +65,15 @@ class GuardedBytes {
 
   private:
     static constexpr size_t MARGIN = 64;
-    // The first one's place. The emulator of ARM would take new addresses each time, until it came to
-    // some that the sanitizer keeps no account of.
+    // The first mapping's address, reused as a hint. Without it the ARM emulator uses new addresses
+    // each time and finally some that the sanitizer does not track.
     inline static void *near_ = nullptr;
     size_t size_, mapped_;
     uint8_t *map_, *usable_, *end_;
 };
 
-// While alive, allocation number `fail_at` (from 0) by malloc or calloc returns null. Counts them, and
-// those that were not freed, and keeps the size of the last.
+// While an object exists, allocation number `fail_at` (from 0) by malloc or calloc returns null. It
+// counts all allocations and those not freed, and records the size of the last one.
 class FailingAllocations {
   public:
     explicit FailingAllocations(int fail_at);

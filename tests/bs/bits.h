@@ -1,4 +1,4 @@
-// Bits in plain forms: strings of 0 and 1, and the cache word of the models.
+// Bits as strings of 0 and 1, and the cache word of the models.
 #ifndef TAVU_TESTS_BITS_H
 #define TAVU_TESTS_BITS_H
 
@@ -22,14 +22,14 @@ inline std::string exp_golomb(uint32_t v) {
     return std::string(31 - first, '0') + bits.substr(first);
 }
 
-// A cache word, whose first bit is bit 31. A shift takes its count modulo 256, and 32 or more leave
-// nothing.
+// A cache word, whose first bit is bit 31. Shift counts are taken modulo 256; counts of 32 or more
+// give 0.
 struct CacheBits {
     std::bitset<32> bits;
 
     bool at(int i) const { return bits[static_cast<size_t>(31 - i)]; }
     void set(int i) { bits.set(static_cast<size_t>(31 - i)); }
-    // The first `n`: the word shifted right by 32 - n.
+    // The first `n` bits: the word shifted right by 32 - n.
     uint32_t top(int n) const {
         return static_cast<uint32_t>((bits >> ((32 - n) & 0xFF)).to_ulong());
     }

@@ -1,5 +1,4 @@
-// The bit reader's rules spelt out bit by bit, and a reader with a refill of its own. Fuzzing shares
-// them.
+// A bit-by-bit model of the bit reader, and a reader with a custom refill. Also used by fuzzing.
 #ifndef TAVU_TESTS_BSR_MODEL_H
 #define TAVU_TESTS_BSR_MODEL_H
 
@@ -10,10 +9,10 @@
 #include "bits.h"
 #include "tavu.h"
 
-// How many bytes each of four refills may load, in turn.
+// The most bytes that each of four refills may load, in turn.
 using Loads = std::array<uint8_t, 4>;
 
-// A reader whose refill loads no more than `loads` says, and fails with a positive code.
+// A reader whose refill loads at most `loads` bytes, and fails with a positive code.
 struct ShortReader : tavu_bsr_t {
     ShortReader(const uint8_t *data, int32_t bytes, const Loads &most) : loads(most) {
         tavu_bsr_init(this, data, bytes, refill);
@@ -28,7 +27,7 @@ struct ShortReader : tavu_bsr_t {
     }
     Loads loads;
     unsigned refills = 0;
-    int32_t asked = 0;  // bytes, by the last refill
+    int32_t asked = 0;  // bytes requested by the last call of refill
     bool ended = false;
 };
 
@@ -37,7 +36,7 @@ struct ReaderModel {
     int size;
     const Loads *loads;  // null for the default refill
     CacheBits cache{};
-    int left = 0, loaded = 0, asked = 0;  // bits in the cache; bytes loaded, and last asked for
+    int left = 0, loaded = 0, asked = 0;  // bits in the cache; bytes loaded, and last requested
     unsigned refills = 0;
 
     bool refill(int bytes) {
@@ -105,7 +104,7 @@ struct ReaderModel {
         return v % 2 != 0 ? half : 0 - half;
     }
     uint32_t read_te(int range) { return range < 1 ? 0 : range > 1 ? read_ue() : 1 - read1(); }
-    // Of the valid bits and the one that follows them, is any a 0?
+    // Whether any of the valid bits and the one after them is 0.
     bool run_ends() const { return left != 0 && CacheBits{~cache.bits}.top(left + 1) != 0; }
     uint32_t read_tu(int most) {
         int dropped = 0;
@@ -125,7 +124,7 @@ struct ReaderModel {
 enum { READ1, PEEK, SKIP, SKIP_PEEK, UN, READ_ALIGN8, UE, SE, TU, TE, ALIGN8, READ };
 constexpr int READER_OPERATIONS = READ + 1;
 
-// What read_align8() returns by pointer counts as part of its result.
+// The value that read_align8() returns by pointer becomes part of the result.
 inline uint32_t operate(tavu_bsr_t *r, int op, int n, int most) {
     int32_t result = 0, bits = 0;
     switch (op) {
@@ -164,7 +163,7 @@ inline uint32_t operate(ReaderModel *m, int op, int n, int most) {
     }
 }
 
-// Does the same to both: are the results and the records equal?
+// Runs one operation on both; returns whether the results and the records are equal.
 inline bool step(tavu_bsr_t *r, ReaderModel *m, int op, int n, int most) {
     const uint32_t got = operate(r, op, n, most), wanted = operate(m, op, n, most);
     return got == wanted && r->leftbits == m->left && r->code == m->cache.top(32) &&

@@ -16,7 +16,7 @@ struct Call {
     int left;  // bits in the cache afterwards
 };
 struct Example {
-    const char *what;
+    const char *name;
     Bytes data;  // fills its heap block, so that sanitizers see a read past the end
     std::vector<Call> calls;
 };
@@ -33,10 +33,10 @@ const Example EXAMPLES[] = {
     {"A peek borrows from the next byte without loading it",
      {0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC},
      {{SKIP, 4, 0, 0, 28}, {PEEK, 32, 0, 0x23456789, 28}, {READ, 32, 0, 0x23456789, 12}}},
-    {"A peek that finds no next byte leaves the cache as it was",
+    {"A peek that finds no next byte leaves the cache unchanged",
      {0xF1},
      {{SKIP, 4, 0, 0, 4}, {PEEK, 8, 0, 0x10, 4}, {READ, 4, 0, 1, 0}}},
-    {"Alignment drops the rest of a byte, or returns it and its length",
+    {"Alignment drops the rest of a byte, or returns the rest and its length",
      {0xFF, 0x80, 0x01},
      {{SKIP, 5, 0, 0, 19},
       {READ_ALIGN8, 0, 0, 0x307, 16},
@@ -48,22 +48,22 @@ const Example EXAMPLES[] = {
     {"Unary runs",
      {0x5B, 0xFE, 0x80},
      {{UN, 0, 0, 0, 23}, {UN, 0, 0, 1, 21}, {UN, 0, 0, 2, 18}, {UN, 0, 0, 9, 8}}},
-    {"A run that fills the cache takes its 0 from the empty position after it",
+    {"A run that fills the cache ends at the empty position after it, which is 0",
      {0, 0, 0, 3, 0xE0, 0, 0, 0, 0},
      {{SKIP, 30, 0, 0, 2}, {UN, 0, 0, 2, -1}, {READ, 4, 0, 0x1C, 27}}},
-    {"A full cache is dropped and counted as 32 ones, whatever it holds",
+    {"A full cache is dropped and counted as 32 ones, whatever it contains",
      {0, 0, 0, 0, 0xC0},
      {{PEEK, 32, 0, 0, 32}, {UN, 0, 0, 34, 5}}},
     {"Truncated unary runs",
      {0xF7, 0xC0, 0x40},
      {{TU, 2, 0, 4, 19}, {TU, 2, 0, 4, 15}, {TU, 2, 0, 1, 13}, {TU, 2, 0, 0, 12}}},
-    {"A full cache that holds the limit is consumed unexamined",
+    {"A full cache with at least as many bits as the limit is consumed unexamined",
      {0, 0, 0, 0, 0xF0, 0, 0, 0},
      {{PEEK, 32, 0, 0, 32}, {TU, 2, 0, 4, 28}, {TU, 0, 0, 0, 28}}},
-    {"A full cache that does not counts as ones",
+    {"A full cache with fewer bits counts as ones",
      {0, 0, 0, 0, 0xF0, 0, 0, 0},
      {{PEEK, 32, 0, 0, 32}, {TU, 20, 0, 36, 27}}},
-    {"With more ones than the limit, as many bits of the new cache are consumed",
+    {"If there are more ones than the limit, `limit` bits of the new cache are consumed",
      {0, 0, 0, 0, 0xFF, 0xFF, 0, 0},
      {{PEEK, 32, 0, 0, 32}, {TU, 17, 0, 34, -2}}}};
 
@@ -73,15 +73,15 @@ TEST(Bsr, WorkedExamples) {
         tavu_bsr_init(&r, e.data.data(), static_cast<int32_t>(e.data.size()), nullptr);
         for (const Call &c : e.calls) {
             const auto value = static_cast<uint32_t>(c.value);
-            EXPECT_EQ(operate(&r, c.op, c.n, c.most), value) << e.what << ": " << c.op;
-            EXPECT_EQ(r.leftbits, c.left) << e.what << ": " << c.op;
+            EXPECT_EQ(operate(&r, c.op, c.n, c.most), value) << e.name << ": " << c.op;
+            EXPECT_EQ(r.leftbits, c.left) << e.name << ": " << c.op;
         }
     }
 }
 
-// A peek also asks for the bytes that owed bits stand for: 8 after a code of zeros, and 4 more with
-// every 12 hostile bytes. A refill that loads 4 keeps the position.
-TEST(Bsr, HostileBytesRaiseWhatAPeekAsksForWithoutBound) {
+// A peek also requests the bytes of the owed bits (a negative leftbits): 8 after a code of zeros,
+// and 4 more with every 12 hostile bytes. A refill that loads only 4 keeps the position.
+TEST(Bsr, HostileBytesRaiseThePeekRequestWithoutBound) {
     for (int rounds = 0; rounds < 100; rounds++) {
         Bytes data(static_cast<size_t>(12 * rounds) + 20);
         for (int i = 1; i <= rounds; i++) data[static_cast<size_t>(12 * i)] = 0x80;
@@ -102,19 +102,19 @@ TEST(Bsr, HostileBytesRaiseWhatAPeekAsksForWithoutBound) {
 }
 
 // A run of ones to the end of the first word leaves the first bit of the second one owed.
-TEST(Bsr, EachFunctionHasItsWayWithAnOwedBit) {
+TEST(Bsr, OwedBitsAffectEachFunctionAsDocumented) {
     struct {
         uint32_t word;
         int op, n, most;
         uint32_t value;
-        int moved;  // bits of the second word that count as consumed
+        int moved;  // number of bits of the second word that are consumed
     } const cases[] = {
-        {0x60000000, READ, 4, 0, 0xC, 5},  // the owed bit is above those asked for
+        {0x60000000, READ, 4, 0, 0xC, 5},  // the owed bit is above the requested ones
         {0xE0000000, READ, 4, 0, 0x1C, 5},
         {0xE0000000, READ, 0, 0, 1, 1},
         {0xE0000001, READ, 31, 0, 0xE0000001, 32},
-        {0xE0000001, READ, 32, 0, 0, 33},  // one bit more than a word is lost
-        {0xE0000000, READ1, 0, 0, 0, 2},   // without a look
+        {0xE0000001, READ, 32, 0, 0, 33},  // more than a word, so its value is lost
+        {0xE0000000, READ1, 0, 0, 0, 2},   // the bit is not examined
         {0x00000000, TE, 0, 1, 1, 2},
         {0x60000000, SKIP, 0, 0, 0, 1},
         {0x60000000, SKIP_PEEK, 3, 0, 6, 1},
@@ -122,16 +122,16 @@ TEST(Bsr, EachFunctionHasItsWayWithAnOwedBit) {
         {0xFFFFFFFF, PEEK, 8, 0, 0, 1},  // the word becomes zeros
         {0xFFFFFFFF, ALIGN8, 0, 0, 0, 8},
         {0xFFFFFFFF, READ_ALIGN8, 0, 0, 7 * 256, 8},
-        {0x20000000, UE, 0, 0, 1, 4},  // right if the owed bit and the next are 0
+        {0x20000000, UE, 0, 0, 1, 4},  // correct if the owed bit and the next are 0
         {0x10000000, SE, 0, 0, 2, 6},
         {0x60000000, UE, 0, 0, 0, 1},           // the code is not consumed
-        {0xA0000000, UE, 0, 0, UINT32_MAX, 0},  // nothing is
+        {0xA0000000, UE, 0, 0, UINT32_MAX, 0},  // nothing is consumed
         {0xA0000000, SE, 0, 0, 0, 0},
-        {0xD0000000, UN, 0, 0, 1, 3},  // right if the owed bit is 1
+        {0xD0000000, UN, 0, 0, 1, 3},  // correct if the owed bit is 1
         {0x60000000, UN, 0, 0, UINT32_MAX, 1},
         {0xD0000000, TU, 1, 0, 1, 3},
         {0x60000000, TU, 1, 0, UINT32_MAX, 1},
-        {0xF8000000, TU, 1, 0, 2, 2},  // the owed bit is taken for one of `max`
+        {0xF8000000, TU, 1, 0, 2, 2},  // the owed bit counts as one of `max`
     };
     for (const auto &c : cases) {
         Bytes data(12, 0xFF);
@@ -149,7 +149,7 @@ TEST(Bsr, EachFunctionHasItsWayWithAnOwedBit) {
 TEST(Bsr, AnyCallsOnAnyDataFollowTheRules) {
     std::mt19937 random(1);
     const auto below = [&](unsigned n) { return static_cast<int>(random() % n); };
-    int asked = 0;  // the most, by a call with no bits owed
+    int asked = 0;  // the largest request of a call without owed bits
     for (int round = 0; round < 20000; round++) {
         Bytes data(random() % 40);
         for (uint8_t &byte : data)
@@ -169,7 +169,7 @@ TEST(Bsr, AnyCallsOnAnyDataFollowTheRules) {
             if (!owes) asked = std::max(asked, m.asked);
         }
     }
-    EXPECT_EQ(asked, 7);  // tavu_bsr_skip_peek() when one byte is left
+    EXPECT_EQ(asked, 7);  // by tavu_bsr_skip_peek() with one byte left
 }
 
 struct Field {
@@ -182,7 +182,7 @@ struct Header {
         for (auto count = (*random)() % 20 + 1; count > 0; count--) {
             constexpr int OPS[] = {READ, READ1, SKIP, UE, SE, ALIGN8, READ_ALIGN8};
             const int op = OPS[(*random)() % 7], n = static_cast<int>((*random)() % 31) + 1;
-            // Many single bits in a row owe more than a code can be long.
+            // Many single bits in a row owe more bits than the longest code.
             for (int i = op == READ1 && n > 24 ? 90 : 1; i > 0; i--) {
                 add(op, n, random);
                 fields.push_back({op, n, bits.size()});
@@ -202,7 +202,7 @@ struct Header {
     std::string bits;
 };
 
-TEST(Bsr, ARefillThatNotesTheEndFindsEveryHeaderCutShortAndNoOther) {
+TEST(Bsr, ARefillThatRecordsTheEndDetectsExactlyTheTruncatedHeaders) {
     std::mt19937 random(1);
     for (int round = 0; round < 500; round++) {
         const Header header(&random);
@@ -210,7 +210,7 @@ TEST(Bsr, ARefillThatNotesTheEndFindsEveryHeaderCutShortAndNoOther) {
         for (size_t size = 0; size <= whole.size(); size++) {
             const Bytes cut(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size));
             ShortReader r(cut.data(), static_cast<int32_t>(size), {4, 4, 4, 4});
-            bool noticed = false;  // by a caller who tests each result
+            bool noticed = false;  // by a caller that checks each result
             for (const auto &[op, n, end] : header.fields) {
                 const bool shows = op == READ || op == READ1 || op == UE;
                 const auto result = static_cast<int32_t>(operate(&r, op, n, 0));

@@ -1,4 +1,4 @@
-// The bit writer's rules spelt out bit by bit, and a spill function of its own. Fuzzing shares them.
+// A bit-by-bit model of the bit writer, and a custom spill function. Also used by fuzzing.
 #ifndef TAVU_TESTS_BSW_MODEL_H
 #define TAVU_TESTS_BSW_MODEL_H
 
@@ -10,7 +10,7 @@
 #include "bits.h"
 #include "tavu.h"
 
-// Writes the inverse of what the default spill writes. Only tavu_bsw_deinit() returns its result.
+// Writes the inverse of the default spill's bytes. Only tavu_bsw_deinit() returns its result.
 constexpr int32_t SPILL_RESULT = -77;
 inline int32_t inverting_spill(tavu_bsw_t *bs) {
     for (int n = (39 - bs->leftbits) >> 3; n > 0; n--, bs->code <<= 8) {
@@ -21,7 +21,7 @@ inline int32_t inverting_spill(tavu_bsw_t *bs) {
 
 struct WriterModel {
     int size;
-    bool inverts;  // the spill
+    bool inverts;  // whether the spill inverts
     CacheBits cache{};
     int free_bits = 32;
     std::vector<uint8_t> written{};
@@ -79,7 +79,7 @@ struct WriterModel {
     }
 };
 
-// What a call writes, by both; what codes the reader reads. TE takes the least range.
+// One call on the writer, the model and the reader. TE uses the smallest possible range.
 struct Code {
     enum { FIXED, SINGLE, UE, SE, TE, SINGLES, SINK, DEINIT, KINDS };
     int kind;
@@ -96,7 +96,7 @@ struct Code {
     }
     int32_t number() const { return static_cast<int32_t>(value); }
     int32_t range() const { return std::max(number(), 1); }
-    // 0, 1, -1, 2, -2 as 0, 1, 2, 3, 4.
+    // Maps 0, 1, -1, 2, -2 to 0, 1, 2, 3, 4.
     uint32_t index() const {
         const auto magnitude = static_cast<uint32_t>(std::abs(number()));
         return kind == SE ? 2 * magnitude - (number() > 0 ? 1 : 0) : value;
@@ -111,7 +111,7 @@ struct Code {
             case SINK: return tavu_bsw_sink(w);
             case DEINIT: return tavu_bsw_deinit(w);
             default:
-                // Bit 0 alone counts.
+                // Only bit 0 is written.
                 for (int i = 0; i < length; i++) result |= tavu_bsw_write1(w, number() + 2);
                 return result;
         }

@@ -10,7 +10,7 @@
 
 namespace {
 
-// A writer on a guarded buffer, with `slack` more bytes than it knows of.
+// A writer on a guarded buffer that is `slack` bytes longer than the writer's size.
 struct Writer : tavu_bsw_t {
     explicit Writer(size_t bytes, size_t slack = 0) : memory(bytes + slack) {
         tavu_bsw_init(this, memory.data(), static_cast<int32_t>(bytes), nullptr);
@@ -23,7 +23,7 @@ struct Writer : tavu_bsw_t {
     GuardedBytes memory;
 };
 
-// Each number in the three forms whose codes are the same, written and read.
+// Writes and reads each number in the three forms that share their codes.
 TEST(Bsw, ExpGolombCodesOfAllLengthsAtAllPositions) {
     for (int lead = 0; lead < 32; lead++) {
         Writer w(512);
@@ -66,12 +66,12 @@ TEST(Bsw, CodesWithoutAValue) {
 }
 
 // A full cache is spilled only if one byte more than needed is left.
-TEST(Bsw, WritesWantASpareByte) {
+TEST(Bsw, WritesNeedASpareByte) {
     Writer five(5);
     EXPECT_EQ(tavu_bsw_write(&five, 0x12345678, 32), 0);
     five.expect(0, 32, {0x12, 0x34, 0x56, 0x78});
 
-    // Without one the cache keeps what went into it, and the free bits stay as they were.
+    // Without one the cache keeps the bits that fit, and the number of free bits is unchanged.
     Writer four(4);
     EXPECT_EQ(tavu_bsw_write(&four, 0xABC, 12), 0);
     EXPECT_EQ(tavu_bsw_write(&four, 0xDEF012, 24), -1);
@@ -86,13 +86,13 @@ TEST(Bsw, WritesWantASpareByte) {
     three.expect(0, 32, {0, 2, 0x80});
 }
 
-// A single bit requires one byte only, and tavu_bsw_deinit() none: full caches reach 7 bytes past the
-// end, and refused bits count as 1 byte for each 8.
-TEST(Bsw, SingleBitsAndDeinitWriteBeyondTheEnd) {
+// A single bit requires only one byte, and tavu_bsw_deinit() none: full caches reach 7 bytes past
+// the end, and refused bits count as 1 byte for each 8.
+TEST(Bsw, SingleBitsAndDeinitWritePastTheEnd) {
     Writer w(1, 8);
-    for (int i = 0; i < 63; i++) EXPECT_EQ(tavu_bsw_write1(&w, i % 2 * 2 + 1), 0);  // the low bit
+    for (int i = 0; i < 63; i++) EXPECT_EQ(tavu_bsw_write1(&w, i % 2 * 2 + 1), 0);  // only bit 0
     w.expect(0xFFFFFFFE, 1, {0xFF, 0xFF, 0xFF, 0xFF});
-    // Without a byte the full cache stays; further bits are dropped without an error.
+    // Without a free byte the cache stays full; further bits are dropped without an error.
     EXPECT_EQ(tavu_bsw_write1(&w, 2), -1);
     w.expect(0xFFFFFFFE, 0, {0xFF, 0xFF, 0xFF, 0xFF});
     for (int i = 0; i < 8; i++) EXPECT_EQ(tavu_bsw_write1(&w, 1), 0);

@@ -12,7 +12,7 @@ class Buffers : public testing::Test {
     void SetUp() override { memory = {}; }
 };
 
-TEST_F(Buffers, AudioIsOneBlockOrOneForEachChannel) {
+TEST_F(Buffers, AudioHasOneBlockOrOnePerChannel) {
     struct {
         int32_t format, channels, bits, blocks, bytes;
     } const cases[] = {{1, 2, 16, 1, 400}, {99, 9, 12, 1, 1800}, {50, 0, 8, 1, 0},
@@ -48,7 +48,7 @@ TEST_F(Buffers, AudioIsOneBlockOrOneForEachChannel) {
     aligned->release(aligned);
 }
 
-TEST_F(Buffers, BitstreamBufferHoldsOneBlock) {
+TEST_F(Buffers, BitstreamBufferHasOneBlock) {
     memory.second = 3;
     tavu_bitb_t *bits = tavu_bitb_create(12, -9, 0, allocate, release, nullptr);
     EXPECT_EQ(memory.size, 12);
@@ -59,7 +59,7 @@ TEST_F(Buffers, BitstreamBufferHoldsOneBlock) {
     EXPECT_EQ(memory.freed, 1);
     EXPECT_EQ(memory.mismatched, 0);
 
-    // An allocator without a free function keeps its payload.
+    // Without a free function the payload is not freed.
     memory.freed = 0;
     bits = tavu_bitb_create(1, 0, 0, allocate, nullptr, nullptr);
     tavu_audb_t *audio = tavu_audb_create(1, 1, 8, 0, 0, 0, allocate, nullptr, nullptr);
@@ -93,7 +93,7 @@ TEST_F(Buffers, VariableDataEndsInTwoZeros) {
         EXPECT_EQ(vd->type, 42);
     }
 
-    // What the record held already is not freed.
+    // The previous contents of the record are not freed.
     uint8_t *first = copy.data;
     ASSERT_EQ(tavu_vdata_set(&copy, bytes, 1, 7), TAVU_OK);
     EXPECT_EQ(memcmp(first, expected, 5), 0);

@@ -8,7 +8,7 @@
 
 namespace {
 
-// A w x h picture with `pad` more samples on every side, all random.
+// A w x h picture with `pad` samples of padding on every side, all random.
 struct Plane {
     Plane(int32_t width, int32_t height, int32_t padding)
         : w(width),
@@ -18,7 +18,7 @@ struct Plane {
           before(random_bytes(static_cast<size_t>(stride * (h + 2 * pad)), 3)),
           memory(before) {}
 
-    // Every sample is the nearest one of the picture.
+    // The expected result: every sample is the nearest one of the picture.
     Bytes replicated() const {
         Bytes bytes;
         for (int32_t i = 0; i < static_cast<int32_t>(before.size()); i++) {
@@ -34,8 +34,8 @@ struct Plane {
     GuardedBytes memory;
 };
 
-// Chroma counts as half as wide and high in every layout, so that the strips of a larger plane fall
-// into the picture.
+// Chroma is treated as 4:2:0 in every layout, so the strips of larger chroma planes are inside the
+// picture.
 struct Picture {
     Picture(int32_t cs, int32_t w, int32_t h, int32_t pad)
         : planes{{w, h, pad}, {(w + 1) / 2, (h + 1) / 2, pad}, {(w + 1) / 2, (h + 1) / 2, pad}} {
@@ -70,8 +70,8 @@ TEST(Expand, FillsThePaddingWithTheNearestSample) {
     }
 }
 
-// The left strip begins as many bytes left of the picture as there are rows above.
-TEST(Expand, LeftStripBeginsByTheRowCount) {
+// The left strip starts as many bytes before the picture as there are padding rows above.
+TEST(Expand, LeftStripStartsByTheNumberOfRows) {
     Picture picture(10, 4, 3, 4);
     picture.image.ah = 2;
     uint8_t *const row = picture.planes[0].memory.data() + 5 * 12;
@@ -83,7 +83,7 @@ TEST(Expand, LeftStripBeginsByTheRowCount) {
     EXPECT_EQ(memcmp(row, after, sizeof after), 0);
 }
 
-TEST(Expand, LeavesOtherLayoutsAndEmptyPicturesAlone) {
+TEST(Expand, LeavesOtherLayoutsAndEmptyPicturesUnchanged) {
     const uint32_t pads[4] = {1 << 16 | 1, 1 << 16 | 1, 1 << 16 | 1, 1 << 16 | 1};
     Picture picture(10, 4, 4, 1);
     for (const int32_t cs : {0, 14, 43, 100, 200, 400, 500, 600}) {

@@ -1,4 +1,5 @@
-// What a picture needs, in arithmetic that cannot wrap and is exact below 2^53: for the tests and the fuzz target.
+// A model of picture sizes for the tests and the fuzz target. Its arithmetic cannot wrap and is
+// exact below 2^53.
 #ifndef TAVU_TESTS_BUF_GEOMETRY_MODEL_H
 #define TAVU_TESTS_BUF_GEOMETRY_MODEL_H
 
@@ -39,7 +40,7 @@ inline bool is_power(uint32_t n) { return __builtin_popcount(n) == 1; }
 
 inline int64_t divide_up(int64_t n, int64_t by) { return (n + by - 1) / by; }
 
-// The status that creation gives before it allocates, and the bytes that it asks for.
+// The status of creation before it allocates, and the number of bytes that it requests.
 inline PictureSize picture_size(const PictureRequest &r) {
     const LayoutModel layout = layout_model(r.cs);
     if (layout.planes == 0) return {TAVU_ERR_UNSUPPORTED_CS, 0};

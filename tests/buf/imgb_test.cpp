@@ -72,12 +72,12 @@ TEST_F(Imgb, AlignsAndPadsEachPlane) {
         base += static_cast<uint32_t>(strides[p] * rows[p]);
     }
 
-    // Packed formats pad in pixels and use the first entry alone.
+    // Packed formats pad in pixels and use only the first entry.
     const Image packed = create(20, 9, TAVU_CS_RGB888, 0, align, pad);
     EXPECT_EQ(packed->stride[0], (32 + 6) * 3);
     EXPECT_EQ(packed->addr[0] - packed->base[0], 2 * 38 * 3 + 3 * 3);
 
-    // Without a second address only the first plane's offset is left out.
+    // Without a second address, later planes still get their offset.
     memory.second = 0;
     const Image none = create(20, 9, TAVU_CS_YUV420, 0, align, pad);
     EXPECT_EQ(none->paddr[0], 0U);
@@ -85,8 +85,8 @@ TEST_F(Imgb, AlignsAndPadsEachPlane) {
     EXPECT_EQ(none->paddr[1], 38U * 20 + 1);
 }
 
-// Every byte of the payload is as `is_cleared(plane, row, byte)` says, rows and bytes counted from
-// the plane's base.
+// Expects 0 where `is_cleared(plane, row, byte)` is true, with rows and bytes counted from the
+// plane's base, and 0xFF elsewhere.
 template <class Rule>
 void expect_cleared(const tavu_imgb_t &image, int planes, Rule is_cleared) {
     for (int p = 0; p < planes; p++) {
@@ -99,13 +99,13 @@ void expect_cleared(const tavu_imgb_t &image, int planes, Rule is_cleared) {
     }
 }
 
-TEST_F(Imgb, ClearsAlignmentSlack) {
+TEST_F(Imgb, ClearsTheAlignmentArea) {
     const uint32_t align[] = {pair(8, 4), pair(8, 8), pair(4, 4)};
     const Image planar = create(5, 3, TAVU_CS_YUV420, TAVU_IMGB_OPT_CLEAR_ALIGN, align);
     const int w[] = {5, 3, 3}, h[] = {3, 2, 2};
     expect_cleared(*planar, 3, [&](int p, int r, int b) { return r >= h[p] || b >= w[p]; });
 
-    // Packed: rows below the picture lose `aw` bytes, not pixels.
+    // Packed: in rows below the picture `aw` bytes are cleared, not `aw` pixels.
     const Image packed = create(5, 3, TAVU_CS_RGBA8888, TAVU_IMGB_OPT_CLEAR_ALIGN, align);
     expect_cleared(*packed, 1, [](int, int r, int b) { return r >= 3 ? b < 8 : b >= 20; });
 }
@@ -119,7 +119,7 @@ TEST_F(Imgb, ClearsPadding) {
         return r < pv[p] || r >= pv[p] + ah[p] || b < ph[p] || b >= ph[p] + aw[p];
     });
 
-    // Packed: the side padding is counted in bytes.
+    // Packed: the horizontal padding is counted in bytes.
     const Image packed = create(8, 3, TAVU_CS_RGB565, TAVU_IMGB_OPT_CLEAR_PAD, nullptr, pad);
     expect_cleared(*packed, 1, [](int, int r, int b) {
         return r < 2 || r >= 5 || b < 4 || (b >= 12 && b < 16);
@@ -157,8 +157,8 @@ TEST_F(Imgb, FreesThePayloadWithTheLastReference) {
     EXPECT_EQ(memory.mismatched, 0);
 }
 
-// The record is as that of a new image over the same payload.
-TEST_F(Imgb, RebirthLaysTheSamePayloadOutAnew) {
+// The record equals that of a new image with the same payload.
+TEST_F(Imgb, RebirthChangesTheLayoutOfThePayload) {
     struct {
         int32_t w, h, cs;
     } const cases[] = {{8, 4, TAVU_CS_YUV444}, {176, 1, TAVU_CS_YUV400}};

@@ -1,4 +1,4 @@
-// Payload callbacks that record what they are asked for.
+// Payload callbacks that record their arguments.
 #ifndef TAVU_TESTS_RECORDER_H
 #define TAVU_TESTS_RECORDER_H
 
@@ -13,8 +13,8 @@ struct Recorder {
     int allocated, freed;
     int32_t size;
     uint32_t second, step;               // `step` from one second address to the next
-    std::map<void *, uint32_t> seconds;  // of the payloads
-    int mismatched;                      // frees with another second address than was given
+    std::map<void *, uint32_t> seconds;  // the second address of each payload
+    int mismatched;                      // frees with a wrong second address
 };
 inline Recorder memory;
 

@@ -20,7 +20,7 @@ List list_of(const std::string &letters) {
     return list;
 }
 
-TEST(List, InsertsAtTheEndsOnlyAndTakesNegativePositionsForTheFirst) {
+TEST(List, InsertsOnlyAtTheEndsAndTreatsNegativePositionsAsTheFirst) {
     const List list = list_of("abc");
     for (int i : {0, 1, 2, 4}) EXPECT_EQ(tavu_list_insert_at(list.get(), "d", i), nullptr);
     EXPECT_EQ(*static_cast<char *>(tavu_list_insert_at(list.get(), "d", 3)), 'd');

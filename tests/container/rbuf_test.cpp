@@ -63,7 +63,7 @@ TEST(Rbuf, CompletesLinesAndMovesTheTailByTheirLength) {
 
 using State = std::pair<int32_t, int32_t>;  // head and tail
 
-// All texts of a small size, some of a larger one.
+// All texts of a small size; some of a larger size.
 std::vector<Bytes> texts(size_t size) {
     std::vector<Bytes> list;
     for (size_t digits = 0; digits < size_t{1} << 2 * size; digits += size < 5 ? 1 : 13) {
@@ -75,7 +75,7 @@ std::vector<Bytes> texts(size_t size) {
     return list;
 }
 
-// The states that every operation leads to from one.
+// The states that any operation reaches from one state.
 std::set<State> try_everything(RingPair *pair, const State &from) {
     const auto size = static_cast<size_t>(pair->model.s);
     const std::vector<Bytes> lines = texts(size), any = {random_bytes(size, 1)};
@@ -96,7 +96,7 @@ std::set<State> try_everything(RingPair *pair, const State &from) {
     return reached;
 }
 
-TEST(Rbuf, FollowsItsRulesInEveryState) {
+TEST(Rbuf, EqualsItsModelInEveryState) {
     for (int32_t size = 1; size <= 6 && !HasFailure(); size++) {
         RingPair pair(size);
         std::set<State> known;
@@ -109,7 +109,7 @@ TEST(Rbuf, FollowsItsRulesInEveryState) {
     }
 }
 
-TEST(Rbuf, FollowsItsRulesInLargeRings) {
+TEST(Rbuf, EqualsItsModelInLargeRings) {
     const Bytes kinds = {'x', 'x', 'x', '\r', '\n', '\n', '\0'};
     std::mt19937 random(1);
     const auto below = [&](int32_t n) {
@@ -129,7 +129,7 @@ TEST(Rbuf, FollowsItsRulesInLargeRings) {
     }
 }
 
-// Heads and tails far from the storage, between which sums of 32 bits wrap.
+// Heads and tails far outside the storage, whose 32-bit sums and differences wrap.
 TEST(Rbuf, TouchesNothingOutsideItsStorageOrTheDestination) {
     const int32_t far[] = {0, 1, -1, 4, 5, INT32_MIN, INT32_MIN + 3, INT32_MAX, INT32_MAX - 3};
     GuardedBytes storage(Bytes(4, 'x')), line(18);
@@ -148,7 +148,7 @@ TEST(Rbuf, TouchesNothingOutsideItsStorageOrTheDestination) {
 }
 
 // Vectors must stop at the last byte of the storage, and start at the tail.
-TEST(Rbuf, LooksForLineEndsInTheStoredBytesOnly) {
+TEST(Rbuf, SearchesLineEndsOnlyInStoredBytes) {
     constexpr int32_t BEFORE = 40;
     for (int32_t length = 1; length < 100; length++) {
         Bytes content(static_cast<size_t>(BEFORE), '\n');
@@ -164,7 +164,7 @@ TEST(Rbuf, LooksForLineEndsInTheStoredBytesOnly) {
     }
 }
 
-TEST(Rbuf, RefusesWhatItCannotHold) {
+TEST(Rbuf, RefusesSizesBelowOne) {
     for (int size : {0, -1, INT32_MIN}) EXPECT_EQ(create(size), nullptr);
 }
 

@@ -1,5 +1,5 @@
-// The rules of the ring buffer, step by step, over memory in which bytes can be missing: there are
-// none outside the storage and none before the caller's buffer.
+// A byte-by-byte model of the ring buffer, over memory in which bytes can be missing: those outside
+// the storage and those before the caller's buffer.
 #ifndef TAVU_TESTS_CONTAINER_RING_MODEL_H
 #define TAVU_TESTS_CONTAINER_RING_MODEL_H
 
@@ -13,7 +13,7 @@
 
 enum class RingOp { EMPTY, GET, SKIP_HEAD, SKIP_TAIL, LINE, PUT };
 
-// Bytes at the positions 0 to size - 1, with a margin on both sides that nothing may write to.
+// Bytes at positions 0 to size - 1, with a margin on both sides that must not be written.
 class RingMemory {
   public:
     static constexpr int64_t NONE = -1, MARGIN = 8;
@@ -57,35 +57,35 @@ struct RingModel {
 
     int64_t skip_head(int64_t n) {
         if (full()) return 0;
-        const int64_t room = s - h;
+        const int64_t space = s - h;
         if (h < t) return advance(&h, std::min(n, t - 1 - h));
-        if (n < room) return advance(&h, n);
-        if (t == 0) return std::min(n, room - 1);
-        h = n - room < t ? n - room : t - 1;
-        return room + h;
+        if (n < space) return advance(&h, n);
+        if (t == 0) return std::min(n, space - 1);
+        h = n - space < t ? n - space : t - 1;
+        return space + h;
     }
 
     int64_t skip_tail(int64_t n) {
         if (empty()) return 0;
-        const int64_t room = s - t;
+        const int64_t space = s - t;
         if (h > t) return advance(&t, std::min(n, h - t));
-        if (n < room) return advance(&t, n);
-        t = std::min(n - room, h);
-        return room + t;
+        if (n < space) return advance(&t, n);
+        t = std::min(n - space, h);
+        return space + t;
     }
 
     int64_t put(const RingMemory &src, int64_t n) {
         if (n < 0 || full()) return 0;
-        const int64_t room = s - h;
-        if (h < t ? t - h > n : n < room || (t == 0 && n == room)) {
+        const int64_t space = s - h;
+        if (h < t ? t - h > n : n < space || (t == 0 && n == space)) {
             storage.copy(h, src, 0, n);
             return advance(&h, n);
         }
         if (h < t || t == 0) return 0;
-        storage.copy(h, src, 0, room);
-        if (t <= n - room) return 0;
-        h = n - room;
-        storage.copy(0, src, room, h);
+        storage.copy(h, src, 0, space);
+        if (t <= n - space) return 0;
+        h = n - space;
+        storage.copy(0, src, space, h);
         return n;
     }
 
@@ -161,10 +161,10 @@ class RingPair {
         model.storage = RingMemory(storage);
     }
 
-    // One operation on both; false if they differ in the result, in what they write to a buffer of
-    // the size that the header demands, or in their state.
+    // One operation on both; false if they differ in the result, in the state, or in the bytes that
+    // they write to a buffer of the size that the header requires.
     bool step(RingOp op, int32_t n, const std::vector<uint8_t> &src = {}) {
-        RingMemory ours(room(op, n)), wanted = ours;
+        RingMemory ours(target_size(op, n)), wanted = ours;
         const auto [result, right] = run(op, n, src, ours.data(), &wanted);
         model.h = narrow(model.h);
         model.t = narrow(model.t);
@@ -172,7 +172,7 @@ class RingPair {
                same_state();
     }
 
-    // Fills the bytes that may be written in place.
+    // Fills the free bytes at the head in place, without tavu_rbuf_put().
     void write_in_place() {
         uint8_t *at;
         int32_t len;
@@ -190,15 +190,15 @@ class RingPair {
     // Positions and results have 32 bits.
     static int32_t narrow(int64_t value) { return static_cast<int32_t>(value); }
 
-    // Bytes of a destination, as in the header; it is longer than anything delivered.
-    int64_t room(RingOp op, int64_t n) const {
+    // Size of a destination, as in the header; it is larger than any result.
+    int64_t target_size(RingOp op, int64_t n) const {
         const int64_t wanted = std::clamp<int64_t>(n, 0, 2 * model.s + 8);
         if (op == RingOp::GET) return wanted;
         return op == RingOp::LINE ? std::max(wanted, model.h < model.t ? model.s - model.t : 0) + 2
                                   : 0;
     }
 
-    // What the operation returns on the ring and on the model.
+    // Results of the operation on the ring and on the model.
     std::pair<int32_t, int64_t> run(RingOp op, int32_t n, const std::vector<uint8_t> &src,
                                     uint8_t *dst, RingMemory *model_dst) {
         tavu_rbuf_t *ring = ring_.get();

@@ -50,7 +50,7 @@ TEST(Atomic, Wraps) {
     EXPECT_EQ(tavu_atomic_dec(&word), INT32_MAX);
 }
 
-TEST(Sync, AnswersAtOnceWhenTheWordDecides) {
+TEST(Sync, WaitReturnsImmediatelyIfTheWordDecides) {
     int32_t word = 7;
     EXPECT_EQ(tavu_sync_wait(&word, 7), TAVU_OK);
     EXPECT_EQ(tavu_sync_wake(&word, -1), 0);

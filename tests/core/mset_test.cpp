@@ -11,7 +11,7 @@ namespace {
 
 constexpr uint32_t VALUE = 0x11223344;
 
-// Each form of a fill leaves these bytes in a target that ends at an unreadable page.
+// Each level of a fill writes these bytes to a target that ends at an unreadable page.
 template <auto *Fill, class... Arguments>
 void expect_filled(const Bytes &expected, Arguments... arguments) {
     for (const auto &form : variants<Fill>()) {
@@ -22,8 +22,8 @@ void expect_filled(const Bytes &expected, Arguments... arguments) {
     }
 }
 
-// `written` bytes of VALUE's pattern, the last `low` of them its low byte, and `rest` bytes as they
-// were.
+// `written` bytes of VALUE's pattern, the last `low` of them its low byte, and `rest` unchanged
+// bytes.
 Bytes pattern(int written, int low, int rest) {
     constexpr uint8_t PATTERN[] = {0x44, 0x33, 0x22, 0x11};
     Bytes bytes(static_cast<size_t>(written + rest), GuardedBytes::CANARY);
@@ -40,7 +40,7 @@ TEST(Mset, WritesItsBlocksAndItsRemainder) {
     for (int size = -200; size <= 600; size++) sizes.push_back(size);
     for (const int size : sizes) {
         SCOPED_TRACE(size);
-        // With all phases of the target: any, or of whole words where these are asked for.
+        // `rest` and `words` vary the alignment of the target, by bytes or by whole words.
         const int n = std::max(size, 0), rest = n % 37, words = n % 9 * 4;
         expect_filled<tavu_mset_x128>(pattern(n == 0 ? 128 : (n + 127) / 128 * 128, 0, rest), VALUE,
                                       size);
@@ -64,8 +64,8 @@ TEST(Mset, ClearsWholeBlocksOf64Words) {
 
 using Copy = void(void *, const void *, int32_t, int32_t, int32_t, int32_t);
 
-// Copies between guarded blocks of these strides; the `copied(x, y)` bytes of each row must come
-// over and no others.
+// Copies between guarded blocks of these strides; exactly the bytes for which `copied(x, y)` is
+// true must be copied.
 template <class Rule>
 void expect_copied(Copy copy, int dst_stride, int src_stride, int width, int height, Rule copied) {
     SCOPED_TRACE(testing::Message()
@@ -98,7 +98,7 @@ TEST(Mcpy, PicturesRowByRow) {
     }
 }
 
-// Of what remains behind the last 64 bytes of one run only the first byte is copied.
+// Of the remainder after the last 64 bytes of a run, only the first byte is copied.
 void expect_one_run(int width, int height) {
     const int total = width * height;
     expect_copied(tavu_mcpy_pic, width, width, width, height, [&](int x, int y) {

@@ -1,4 +1,4 @@
-// The scalar meaning of the conversions: values worked by hand, properties, and the oddities.
+// The scalar results of the conversions: values computed by hand, properties, and the oddities.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -25,8 +25,8 @@ struct Planes {
     int32_t stride[4];
 };
 
-// Random colours against the equations, in planes of unequal strides; the first channels of a source
-// may stand side by side.
+// Checks random colours by the equations, in planes of unequal strides; the first channels of a
+// source may be interleaved.
 TEST(RgbToYuv, IsExactInEveryPlane) {
     const auto chroma = [](double t) { return t + 128 > 255 ? 255 : static_cast<int>(t) + 128; };
     for (int round = 0; round < 8; round++) {
@@ -83,8 +83,8 @@ TEST(ToYuv, CopiesThreePlanesAndAFourthOnlyIfBothSidesHaveIt) {
     }
 }
 
-// Each 5-6-5 routine against the 8-bit result cut to 5, 6 and 5 bits, and its alpha rule.
-TEST(To565, CutsTheEightBitResult) {
+// Compares each 5-6-5 routine with the 8-bit result truncated to 5, 6 and 5 bits; checks its alpha.
+TEST(To565, TruncatesTheEightBitResult) {
     enum AlphaRule { NONE, OPAQUE, PLANE };
     const struct {
         tavu_fn_csc_t routine;
@@ -104,9 +104,9 @@ TEST(To565, CutsTheEightBitResult) {
         const auto &c = cases[i];
         SCOPED_TRACE(i);
         Planes src(W, 1);
-        const bool grey = c.routine == tavu_csc_r8g8b8a8_to_rgba5658;  // plane 0 is all three
+        const bool grey = c.routine == tavu_csc_r8g8b8a8_to_rgba5658;  // uses only plane 0
         if (grey) src.at[1] = src.at[2] = nullptr;
-        // Rows of units without padding, and of alpha with a stride of their own.
+        // Rows of 5-6-5 pixels have no padding; those of alpha have a stride of 40.
         GuardedBytes units(2 * 2 * W), alpha(static_cast<size_t>(40 + (W - 1) * c.alpha_step + 1));
         uint8_t *dst[4] = {units.data(), c.alpha == NONE ? nullptr : alpha.data()};
         const int32_t dst_stride[4] = {2 * W, 40};
@@ -130,8 +130,8 @@ TEST(To565, CutsTheEightBitResult) {
     }
 }
 
-// Where the two streams of 430 overlap, each pixel's unit is written before its alpha.
-TEST(To565, StreamsThatOverlapAreWrittenPixelByPixel) {
+// If the two streams of 430 overlap, each pixel's colour is written before its alpha.
+TEST(To565, OverlappingStreamsAreWrittenPixelByPixel) {
     constexpr int W = 40;
     Planes src(W, 1);
     Bytes out(3 * W), expected(3 * W), units(2 * W), alpha(3 * W);
@@ -147,7 +147,7 @@ TEST(To565, StreamsThatOverlapAreWrittenPixelByPixel) {
     EXPECT_EQ(out, expected);
 }
 
-// The padding of a row of units counts twice.
+// The padding of a row of 5-6-5 pixels counts twice.
 TEST(To565, RowsAdvanceByTwiceTheStrideLessTheWidth) {
     Planes src(5, 1);
     constexpr int STRIDE = 2 * 5 + 8, ROW_1 = 2 * STRIDE - 2 * 5;
@@ -162,7 +162,7 @@ TEST(To565, RowsAdvanceByTwiceTheStrideLessTheWidth) {
     EXPECT_EQ(Bytes(out.begin() + 10, out.begin() + ROW_1), Bytes(ROW_1 - 10, 0xEE));
 }
 
-// The target code chooses order and pointer; other codes than the named ones too.
+// The target code selects the order and the pointer, even if it is not one of the named codes.
 TEST(ToPacked, OrderAndPointerFollowTheTargetCode) {
     const struct {
         tavu_fn_csc_t routine;
@@ -197,7 +197,7 @@ TEST(ToPacked, OrderAndPointerFollowTheTargetCode) {
     }
 }
 
-TEST(Conversions, WriteNothingForNoWidthOrHeight) {
+TEST(Conversions, WriteNothingWithoutWidthOrHeight) {
     const tavu_fn_csc_t routines[] = {tavu_csc_yuv444_to_rgb888, tavu_csc_r8g8b8a8_to_rgba8888,
                                       tavu_csc_yuv444a8_to_rgba5658, tavu_csc_r8g8b8a8_to_yuv444a8,
                                       tavu_csc_yuv444x_to_yuv444x};

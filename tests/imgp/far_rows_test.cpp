@@ -1,5 +1,5 @@
-// Rows so far apart that products of rows and strides do not fit in 32 bits. Only the rows are memory;
-// the addresses between them are unreadable. For processors with 64-bit addresses.
+// Rows so far apart that products of rows and strides do not fit in 32 bits. Only the rows have
+// memory; the addresses between them are unreadable. For processors with 64-bit addresses.
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -15,7 +15,7 @@ namespace {
 constexpr int ROWS = 3, ROW_BYTES = 4096;
 constexpr int32_t FAR = INT32_MAX - 63, NEAR = ROW_BYTES;
 
-// Addresses without memory, which are kept.
+// Reserves addresses without memory; they are never released.
 uint8_t *reserve(uint64_t size) {
     constexpr int FLAGS = MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE;
     void *map = mmap(nullptr, size, PROT_NONE, FLAGS, -1, 0);
@@ -51,7 +51,7 @@ struct Rows {
     uint8_t *first;
 };
 
-// The rows of a plane: mapping gigabytes takes its time.
+// The rows of a plane; cached, because mapping gigabytes is slow.
 const Rows &plane(int number, int64_t distance, bool random) {
     static std::map<std::pair<int, int64_t>, Rows> planes;
     const Rows &rows = planes.try_emplace({number, distance}, distance).first->second;
@@ -60,7 +60,7 @@ const Rows &plane(int number, int64_t distance, bool random) {
     return rows;
 }
 
-// run(src_stride, dst_stride) returns what it wrote.
+// run(src_stride, dst_stride) returns the bytes that it wrote.
 template <class Run>
 void expect_same_far(const std::string &name, Run run) {
     const Bytes near = run(NEAR, NEAR);
@@ -73,10 +73,10 @@ constexpr int32_t SRC_W = 300;
 struct Size {
     int32_t w, h;
 };
-// Growing, halving, columns of several windows, and too narrow for vectors.
+// Enlarging, halving, columns of several windows, and too narrow for vectors.
 constexpr Size SIZES[] = {{400, 3}, {150, 2}, {40, 3}, {5, 3}};
 
-// Runs a conversion on rows of these strides; its targets.
+// Runs a conversion on rows of these strides; returns its targets.
 Bytes convert(const CscKernel &kernel, tavu_fn_csc_t routine, Size size, int32_t code,
               int32_t src_stride, int32_t dst_stride) {
     uint8_t *src[4] = {}, *dst[4] = {};
@@ -147,7 +147,7 @@ TEST(FarRows, ResizedImages) {
     }
 }
 
-// In bands, where the target may be as large, and a band of 5-6-5 pixels is up to 4 GiB.
+// In band mode the target may be as large, and a band of 5-6-5 pixels up to 4 GiB.
 TEST(FarRows, ResizedBands) {
     constexpr int32_t BAND_H = 64, SRC_S = INT32_MAX / (BAND_H + 16);
     const Rows band(2 * int64_t{SRC_S}, BAND_H);

@@ -16,8 +16,8 @@ struct Delete {
 };
 using Resizer = std::unique_ptr<tavu_irsz_t, Delete>;
 
-// One band at a time in memory that ends at an unreadable page. The last row of a band ends with
-// the bytes that may be carried, that of the image with its width, unless bands are so short that
+// One band at a time in memory that ends at an unreadable page. The last row of a band ends after
+// the bytes that may be carried, and that of the image at its width, unless bands are so short that
 // rows below the image may be read.
 class BandMemory {
   public:
@@ -41,7 +41,7 @@ class BandMemory {
     GuardedBytes memory_;
 };
 
-// Exactly the loop that the header shows.
+// The loop is extracted from the header.
 void run_bands(tavu_irsz_t *rsz, const Reference &r) {
     BandMemory memory(r);
     const int32_t src_h = r.src.h, band_h = r.band_h;
@@ -68,7 +68,7 @@ Bytes resize_by(tavu_irsz_fn driver, const Reference &r, bool *complete) {
     return dst.bytes();
 }
 
-// A whole image by the exported kernel. Lines of 5-6-5 sources count pixels.
+// Resizes a whole image with the exported kernel. Strides of 5-6-5 sources are in pixels.
 Bytes resize_by_kernel(const Reference &r) {
     const int unit = r.f.fmt == TAVU_IRSZ_5B6B5B ? 2 : 1;
     GuardedBytes dst(r.target_size());
@@ -80,7 +80,7 @@ Bytes resize_by_kernel(const Reference &r) {
     return dst.bytes();
 }
 
-// The same by every form of the driver, and by the kernel.
+// Resizes with every level of the driver and with the kernel; all results must be equal.
 Bytes resize(const Reference &r, bool *complete = nullptr) {
     Bytes target = resize_by(r.f.drivers[0].run, r, complete);
     for (size_t i = 1; i < r.f.drivers.size(); i++) {
@@ -92,7 +92,7 @@ Bytes resize(const Reference &r, bool *complete = nullptr) {
     return target;
 }
 
-// As many geometries as TAVU_GEOMETRIES says, or as fit in some seconds.
+// The number of geometries is TAVU_GEOMETRIES, or as many as fit in a few seconds.
 bool enough(int geometries) {
     static const clock_t start = clock();
     const char *count = getenv("TAVU_GEOMETRIES");
@@ -100,7 +100,7 @@ bool enough(int geometries) {
                             : clock() - start > 4 * CLOCKS_PER_SEC;
 }
 
-TEST(Irsz, TheLoopOfTheHeaderGivesTheWholeImageWhereItSaysSo) {
+TEST(Irsz, TheLoopOfTheHeaderGivesTheWholeImageIfBandsSuffice) {
     std::mt19937 random(3);
     const auto pick = [&random](unsigned n) { return 1 + static_cast<int>(random() % n); };
     int sufficed = 0, differ = 0;
@@ -113,7 +113,7 @@ TEST(Irsz, TheLoopOfTheHeaderGivesTheWholeImageWhereItSaysSo) {
         bool complete = false;
         const Bytes target = resize(r, &complete);
         if (!r.bands_suffice()) {
-            // Either no row is written, or as many as there are, of whatever sources.
+            // Either no row is written or all of them, from any source rows.
             ASSERT_EQ(complete, r.band_h >= 1 << r.rows().shift) << r;
             const Bytes nothing(target.size(), GuardedBytes::CANARY);
             ASSERT_EQ(target == nothing, !complete) << r;
@@ -130,7 +130,7 @@ TEST(Irsz, TheLoopOfTheHeaderGivesTheWholeImageWhereItSaysSo) {
     EXPECT_GT(differ, sufficed / 50);
 }
 
-// Steps of 0 among them, where a neighbour counts only if it has weight.
+// Includes steps of 0, where a neighbour is read only if it has weight.
 TEST(Irsz, AnyWeights) {
     std::mt19937 random(4);
     const auto pick = [&random](unsigned n) { return static_cast<int>(random() % n); };
@@ -138,7 +138,7 @@ TEST(Irsz, AnyWeights) {
     EXPECT_EQ(standard, bilinear_weights());
     for (int round = 0; round < 1000 && !HasFailure(); round++) {
         Bytes weights = standard;
-        for (int n = 1 + pick(4) * 20; n > 0; n--) {  // of the first groups, or of all
+        for (int n = 1 + pick(4) * 20; n > 0; n--) {  // of the first groups, or of all groups
             const auto group = static_cast<size_t>(4 * pick(n > 9 ? 64 : 9));
             for (size_t k = 0; k < 4; k++) {
                 weights[group + k] = static_cast<uint8_t>(pick(2) * pick(17));
@@ -170,7 +170,7 @@ TEST(Irsz, RecordHoldsTheGeometry) {
     EXPECT_EQ(rsz->dst, dst);
 }
 
-TEST(Irsz, CreationRefusesWhatItCannotDo) {
+TEST(Irsz, CreationRefusesInvalidParameters) {
     uint8_t dst[4];
     using P = tavu_irsz_param;
     const P good = {20, 11, 4, 4, 4, 4, 2, 2, 2, dst};
@@ -192,7 +192,7 @@ TEST(Irsz, CreationRefusesWhatItCannotDo) {
     }
     EXPECT_EQ(status(good, {{&P::band_h, 3}}), TAVU_ERR);
 
-    // A position has 13 bits before the point, in units of the decimation.
+    // A position has 13 integer bits, in units of the decimation.
     P full = good;
     full.mode = TAVU_IRSZ_MODE_FULL;
     EXPECT_EQ(status(full, {{&P::src_w, 8192}, {&P::dst_w, 8192}}), 0);
@@ -206,7 +206,7 @@ TEST(Irsz, StepCalculator) {
     bilinear_rsz_step_size(17, 640, 17, 100, &x, &y);
     EXPECT_EQ(x, (16 << 18) / 17 << 3);
     EXPECT_EQ(y, ((639 >> 2) << 18) / 100 << 3 | 2);
-    // Decimation by the ratio: 2 keeps every pixel, 3 and 4 every second, and so on up to 16.
+    // Decimation by ratio: 2 keeps every pixel, 3 and 4 every second one, and so on up to 16.
     const int shifts[] = {0, 0, 0, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3, 3, 3, 3, 3, 4};
     for (int ratio = 0; ratio < 40; ratio++) {
         bilinear_rsz_step_size(ratio * 20 + 19, 1, 20, 1, &x, &y);
@@ -248,7 +248,7 @@ TEST(Irsz, WeightTables) {
     EXPECT_EQ(memcmp(tavu_irsz_tbl_rsz_weight + 32, second, 8), 0);
     EXPECT_EQ(memcmp(tavu_tbl_bilinear_rszw, tavu_irsz_tbl_rsz_weight, 256), 0);
 
-    // The resizer reads the writable one, the combined routines neither.
+    // The resizer reads the writable table; the combined routines read neither.
     const uint8_t lower_right[4] = {0, 0, 0, 64}, in[4] = {10, 20, 30, 40};
     uint8_t plane[4], out = 0, rgb[3] = {}, *src[4] = {plane, plane, plane}, *dst[4] = {rgb};
     const int32_t stride[4] = {2, 2, 2};
@@ -261,7 +261,7 @@ TEST(Irsz, WeightTables) {
     EXPECT_EQ(rgb[0], 10);
 }
 
-TEST(IrszKernels, ExtremesStayAndNothingIsWrittenForNothing) {
+TEST(IrszKernels, KeepExtremesAndWriteNothingForEmptyTargets) {
     const Bytes white(64, 255);
     const uint8_t *rows[] = {white.data(), white.data()};
     const uint8_t *weights = tavu_irsz_tbl_rsz_weight + 4 * 3;
@@ -276,7 +276,7 @@ TEST(IrszKernels, ExtremesStayAndNothingIsWrittenForNothing) {
     EXPECT_EQ(out, (Bytes{255, 0x8F, 255, 255, 255, 255, 255, 7, 7, 7}));
 }
 
-// Line kernels take the neighbour's distance from the caller.
+// The caller of a line kernel chooses the neighbour's distance.
 TEST(IrszKernels, LineKernelsStepByDecimationAndNeighbour) {
     const std::pair<tavu_irsz_line_t *, size_t> kernels[] = {
         {tavu_irsz8b_line, 1}, {tavu_irsz8b8b8b_line, 3}, {tavu_irsz8b8b8b8b_line, 4}};

@@ -1,5 +1,5 @@
-// Every variant of every kernel against its model: all widths around a vector, all alignments,
-// several strides and kinds of data, between unreadable pages and canaries.
+// Compares every variant of every kernel with its model: all widths around a vector, all
+// alignments, several strides and kinds of data, between unreadable pages and canaries.
 #include "kernels.h"
 
 #include <gtest/gtest.h>
@@ -17,13 +17,13 @@ struct Shape {
 };
 
 // Runs one routine; every source and target plane ends `slack` bytes before an unreadable page.
-// Returns all targets with what lies between their rows.
+// Returns all targets, including the bytes between their rows.
 Bytes run(const CscKernel &kernel, tavu_fn_csc_t routine, const Shape &s, int32_t code, int content,
           size_t slack) {
     std::deque<GuardedBytes> sources, targets;
     uint8_t *src[4] = {}, *dst[4] = {};
-    // Packed 8-bit targets take the first source stride for all planes; rows of 5-6-5 units lie
-    // twice the stride less twice the width apart.
+    // For packed 8-bit targets the first source stride applies to all planes; the distance of rows
+    // of 5-6-5 pixels is twice the stride minus twice the width.
     const bool packed = code >= 400, third = code == 401 || code == 501, units = code == 200;
     int32_t src_stride[4], dst_stride[4];
     for (int p = 0; p < kernel.src_planes; p++) {
@@ -34,7 +34,7 @@ Bytes run(const CscKernel &kernel, tavu_fn_csc_t routine, const Shape &s, int32_
             sources.emplace_back(
                 make_content(content, size + slack, static_cast<unsigned>(s.width * 31 + p)));
         }
-        // Channels of a packed source stand in either order, alpha last.
+        // Channels of a packed source are in either order, alpha last.
         const int channel = s.height == 2 && p < 3 ? 2 - p : p;
         src[p] = sources.back().data() + (kernel.src_step > 1 ? channel : 0);
     }
@@ -42,7 +42,7 @@ Bytes run(const CscKernel &kernel, tavu_fn_csc_t routine, const Shape &s, int32_
         const int bytes = kernel.dst_bytes[p], stride = s.width * bytes + s.dst_extra;
         targets.emplace_back(plane_size(stride, s.height, s.width * bytes) + slack);
         dst_stride[p] = units && p == 0 ? stride / 2 + s.width : stride;
-        // B, G, R order goes through the third pointer; the others must not be touched.
+        // B, G, R order uses the third pointer; the others must not be accessed.
         dst[third ? 2 : p] = targets.back().data();
     }
     routine(src, s.width, s.height, src_stride, 13, dst, 0, 0, dst_stride, code);
@@ -89,7 +89,7 @@ TEST(Kernels, EqualTheirModelsInEveryShape) {
     }
 }
 
-// The algebra of the vector forms, against the equations: all chroma pairs, and luma in 16 steps.
+// Checks the vector arithmetic by the equations: all chroma pairs, and luma in 16 steps.
 TEST(Kernels, ColourArithmeticIsExact) {
     const auto clamp = [](int x) { return std::clamp(x, 0, 255); };
     for (const auto &variant : variants<tavu_csc_yuv444_to_rgb888>()) {

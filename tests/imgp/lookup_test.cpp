@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(Lookup, FindsEveryPairThatExistsAndNoOther) {
+TEST(Lookup, FindsExactlyTheSupportedPairs) {
     struct {
         int32_t src, dst;
         tavu_fn_csc_t same, resize;
@@ -47,7 +47,7 @@ TEST(Lookup, FindsEveryPairThatExistsAndNoOther) {
     }
 }
 
-TEST(Lookup, TablesHoldTheRoutinesThatTheLookupDoesNotReach) {
+TEST(Lookup, TablesHaveTheRoutinesThatTheLookupDoesNotReturn) {
     EXPECT_EQ(tavu_tbl_fn_csc_to_yuvplanar[0], &tavu_csc_r8g8b8_to_yuv444);
     EXPECT_EQ(tavu_tbl_fn_csc_to_yuvplanar[3], &tavu_csc_r8g8b8a8_to_yuv444a8);
     EXPECT_EQ(std::count(tavu_tbl_fn_csc_to_yuvplanar, tavu_tbl_fn_csc_to_yuvplanar + 16, nullptr),

@@ -1,5 +1,5 @@
-// Every variant of every resize kernel against its model on random sizes. Sources end where the
-// model's last sample does, at an unreadable page; so do targets.
+// Compares every variant of every resize kernel with its model on random sizes. Sources end with
+// the model's last sample at an unreadable page; targets end at an unreadable page too.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -19,7 +19,7 @@ int pick(Random &random, int from, int to) {
     return from + static_cast<int>(random() % static_cast<unsigned>(to - from + 1));
 }
 
-// Small sizes often, rows of several thousand pixels and steep ratios sometimes.
+// Often small sizes, sometimes rows of several thousand pixels and steep ratios.
 int pick_size(Random &random) {
     const int largest[] = {4, 40, 40, 200, 600};
     return pick(random, 1, largest[random() % 5]);
@@ -54,11 +54,11 @@ struct Case {
         bilinear_rsz_step_size(src_w, src_h, dst_w, dst_h, &step_x, &step_y);
     }
 
-    // Of a wide target, for the models take their time.
+    // Limits the rows of a wide target, because the models are slow.
     void limit_rows() { dst_h = std::min(dst_h, std::max(1, 16000 / dst_w)); }
 
-    // Source pixels of an axis up to the last sample, and to its neighbour if that is read: with a
-    // step, or if weights may be others than the standard ones.
+    // Source pixels of an axis up to the last sample, and to its neighbour if that is read: if the
+    // step is not 0 or the weights may not be the standard ones.
     static int reach(int32_t packed, int outputs, bool any_weights) {
         const int32_t step = packed >> 3, unit = 1 << (packed & 7);
         const bool neighbour = step != 0 || any_weights;
@@ -96,7 +96,7 @@ TEST(ResizeKernels, WholeImagesEqualTheirModels) {
                      c.step_x, c.step_y);
                 return written(dst);
             };
-            // Kernels read the writable table, whatever it holds.
+            // Kernels read the writable table, whatever it contains.
             const uint8_t weight = tavu_irsz_tbl_rsz_weight[round % 256];
             if (other) tavu_irsz_tbl_rsz_weight[round % 256] ^= 3;
             const Bytes expected = run(kernel.model.full);
@@ -109,8 +109,8 @@ TEST(ResizeKernels, WholeImagesEqualTheirModels) {
     }
 }
 
-// Lines take the neighbour's distance and any weights from the caller: all groups, in 228 bytes. A row
-// that stays at position 0 reads one group, and no pixels without weight.
+// The caller of a line kernel chooses the neighbour's distance and the weights: all groups, in 228
+// bytes. A row that stays at position 0 reads one group, and only pixels with weight.
 TEST(ResizeKernels, LinesEqualTheirModels) {
     Random random(2);
     Bytes other_weights = random_bytes(256, 5);
@@ -150,7 +150,7 @@ TEST(ResizeKernels, LinesEqualTheirModels) {
     }
 }
 
-// One pixel; its products are wrapped to 16 bits or not.
+// Converts one pixel; `wrap` reduces the products to 16 bits.
 void to_rgb(int *yuv, bool wrap) {
     const int y = yuv[0], u = yuv[1] - 128, v = yuv[2] - 128;
     const auto term = [wrap](int x) { return ((wrap ? static_cast<int16_t>(x) : x) + 128) >> 8; };
@@ -159,8 +159,8 @@ void to_rgb(int *yuv, bool wrap) {
     yuv[2] = std::clamp(y + term(454 * u), 0, 255);
 }
 
-// What a combined routine writes, with canaries between the rows: each plane by the single-channel
-// resizer, then pixel by pixel, where products wrap in groups of eight.
+// The expected output of a combined routine, with canaries between the rows: resizes each plane
+// with the single-channel resizer, then converts each pixel; products wrap in groups of eight.
 Bytes combine(const CscKernel &kernel, const Case &c, uint8_t *const *src,
               const int32_t *src_stride, bool bottom_up) {
     const bool yuv = std::string(kernel.name).find("yuv") == 0;
@@ -203,7 +203,7 @@ TEST(ResizeKernels, CombinedRoutinesResizeEachPlaneThenConvert) {
             const auto check = [&](const char *level, tavu_fn_csc_t routine) {
                 GuardedBytes target(plane_size(stride, c.dst_h, row));
                 uint8_t *dst[4] = {target.data() + (bottom_up ? stride * (c.dst_h - 1) : 0)};
-                // The order of the target code counts in conversions alone.
+                // Combined routines ignore the channel order of the target code.
                 routine(src, c.src_w, c.src_h, src_stride, 13, dst, c.dst_w, c.dst_h, dst_stride,
                         501);
                 ASSERT_EQ(written(target), expected) << kernel.name << ' ' << level << ' ' << c;
@@ -215,8 +215,8 @@ TEST(ResizeKernels, CombinedRoutinesResizeEachPlaneThenConvert) {
     }
 }
 
-// The same strong red: wrapped in the group of eight, exact in the remainder.
-TEST(CscRsz, BothArithmeticsStandInOneRow) {
+// The same saturated red: wrapped in the group of eight, exact in the remainder.
+TEST(CscRsz, WrappedAndExactPixelsInOneRow) {
     Bytes y(64, 128), u(64, 128), v(64, 255);
     uint8_t *src[4] = {y.data(), u.data(), v.data()}, out[11 * 3], *dst[4] = {out};
     const int32_t src_stride[4] = {8, 8, 8}, dst_stride[4] = {33};

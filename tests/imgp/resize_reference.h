@@ -1,4 +1,4 @@
-// A resize pixel by pixel, from products of positions, without state and from any weights.
+// A pixel-by-pixel resizer with any weights: positions are products, and there is no state.
 #ifndef TAVU_TESTS_IMGP_RESIZE_REFERENCE_H
 #define TAVU_TESTS_IMGP_RESIZE_REFERENCE_H
 
@@ -11,7 +11,7 @@
 struct Format {
     int fmt, src_bytes, dst_bytes;
     tavu_irsz_full_t *full;
-    std::vector<Variant<tavu_irsz_fn>> drivers;  // first the exported one
+    std::vector<Variant<tavu_irsz_fn>> drivers;  // the exported one first
 };
 inline const Format FORMATS[] = {
     {TAVU_IRSZ_8B, 1, 1, tavu_irsz8b_full, variants<tavu_irsz8b>()},
@@ -46,7 +46,7 @@ inline Bytes bilinear_weights() {
 }
 
 struct Size {
-    int w, h, gap;  // gap: pixels from row to row
+    int w, h, gap;  // gap: pixels between rows
     int stride() const { return w + gap; }
 };
 
@@ -54,7 +54,7 @@ struct Reference {
     Format f;
     Size src, dst;
     int band_h;      // 0: whole image
-    bool bottom_up;  // the target
+    bool bottom_up;  // order of target rows
     Bytes weights, plane;
 
     Reference(const Format &format, Size source, Size target, int band, unsigned seed = 1,
@@ -89,7 +89,7 @@ struct Reference {
                 band_h > 0 && t / band_h != u / band_h};
     }
 
-    // The source, and the rows and columns outside that have weight, which takes a step of 0.
+    // Pixels of the source, with rows and columns outside that have weight if a step is 0.
     int64_t plane_pixels() const {
         int64_t w = src.w, h = src.h;
         for (int pixel = 0; pixel < dst.w * dst.h; pixel++) {
@@ -102,7 +102,7 @@ struct Reference {
         return (h - 1) * src.stride() + w;
     }
 
-    // Channel k of a source pixel; of a carried 5-6-5 row only the first half of a stride is kept.
+    // Channel k of a source pixel; a carried 5-6-5 row has only the first half of its stride.
     int64_t sample(int64_t x, int64_t y, int k, bool carried) const {
         const uint8_t *p = &plane[static_cast<size_t>((y * src.stride() + x) * f.src_bytes)];
         if (f.fmt != TAVU_IRSZ_5B6B5B) return k < f.src_bytes ? p[k] : 0;

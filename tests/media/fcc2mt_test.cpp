@@ -14,7 +14,7 @@ uint32_t fcc(const std::string &s) {
     return code;
 }
 
-// A mapper of its own family knows the code, the others do not.
+// Only the mapper of its own family knows the code.
 void expect(uint32_t code, int32_t mt) {
     EXPECT_EQ(tavu_fcc2mt(code), mt) << code;
     EXPECT_EQ(tavu_fcc2mt_vid(code), mt >= 102 && mt < 300 ? mt : 299) << code;
@@ -23,7 +23,7 @@ void expect(uint32_t code, int32_t mt) {
     EXPECT_EQ(tavu_fcc2mt_drm(code), 1299) << code;
 }
 
-TEST(Fcc2mt, FamiliesKnowTheirOwnCodesOnly) {
+TEST(Fcc2mt, FamiliesMapOnlyTheirOwnCodes) {
     EXPECT_EQ(fcc("avc1"), 0x31637661U);
     const std::pair<int32_t, std::string> families[] = {
         {102, "m4s2M4S2dx50DX50FMP4DIV4div4XVIDxvidmp4vMP4V"},
@@ -65,7 +65,7 @@ TEST(Fcc2mt, WaveFormatTagsAreAudio) {
     for (const auto &[tag, mt] : tags) expect(static_cast<uint32_t>(tag), mt);
 }
 
-TEST(Fcc2mt, DrmIsSeenByItsOwnMapperAloneAndOtherSpellingsByNone) {
+TEST(Fcc2mt, OnlyTheDrmMapperFindsDrmAndNoneFindsOtherSpellings) {
     for (const char *text : {"DIVX", "divx"}) {
         EXPECT_EQ(tavu_fcc2mt_drm(fcc(text)), TAVU_MT_DRM_DIVX);
         EXPECT_EQ(tavu_fcc2mt(fcc(text)), TAVU_MT_VID_MPEG4);

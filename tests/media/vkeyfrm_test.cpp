@@ -33,7 +33,7 @@ TEST(Vkeyfrm, H264FindsTheFirstSlice) {
     expect(TAVU_MT_VID_H264, {{{0, 0, 1, 0x67, 9, 0, 0, 1, 0x68, 9, 0, 0, 1, 0x65}, 1},
                               {{0, 0, 0, 1, 0x09, 0x10, 0, 0, 0, 1, 0x25}, 1},
                               {{0, 0, 1, 0x41}, 0},
-                              {{0, 0, 1, 0x85}, 1},  // bit 7 does not belong to the type
+                              {{0, 0, 1, 0x85}, 1},  // bit 7 is not part of the type
                               {{0, 0, 1, 0xE1, 0, 0, 1, 0x65}, 0},
                               {{0, 0, 1, 0x41, 0, 0, 1, 0x65}, 0},
                               {{0, 0, 1, 0x67, 0, 0, 2, 0x65, 0, 1, 0x65}, 0},
@@ -57,7 +57,7 @@ TEST(Vkeyfrm, Mpeg4LooksForAVopOrAShortHeader) {
                                {{0, 0, 0x83, 2, 0x0A}, 0},
                                {{0, 0, 0x80, 1, 0x08}, 0},
                                {{0, 0, 0x84, 2, 0x08}, 0},
-                               // A short header of extended type is passed over.
+                               // A short header of extended type is skipped.
                                {{0, 0, 0x80, 2, 0x1E, 0, 0, 1, 0xB6, 0x10}, 1}});
 }
 
@@ -77,7 +77,7 @@ TEST(Vkeyfrm, H263ReadsThePictureType) {
                        {{0, 0, 0x80, 2, 0x1D, 0x0F, 0, 0x1C}, 1},
                        {{0, 0, 0x80, 2, 0x1D, 0x80, 0, 0x1C}, 1}});
     }
-    // With the optional part the picture type may lie one byte beyond a unit of seven.
+    // With the optional part the picture type may be one byte past the end of a 7-byte unit.
     const uint8_t unit[] = {0, 0, 0x80, 2, 0x1C, 0x80, 0, 0x04};
     EXPECT_EQ(tavu_is_vkeyfrm(TAVU_MT_VID_H263, unit, 7), 0);
 }
@@ -95,12 +95,12 @@ TEST(Vkeyfrm, CodecsAndSizesThatAreAlwaysOrNeverKeys) {
     for (int32_t codec : {107, 113, 114, 115, 116, 117, 118, 119, 299, 0, -1, 306}) {
         EXPECT_EQ(is_key(codec, idr), 0) << codec;
     }
-    // Negative sizes hold nothing.
+    // Negative sizes count as empty.
     for (int32_t codec : {102, 103, 104, 120}) EXPECT_EQ(tavu_is_vkeyfrm(codec, idr.data(), -1), 0);
 }
 
-// Before an unreadable page, in bytes that almost are start codes.
-TEST(Vkeyfrm, FindsCodesAtEveryPositionAndOnlyWhole) {
+// The units end at an unreadable page and contain bytes that are almost start codes.
+TEST(Vkeyfrm, FindsOnlyCompleteCodesAtEveryPosition) {
     struct {
         int32_t codec;
         Bytes code;
@@ -127,8 +127,8 @@ TEST(Vkeyfrm, FindsCodesAtEveryPositionAndOnlyWhole) {
     }
 }
 
-// Codes of other kinds, close together and far apart, are passed over one by one.
-TEST(Vkeyfrm, PassesOverManyCodesThatDoNotDecide) {
+// Codes of other kinds, close together and far apart, are skipped one by one.
+TEST(Vkeyfrm, SkipsManyCodesThatDoNotDecide) {
     for (size_t distance = 4; distance < 150; distance++) {
         Bytes unit(12 * distance + 4, 9);
         for (size_t at = 0; at < unit.size(); at += distance) unit[at] = unit[at + 1] = 0;

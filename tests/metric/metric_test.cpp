@@ -1,4 +1,4 @@
-// Block metrics of every level against their definitions, on blocks that end at an unreadable page.
+// Compares block metrics of every level with their definitions, on blocks that end at a guard page.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -24,8 +24,8 @@ class Metric : public testing::TestWithParam<size_t> {
 };
 INSTANTIATE_TEST_SUITE_P(Levels, Metric, testing::Range<size_t>(0, variants<tavu_ssd>().size()));
 
-// A block in memory that ends `slack` bytes before an unreadable page. If it is upside down, the stride
-// is negative and the first row is the last one in memory.
+// A block in memory that ends `slack` bytes before an unreadable page. If it is upside down, the
+// stride is negative and the first row is the last one in memory.
 struct Block {
     Block(int width, int height, int extra, size_t slack, int content, unsigned seed,
           bool upside_down)
@@ -41,8 +41,8 @@ struct Block {
     GuardedBytes memory;
 };
 
-// Calls check(a, b) for blocks of every content, several strides of all signs and 16 alignments. Kernels
-// of four columns have four more readable bytes.
+// Calls check(a, b) for blocks of every content, several strides of both signs and 16 alignments.
+// Kernels of four columns may read four more bytes.
 template <class Check>
 void for_each_pair(int width, int height, Check check) {
     const size_t readable = width == 4 ? 4 : 0;
@@ -85,7 +85,7 @@ TEST_P(Metric, SadOfFixedSizes) {
     }
 }
 
-TEST_P(Metric, SadOfEveryWidthButEightIsThatOfSixteen) {
+TEST_P(Metric, SadTreatsEveryWidthExceptEightAsSixteen) {
     for (const int width : {8, 0, 4, 12, 16, 32, -8}) {
         EXPECT_EQ(get<tavu_sad>()(width, 0, nullptr, nullptr, 0, 0), 0);
         for (const int height : {4, 8, 12, 16, 20, 256}) {
@@ -99,12 +99,12 @@ TEST_P(Metric, SadOfEveryWidthButEightIsThatOfSixteen) {
     }
 }
 
-// Ten rows: two groups of four, and two rows more.
-TEST_P(Metric, EarlySkipStopsAfterTheRowThatExceeds) {
+// Ten rows: two groups of four, and two more rows.
+TEST_P(Metric, EarlySkipStopsAfterTheRowThatExceedsTheThreshold) {
     constexpr int ROWS = 10;
     for (const int width : {4, 8, 12, 16, 20, 28, 32, 36, 64, 68}) {
         for (int i = 0; i < 16; i++) {
-            // Words around the rows of b are readable, no byte more.
+            // Only the aligned words that contain the rows of b are readable.
             const int align = i % 4;
             Block a(width, ROWS, 4, 0, RANDOM, 1, i & 4);
             Block b(width + align, ROWS, 8 - align, static_cast<size_t>(4 - align) % 4, RANDOM, 2,
@@ -135,10 +135,10 @@ TEST_P(Metric, EarlySkipStopsAfterTheRowThatExceeds) {
               255 * 8421504);  // 127 below the largest result
 }
 
-TEST_P(Metric, DifferencesAreWrittenAndNothingElse) {
+TEST_P(Metric, DiffWritesOnlyTheDifferences) {
     const auto check = [](int width, int height, const auto &run) {
         for_each_pair(std::max(width, 1), std::max(height, 1), [&](Block &a, Block &b) {
-            for (const int gap : {0, 3, -3}) {  // below 0 for a negative stride
+            for (const int gap : {0, 3, -3}) {  // negative for a negative stride
                 const int step = std::max(width, 1) + std::abs(gap);
                 const int samples = height < 1 ? 0 : step * (height - 1) + std::max(width, 0);
                 GuardedBytes memory(static_cast<size_t>(samples) * 2);
@@ -169,13 +169,13 @@ TEST_P(Metric, DifferencesAreWrittenAndNothingElse) {
     }
 }
 
-// 255 between all samples of 64 columns and any number of rows.
+// The SSD of 64 columns and `rows` rows whose samples all differ by 255.
 int32_t largest_ssd(tavu_metric_area_t *ssd, int rows) {
     const Bytes white(64, 255), black(64, 0);
     return ssd(64, rows, white.data(), black.data(), 0, 0);
 }
 
-TEST_P(Metric, SsdOfOtherWidthsIsThatOf64) {
+TEST_P(Metric, SsdTreatsOtherWidthsAs64) {
     for (const int width : {4, 8, 16, 32, 64, 0, 5, 7, 9, 15, 17, 31, 33, -4}) {
         const bool known = width == 4 || width == 8 || width == 16 || width == 32;
         const int columns = known ? width : 64, unit = columns == 64 ? 1 : columns == 32 ? 2 : 4;
@@ -194,7 +194,7 @@ TEST_P(Metric, SsdOfOtherWidthsIsThatOf64) {
     EXPECT_EQ(static_cast<uint32_t>(largest_ssd(get<tavu_ssd>(), 1032)), 66048U * 65025);
 }
 
-// Sums of magnitudes of each horizontal frequency, by the sign matrix of the transform.
+// Sums of magnitudes of each horizontal frequency, computed with the transform's sign matrix.
 std::vector<int> magnitudes(int size, Block &a, Block &b, int x0, int y0) {
     const auto sign = [](int u, int x) {
         return __builtin_parity(static_cast<unsigned>(u & x)) ? -1 : 1;
@@ -216,7 +216,7 @@ std::vector<int> magnitudes(int size, Block &a, Block &b, int x0, int y0) {
     return sums;
 }
 
-// Sum over the tiles that cover the area.
+// The sum over all tiles that cover the area.
 int satd_of(int size, int width, int height, Block &a, Block &b) {
     int sum = 0;
     for (int y = 0; y < height; y += size) {
@@ -231,7 +231,7 @@ int satd_of(int size, int width, int height, Block &a, Block &b) {
     return sum;
 }
 
-TEST_P(Metric, SatdIsTheTransformsMagnitude) {
+TEST_P(Metric, SatdIsTheMagnitudeOfTheTransform) {
     for_each_pair(4, 4, [](Block &a, Block &b) {
         const int expected = satd_of(4, 4, 4, a, b);
         ASSERT_EQ(get<tavu_satd4x4>()(a.at(), b.at(), a.stride, b.stride), expected);
@@ -280,9 +280,9 @@ TEST_P(Metric, SatdOfAnAreaIsTheSumOfItsTiles) {
     }
 }
 
-// The residual 255 s(y) t(x) of signs has coefficients of which those of one u may sum to more than 15
-// bits: each sum wraps on its own, as a signed number. Two never do at once, by Parseval: each needs half
-// of the largest energy.
+// For residuals 255 s(y) t(x) with signs s and t, the coefficients of one u may sum to more than 15
+// bits. Each sum wraps separately, as a signed number. By Parseval two sums never wrap at once:
+// each needs half of the largest energy.
 TEST_P(Metric, Satd8x8SumsEachFrequencyIn16Bits) {
     Block a(8, 8, 0, 0, RANDOM, 1, false), b(8, 8, 0, 0, RANDOM, 2, false);
     int wrapped = 0;
@@ -299,7 +299,7 @@ TEST_P(Metric, Satd8x8SumsEachFrequencyIn16Bits) {
     EXPECT_GT(wrapped, 100);
 }
 
-// Residuals of one value per row have one horizontal frequency, of the magnitude 8 sum |C(v)|.
+// Residuals with one value per row have one horizontal frequency of magnitude 8 sum |C(v)|.
 TEST_P(Metric, SmallestSatd8x8) {
     const struct {
         int residual[8], satd;
@@ -317,8 +317,8 @@ TEST_P(Metric, SmallestSatd8x8) {
     }
 }
 
-// The largest residual of which every coefficient is 64 * 255 / 8: a sign for each bit that column and
-// row have in common. The same holds for its quarters.
+// The residual of magnitude 255 whose coefficients are all 64 * 255 / 8: its sign is the parity of
+// the bits that column and row have in common. The same holds for its quarters.
 TEST_P(Metric, LargestSatdOfAnArea) {
     constexpr int WIDTH = 2184, HEIGHT = 1928, MORE = 8;  // 4,210,752 samples
     Bytes a(static_cast<size_t>(WIDTH + MORE) * HEIGHT), b(a.size());

@@ -1,5 +1,5 @@
-// The level is chosen from the processor's answers, and the dynamic linker binds every kernel to it. The
-// processor is asked here by the compiler's own means, not as the library asks it.
+// The level is chosen from the results of cpuid, and the dynamic linker binds every kernel to it.
+// The test detects the processor with the compiler's builtins, not with the library's code.
 #include <cpuid.h>
 #include <gtest/gtest.h>
 
@@ -14,8 +14,8 @@
 
 namespace {
 
-// A processor with made-up answers. The test fails on a question that a real processor would answer
-// with a signal or with nonsense.
+// A processor with made-up cpuid results. The test fails on queries for which a real processor
+// raises a signal or returns meaningless values.
 struct MadeUpProcessor {
     struct Leaves {
         tavu::CpuidResult basic, features, extended, more;
@@ -42,7 +42,7 @@ TEST(LevelChoice, NeedsEveryFeatureOfALevel) {
     Leaves all = {ALL, ALL, ALL, ALL, ~0U}, needed = {{7, 0, 0, 0}, {}, {}, {}, 0};
     struct Needed {
         unsigned &(*in)(Leaves &);
-        int level;  // of a processor that lacks any of the bits
+        int level;  // level of a processor that lacks any of the bits
         std::vector<int> bits;
     };
     const Needed table[] = {
@@ -87,7 +87,7 @@ bool has_v4() {
            __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi");
 }
 
-// For runs under an emulator, which knows what it emulates.
+// The environment variable is for emulators, whose processor is known.
 int processor_level() {
     if (const char *expected = std::getenv("TAVU_EXPECTED_LEVEL")) return expected[0] - '0';
     return !has_v3() ? 2 : has_v4() ? 4 : 3;
@@ -115,7 +115,7 @@ TEST(Dispatch, BindsTheLevelOfTheProcessor) {
     expect_bound(variants<tavu_diff>(), 4, "diff");
 }
 
-// Whether registers hold anything above their lower 16 bytes.
+// Whether any register has bits set above its lower 16 bytes.
 bool upper_halves_in_use() {
     constexpr unsigned AVX = 1U << 2;
     unsigned low, high;
@@ -125,7 +125,7 @@ bool upper_halves_in_use() {
 
 bool can_tell_upper_halves() {
 #if !defined(NDEBUG)
-    return false;  // compilers clear them in optimised code alone
+    return false;  // compilers clear them only in optimised code
 #endif
     constexpr unsigned XGETBV_OF_1 = 1U << 2;
     unsigned a = 0, b, c, d;
@@ -137,9 +137,9 @@ bool can_tell_upper_halves() {
     return used && !upper_halves_in_use();
 }
 
-// What follows in registers of 16 bytes, ours or the caller's, would take three times as long.
+// Otherwise later code with 16-byte registers, ours or the caller's, takes three times as long.
 TEST(Levels, LeaveTheUpperHalvesOfRegistersClear) {
-    if (!can_tell_upper_halves()) GTEST_SKIP() << "not optimised, or the processor does not tell";
+    if (!can_tell_upper_halves()) GTEST_SKIP() << "not optimised, or not reported by the processor";
     for (const NamedCase &kernel : kernel_cases()) {
         const Case prepared = kernel.prepare();
         for (size_t form = 1; form < prepared.forms.size(); form++) {

@@ -1,5 +1,5 @@
 """Levels share no code. The linker keeps one body of each weak symbol, and a body compiled for v3 must
-not end up in code for v2. Weak symbols of kernel files are therefore named after their level.
+not be used by code for v2. Weak symbols of kernel files therefore contain their level.
 
 usage: levels_test.py COMPILE_COMMANDS
 """
@@ -14,10 +14,10 @@ import unittest
 
 
 def weak_symbols(unit):
-    """Those of a file's object, without those named after the level."""
+    """The weak symbols of a file's object whose names do not contain the level."""
     level = re.search(r"-march=x86-64-v(\d)", unit["command"]).group(1)
     with tempfile.NamedTemporaryFile(suffix=".o") as file:
-        # Without inlining every function that is called has a body.
+        # Without inlining, every called function has a body.
         command = re.sub(r" -o \S+", f" -o {file.name} -O0 -U_FORTIFY_SOURCE -w", unit["command"])
         subprocess.run(shlex.split(command), cwd=unit["directory"], check=True)
         names = subprocess.check_output(["nm", file.name], text=True)

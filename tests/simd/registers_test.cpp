@@ -1,5 +1,5 @@
-// Routines keep the registers that a caller may hold values in: r4 to r11 and d8 to d15. Compilers see
-// to that for what they know; instructions written by hand must tell them.
+// Routines preserve the callee-saved registers: r4 to r11 and d8 to d15. Compilers guarantee that
+// for their own code; inline assembly must list the registers that it changes.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -20,8 +20,8 @@ using Marks = std::array<uint32_t, 8 + 16>;
 
 #define NAKED extern "C" __attribute__((naked, no_profile_instrument_function))
 
-// Calls the routine with four words in registers and the rest on the stack. The marks are in the
-// registers before, and what the registers hold afterwards is written over them.
+// Calls the routine with four words in registers and the rest on the stack. The registers are set
+// to the marks before the call, and their values after it replace the marks.
 NAKED void call_with_marks(const void * /*routine*/, const uint32_t * /*arguments*/,
                            uint32_t * /*marks*/) {
     __asm__(
@@ -82,7 +82,7 @@ class Registers : public testing::Test {
 NAKED void spoil_r7() { __asm__("mov r7, #0\n bx lr\n"); }
 NAKED void spoil_d11() { __asm__("vmov.i8 d11, #0\n bx lr\n"); }
 
-TEST_F(Registers, SpoiledOnesAreSeen) {
+TEST_F(Registers, ChangedOnesAreDetected) {
     EXPECT_FALSE(keeps_registers(spoil_r7));
     EXPECT_FALSE(keeps_registers(spoil_d11));
 }

@@ -22,8 +22,8 @@ class Text {
     const char *text_;
 };
 
-// Space for a string that ends at an unreadable page and holds no zero yet.
-struct Room : GuardedBytes {
+// A buffer for a string: it ends at an unreadable page and contains no zero.
+struct Output : GuardedBytes {
     using GuardedBytes::GuardedBytes;
     char *get() { return reinterpret_cast<char *>(data()); }
 };

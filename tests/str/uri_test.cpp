@@ -9,26 +9,26 @@ namespace {
 void expect_parts(const Cases &cases) {
     for (const Case &c : cases) {
         const Text uri(c.text);
-        const size_t room = (c.text != nullptr ? strlen(c.text) : 0) + 2;
-        Room scheme(room), host(room), port(room), path(room);
+        const size_t size = (c.text != nullptr ? strlen(c.text) : 0) + 2;
+        Output scheme(size), host(size), port(size), path(size);
         const char *rest = "untouched";
         std::string found = std::to_string(
             tavu_str_parse_uri(uri, scheme.get(), host.get(), port.get(), path.get(), &rest));
-        for (Room *part : {&scheme, &host, &port, &path}) found += std::string("|") + part->get();
+        for (Output *part : {&scheme, &host, &port, &path}) found += std::string("|") + part->get();
         EXPECT_EQ(found + "|" + uri.at(rest), c.expected) << c.text;
     }
 }
 
 void expect_conversion(const Cases &cases, int32_t (*convert)(const char *, char *)) {
     for (const Case &c : cases) {
-        Room dst(c.expected.size() + 1);
+        Output dst(c.expected.size() + 1);
         const auto len = static_cast<size_t>(convert(Text(c.text), dst.get()));
         EXPECT_EQ(std::string(dst.get(), len + 1), c.expected + '\0');
     }
 }
 
-// Line ends count as delimiters; a path comes from the next line, with the length of its own.
-TEST(Uri, SplitsIntoItsParts) {
+// Line ends count as delimiters; a path is copied from the next line, with its own length.
+TEST(Uri, SplitsIntoComponents) {
     const Cases cases = {{nullptr, "-1|||||-"},
                          {" \t\r\n ", "-1|||||-"},
                          {"cam:554", "-1|||||-"},
@@ -63,7 +63,7 @@ TEST(Uri, UnescapesDecimalDigitsOnly) {
 }
 
 TEST(Uri, PercentSignAsLastByteReadsOneByteAfterTheZero) {
-    Room src(Bytes{'a', '%', '\0', '7'}), dst(3);
+    Output src(Bytes{'a', '%', '\0', '7'}), dst(3);
     EXPECT_EQ(tavu_str_conv_uri2a(src.get(), dst.get()), 2);
     EXPECT_STREQ(dst.get(), "a\x07");
 }

@@ -17,7 +17,7 @@ void expect_bounds(const Cases &cases) {
     }
 }
 
-// Status, length and offset of what follows.
+// Status, length and offset of the text after the token.
 template <typename Parse>
 void expect_pieces(const Cases &cases, Parse parse) {
     for (const Case &c : cases) {
@@ -30,7 +30,7 @@ void expect_pieces(const Cases &cases, Parse parse) {
     }
 }
 
-// The last byte ends nothing, but a string or remainder of one byte is a word.
+// The last byte is never a word end, but a string or remainder of one byte is a word.
 TEST(Words, Bounds) {
     const Cases cases = {{nullptr, "- - - -"},     {"   ", "- - - -"},
                          {" \t\r\nab", "4 - 4 3"}, {"  ab cd", "2 3 2 -"},
@@ -54,7 +54,7 @@ TEST(Words, TokensEndedByAByte) {
     });
 }
 
-// Unlike with a byte, the end of the string ends no token.
+// Unlike with a byte, the end of the string does not end a token.
 TEST(Words, TokensEndedByAString) {
     const Cases cases = {{nullptr, "-1 0 -", ""},  {"rtsp://a://", "0 4 7", "://"},
                          {"abc", "-1 0 -", "://"}, {"ab\r\ncd", "0 2 3", "://"},
@@ -72,9 +72,9 @@ TEST(Words, OneLine) {
     });
 }
 
-TEST(Words, TokensWithoutAskingForWhatFollows) {
+TEST(Words, TokensWithANullNext) {
     int32_t len = 99;
-    // Only the low 8 bits of a delimiter count.
+    // Only the low 8 bits of a delimiter are used.
     for (const int delim : {0xE9, -0x17, 0x1E9, INT32_MAX - 0x16}) {
         EXPECT_EQ(tavu_str_parse_by_ctok(Text("a\xE9z"), delim, &len, nullptr) + len, 1) << delim;
     }

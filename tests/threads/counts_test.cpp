@@ -1,5 +1,5 @@
-// Counters and reference counts from several threads. Every thread writes to the payload while it holds
-// a reference: whoever drops the last one frees it, after all of that.
+// Counters and reference counts in several threads. Every thread writes to the payload while it
+// holds a reference; the one that drops the last reference frees it after all writes.
 #include "tavu.h"
 #include "threads.h"
 
@@ -18,14 +18,14 @@ void release(void *payload, uint32_t) {
 // Each thread takes references, uses its part of the payload and drops all of them.
 template <class Object>
 void share(Object *object, uint8_t *payload) {
-    require(object != nullptr, "an object");
+    require(object != nullptr, "the object is created");
     for (int i = 1; i < THREADS; i++) object->addref(object);
     run_threads(THREADS, [=](int thread) {
         for (int i = 0; i < 50; i++) {
-            require(object->addref(object) > 1, "a reference more");
-            require(object->getref(object) > 1, "as many as are held");
+            require(object->addref(object) > 1, "addref counts a reference");
+            require(object->getref(object) > 1, "getref counts the held references");
             payload[thread] = static_cast<uint8_t>(payload[thread] + 1);
-            require(object->release(object) >= 1, "not the last one");
+            require(object->release(object) >= 1, "release leaves other references");
         }
         payload[thread] = 0;
         object->release(object);
@@ -39,7 +39,7 @@ void count() {
             thread % 2 == 0 ? tavu_atomic_inc(&word) : tavu_atomic_dec(&word);
         }
     });
-    require(word == 0, "as many up as down");
+    require(word == 0, "increments and decrements cancel");
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Runs the kept inputs of a fuzz target from several threads at once: functions that keep no state give
-// each thread what they give to one alone.
+// Runs the kept inputs of a fuzz target in several threads at once: functions without state give
+// each thread the same results as a single thread.
 #include <cstdint>
 #include <cstdio>
 

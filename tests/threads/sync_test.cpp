@@ -1,5 +1,6 @@
-// Two threads hand a word to and fro: no wake-up is lost, and what the waker wrote before is seen. As
-// many rounds as fit into a few seconds, for threads that share a core take turns by its time slices.
+// Two threads pass a word back and forth: no wake-up is lost, and earlier writes of the waker are
+// visible. Runs as many rounds as fit in a few seconds, because threads that share a core switch
+// only at the end of a time slice.
 #include "tavu.h"
 #include "threads.h"
 
@@ -12,7 +13,7 @@ bool in_time() {
     return std::chrono::steady_clock::now() < end;
 }
 
-void hand_to_and_fro(std::atomic<int> *progress) {
+void pass_back_and_forth(std::atomic<int> *progress) {
     int32_t word = 0;
     std::atomic<int> data{0};
     const Watchdog watchdog(progress);
@@ -21,7 +22,7 @@ void hand_to_and_fro(std::atomic<int> *progress) {
             for (int i = 1; tavu_sync_wait(&word, i) == TAVU_OK; i += 2) {
                 std::atomic_thread_fence(std::memory_order_acquire);
                 require(data.load(std::memory_order_relaxed) == i,
-                        "the data comes before the word");
+                        "the data is visible with the word");
                 data.store(i + 1, std::memory_order_relaxed);
                 tavu_sync_wake(&word, i + 1);
             }
@@ -30,10 +31,10 @@ void hand_to_and_fro(std::atomic<int> *progress) {
         for (int i = 1; i < 2 * ROUNDS && (i < 2 * FEWEST || in_time()); i += 2) {
             data.store(i, std::memory_order_relaxed);
             tavu_sync_wake(&word, i);
-            require(tavu_sync_wait(&word, i + 1) == TAVU_OK, "the word is answered");
+            require(tavu_sync_wait(&word, i + 1) == TAVU_OK, "the wait for the answer succeeds");
             std::atomic_thread_fence(std::memory_order_acquire);
             require(data.load(std::memory_order_relaxed) == i + 1,
-                    "the answer comes with its data");
+                    "the data is visible with the answer");
             *progress = i / 2 + 1;
         }
         tavu_sync_wake(&word, -1);
@@ -44,7 +45,7 @@ void hand_to_and_fro(std::atomic<int> *progress) {
 
 int main() {
     std::atomic<int> rounds{0};
-    hand_to_and_fro(&rounds);
+    pass_back_and_forth(&rounds);
     std::printf("%d rounds\n", rounds.load());
     return 0;
 }

@@ -1,4 +1,4 @@
-// Several threads at once, and a limit to the time that they may stand still.
+// Runs several threads at once, and limits the time without progress.
 #ifndef TAVU_TESTS_THREADS_THREADS_H
 #define TAVU_TESTS_THREADS_THREADS_H
 
@@ -31,7 +31,7 @@ void run_threads(int count, Work work) {
     for (std::thread &t : threads) t.join();
 }
 
-// While alive, ends the process when `progress` has not changed for 30 seconds.
+// While an object exists, ends the process if `progress` does not change for 30 seconds.
 class Watchdog {
   public:
     explicit Watchdog(const std::atomic<int> *progress)
@@ -50,7 +50,7 @@ class Watchdog {
             const int now = *progress;
             if (now != last) still = 0;
             last = now;
-            require(still < 3000, "nothing moved for 30 seconds");
+            require(still < 3000, "no progress for 30 seconds");
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
     }
