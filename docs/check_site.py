@@ -1,5 +1,5 @@
-"""Checks the built site: every link inside it leads somewhere, and every function that a page names is
-known, which Doxygen shows by making it a link.
+"""Checks the built site: the target of every internal link exists, and every function named on a page
+is in the header: only then does Doxygen make it a link.
 
 usage: check_site.py FOLDER
 """

@@ -1,5 +1,5 @@
 /*
- * A picture in the caller's own memory, here an arena that a device sees at other addresses.
+ * A picture in the caller's own memory, here an arena that a device sees at different addresses.
  * Build: cc device_picture.c $(pkg-config --cflags --libs tavu)
  */
 #include <stdio.h>
@@ -7,7 +7,7 @@
 
 static uint8_t arena[65536];
 static const uint32_t device_arena = 0x80000000; /* where the device sees the arena */
-static uint32_t used = 4096;                     /* the first page is taken */
+static uint32_t used = 4096;                     /* the first page is in use */
 
 static void *arena_alloc(int32_t size, uint32_t *second) {
     if ((uint32_t)size > sizeof arena - used) return NULL;

@@ -1,5 +1,5 @@
-# Runs PROGRAM (a list) with INPUT, whose escapes printf resolves, as its standard input. Compares its
-# output with PRINTS and, if given, the file that it WRITES with a digest.
+# Runs PROGRAM (a list) with standard input INPUT, whose escapes printf expands. Compares its output
+# with PRINTS and, if given, the MD5 digest of the file that it WRITES.
 execute_process(COMMAND printf "${INPUT}" COMMAND ${PROGRAM} OUTPUT_VARIABLE output
                 RESULT_VARIABLE result TIMEOUT 60)
 if(NOT result EQUAL 0)

@@ -1,10 +1,10 @@
 /*
  * Prints the lines of standard input, which a ring buffer receives in chunks, as from a socket. A
- * line without a line end, or longer than the ring, is printed in pieces that end in "...".
+ * line that has no line end or is longer than the ring is printed in parts that end in "...".
  * Build: cc lines.c $(pkg-config --cflags --libs tavu)
  *
- * tavu_rbuf_get_one_line() needs lines without zero bytes that end in CR LF, and these two stored
- * together: feed() drops every zero byte and carriage return and stores a line feed as CR LF.
+ * tavu_rbuf_get_one_line() needs lines that contain no zero bytes and end in CR LF, stored by one
+ * call: feed() drops zero bytes and carriage returns and stores each line feed as CR LF.
  */
 #include <stdio.h>
 #include <string.h>
@@ -14,12 +14,12 @@ enum { STORAGE = 48, CHUNK = 16 };
 
 /* Returns the number of lines. */
 static int print_lines(tavu_rbuf_t *ring) {
-    char line[STORAGE + 3]; /* the size passed and 2 bytes more */
+    char line[STORAGE + 3]; /* 2 bytes more than the size passed */
     int count = 0;
     int32_t length;
-    /* A size of STORAGE + 1 admits every line that the ring can hold. */
+    /* A size of STORAGE + 1 is enough for every line that the ring can hold. */
     while ((length = tavu_rbuf_get_one_line(ring, line, STORAGE + 1)) > 0) {
-        /* Where the end of the storage splits CR LF, the last byte of `length` is not written. */
+        /* If the end of the storage splits CR LF, the last byte of `length` is not written. */
         const char *line_feed = memchr(line, '\n', (size_t)length);
         printf("[%.*s]\n", (int)(line_feed - line) - 1, line);
         count++;

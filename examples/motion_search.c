@@ -18,7 +18,7 @@ static void draw_noise(const tavu_imgb_t *picture) {
     }
 }
 
-/* The vector of the best match of `block` around `at`, whose rows are `stride` bytes apart. */
+/* Finds the vector of the best match of `block` around `at`; `stride` is that of the picture. */
 static int32_t search(const uint8_t *block, const uint8_t *at, int32_t stride, int32_t vector[2]) {
     int32_t best = INT32_MAX;
     for (int32_t dy = -RANGE; dy <= RANGE; dy++) {
@@ -41,9 +41,9 @@ int main(void) {
     int failed = 1;
     if (picture != NULL && block != NULL) {
         const int32_t stride = picture->stride[0];
-        const uint8_t *at = picture->addr[0] + 24 * stride; /* the block's place is (0, 24) */
+        const uint8_t *at = picture->addr[0] + 24 * stride; /* the block's position is (0, 24) */
         draw_noise(picture);
-        /* It shows what is at (-5, 27): its first columns repeat the left edge, as the border. */
+        /* Its content is from (-5, 27): the first columns repeat the left edge, like the border. */
         for (int32_t i = 0; i < BLOCK * BLOCK; i++) {
             const int32_t x = i % BLOCK - 5, y = i / BLOCK + 3;
             block[i] = at[y * stride + (x < 0 ? 0 : x)];

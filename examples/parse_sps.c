@@ -5,12 +5,12 @@
 #include <stdio.h>
 #include <tavu.h>
 
-/* A NAL unit without its start code; the pictures have 1088 rows, of which 8 are cropped. */
+/* A NAL unit without its start code; the pictures have 1088 rows, 8 of them cropped. */
 static const uint8_t nal[] = {0x67, 0x42, 0xc0, 0x28, 0xd9, 0x00, 0x78, 0x02, 0x27,
                               0xe5, 0xc0, 0x44, 0x00, 0x00, 0x03, 0x00, 0x04, 0x00,
                               0x00, 0x03, 0x00, 0xc8, 0x3c, 0x60, 0xc9, 0x20};
 
-/* Drops the emulation prevention bytes: the 3 of every 0, 0, 3. Returns the length. */
+/* Removes the emulation prevention bytes: the 3 of every 0, 0, 3. Returns the length. */
 static int32_t unescape(const uint8_t *src, int32_t size, uint8_t *dst) {
     int32_t n = 0, zeros = 0;
     for (int32_t i = 0; i < size; i++) {
@@ -21,8 +21,8 @@ static int32_t unescape(const uint8_t *src, int32_t size, uint8_t *dst) {
     return n;
 }
 
-/* A bit reader whose refill notes when the data ends. The refill gets the address of `bits`, which is
- * therefore the first member. */
+/* A bit reader whose refill records the end of the data. The refill gets the address of `bits`,
+ * which is therefore the first member. */
 struct reader {
     tavu_bsr_t bits;
     int broken;
@@ -34,10 +34,10 @@ static int32_t refill(tavu_bsr_t *bits, int32_t bytes) {
     return status;
 }
 
-/* True if a field was out of range or reached past the end of the data. */
+/* True if a field was out of range or extended past the end of the data. */
 static int is_broken(const struct reader *r) { return r->broken || r->bits.leftbits < 0; }
 
-/* Reads a code of 0..max. */
+/* Reads a code with a value in 0..max. */
 static int32_t read_ue(struct reader *r, int32_t max) {
     const int32_t value = tavu_bsr_read_ue(&r->bits);
     if (value >= 0 && value <= max) return value;
@@ -72,7 +72,7 @@ static void read_size(struct reader *r, struct sequence *info) {
     if (info->width < 1 || info->height < 1) r->broken = 1;
 }
 
-/* Reads the parameter set in the NAL unit; 0, or -1 if there is none or it is broken. */
+/* Reads the parameter set in the NAL unit. Returns 0, or -1 if there is none or it is invalid. */
 static int parse(const uint8_t *unit, int32_t size, struct sequence *info) {
     uint8_t rbsp[sizeof nal];
     struct reader r = {.broken = 0};

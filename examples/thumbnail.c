@@ -6,8 +6,8 @@
 #include <tavu.h>
 
 /*
- * Luma grows to the right, U downwards, V upwards. Their distance from 128 stays below 73: beyond
- * that the combined routine wraps around.
+ * Luma increases to the right, U downwards, V upwards. U and V differ from 128 by less than 73:
+ * with more, the 16-bit arithmetic of the combined routine wraps.
  */
 static void draw(const tavu_imgb_t *p) {
     for (int32_t y = 0; y < p->h; y++) {

@@ -1,7 +1,7 @@
 """Prints tables as aligned text, as CSV or as Markdown.
 
-A column is a heading and the number of decimals of its figures, None for text. A missing figure is
-None.
+A column is a heading and the number of decimals of its figures, or None for text. A missing figure
+is None.
 """
 
 import csv
@@ -11,7 +11,7 @@ FORMS = ("text", "csv", "markdown")
 
 
 def add_form_options(parser):
-    """--csv and --markdown, as `form` of the parsed arguments."""
+    """Adds --csv and --markdown, which set `form` of the parsed arguments."""
     group = parser.add_mutually_exclusive_group()
     for form in FORMS[1:]:
         group.add_argument("--" + form, dest="form", action="store_const", const=form,

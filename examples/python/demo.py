@@ -1,4 +1,4 @@
-"""A colour wheel in Y, U, V as packed pixels, as a thumbnail, as a digest, and moved a little.
+"""Draws a colour wheel in Y, U, V; prints a digest, a pixel in RGB, a thumbnail's mean and SATDs.
 
 Run: python3 demo.py [wheel.ppm]
 """
@@ -11,7 +11,7 @@ import tavu
 
 
 def draw(wheel):
-    """Hue goes round the middle, saturation outwards."""
+    """Hue varies around the centre, saturation increases outwards."""
     y, u, v = wheel.planes
     rows, columns = np.mgrid[-1:1:wheel.height * 1j, -1:1:wheel.width * 1j]
     inside = np.hypot(rows, columns) <= 1

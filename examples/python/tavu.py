@@ -1,7 +1,8 @@
-"""libtavu on NumPy arrays, through ctypes alone.
+"""libtavu for NumPy arrays, with ctypes only.
 
-The library is found as the loader finds it, or at the path in TAVU_LIBRARY. Arrays are 8-bit. What
-the library would not check is checked here: it is handed no pointer that does not fit.
+The library is found by the loader, or at the path in TAVU_LIBRARY. Arrays are 8-bit. This module
+checks the arguments that the library does not check, so it never passes a pointer to too little
+memory.
 """
 
 import ctypes
@@ -20,11 +21,11 @@ _BYTES = {RGB565: 2, RGB888: 3, BGR888: 3, RGBA8888: 4, BGRA8888: 4}  # of a pac
 
 
 class Error(Exception):
-    """The library refused."""
+    """The library refused the arguments."""
 
 
 class _Image(ctypes.Structure):
-    """tavu_imgb_t up to the addresses of its planes, as tavu.h declares it."""
+    """tavu_imgb_t up to the addresses of its planes, as declared in tavu.h."""
 
 
 _METHOD = ctypes.CFUNCTYPE(c_int32, POINTER(_Image))
@@ -66,7 +67,7 @@ _satd2 = _function("tavu_satd2", c_int32, c_int32, c_int32, c_void_p, c_void_p, 
 
 
 class Image:
-    """An image buffer of the library, freed when neither it nor an array of its planes is in use."""
+    """An image buffer of the library. It is freed when neither it nor any plane array is in use."""
 
     def __init__(self, width, height, cs):
         if cs not in _PLANES and cs not in _BYTES:
@@ -85,7 +86,7 @@ class Image:
 
     @property
     def planes(self):
-        """Arrays of shape (rows, columns), of packed pixels (rows, columns, bytes); no copies."""
+        """Arrays of shape (rows, columns), or (rows, columns, bytes) for packed pixels; no copies."""
         return [self._plane(index) for index in range(_PLANES.get(self.cs, 1))]
 
     def _plane(self, index):
@@ -95,20 +96,20 @@ class Image:
         pixel = _BYTES.get(self.cs, 1)
         stride, start = self._record.contents.stride[index], self._record.contents.addr[index]
         memory = (c_uint8 * (stride * (height - 1) + width * pixel)).from_address(start)
-        memory.owner = self  # arrays keep their memory, and so the image
+        memory.owner = self  # arrays keep their memory alive, and thus the image
         shape, strides = (height, width, pixel), (stride, pixel, 1)
         array = np.ndarray(shape, np.uint8, memory, strides=strides)
         return array if self.cs in _BYTES else array[:, :, 0]
 
     def md5(self):
-        """Digest of the visible samples, as 32 hexadecimal digits."""
+        """MD5 digest of the visible samples, as 32 hexadecimal digits."""
         digest = (c_uint8 * 16)()
         if _md5_imgb(self._record, digest) != 0:
             raise Error(f"no digest of colour space {self.cs}")
         return bytes(digest).hex()
 
     def converted(self, cs, width=None, height=None):
-        """A new image in another colour space and, if given, of another size."""
+        """A new image in another colour space and, if a size is given, of that size."""
         target = Image(width or self.width, height or self.height, cs)
         status = c_int32()
         routine = _get_fn_csc(self.width, self.height, self.cs, target.width, target.height, cs,
@@ -122,7 +123,7 @@ class Image:
 
 
 def resized(picture, width, height):
-    """A new array of another size; of shape (rows, columns) or, for packed pixels, (rows, columns, 3 or 4)."""
+    """A resized copy of an array of shape (rows, columns) or (rows, columns, 3 or 4)."""
     picture = np.ascontiguousarray(picture, np.uint8)
     channels = picture.shape[2] if picture.ndim == 3 else 1
     formats = {1: 20, 3: 21, 4: 29}  # TAVU_IRSZ_8B and so on
@@ -142,7 +143,7 @@ def resized(picture, width, height):
 
 
 def satd(a, b):
-    """Sum of absolute transformed differences of two blocks, by 8x8 transforms."""
+    """Sum of absolute transformed differences of two blocks, with 8x8 transforms."""
     a, b = (np.ascontiguousarray(block, np.uint8) for block in (a, b))
     rows, columns = a.shape
     if a.shape != b.shape or rows % 8 or columns % 8:
