@@ -1,5 +1,5 @@
-// What no form of a kernel can beat on this machine: the memory's rate, and the length of a chain of
-// operations that wait for each other.
+// Lower bounds for the time of any kernel on this machine: the memory bandwidth, and the latency of
+// a chain of dependent operations.
 #include <cstring>
 #include <memory>
 #include <string>
@@ -11,7 +11,8 @@
 
 namespace {
 
-// A routine that reads and writes `moved` bytes in all takes as long as a copy of half of them.
+// A routine that reads and writes `moved` bytes in total takes at least as long as copying half of
+// them.
 void add_memory_bound(const std::string &row, size_t moved) {
     struct Copy {
         explicit Copy(size_t n) : from(n, 1), to(n) {}
@@ -36,7 +37,7 @@ void add_conversion_bounds() {
 
 void add_resize_bounds() {
     constexpr size_t P360 = 640 * 360, P540 = 960 * 540, P720 = 1280 * 720, P1080 = 1920 * 1080;
-    // Those that read every row of their source.
+    // The cases that read every row of their source.
     const struct {
         const char *row;
         size_t moved;
@@ -55,7 +56,7 @@ void add_resize_bounds() {
     for (const auto &[row, moved] : cases) add_memory_bound("resize_" + std::string(row), moved);
 }
 
-// Additions that wait for each other: one for each cycle of the processor's clock.
+// Dependent additions: one per cycle of the processor's clock.
 void add_cycles(const std::string &row, const std::string &why, int64_t cycles) {
     add_side(row, "bound " + why, [cycles] {
         uint64_t sum = 0, one = 1;
@@ -71,7 +72,7 @@ void add_cycles(const std::string &row, const std::string &why, int64_t cycles) 
     });
 }
 
-// A block's 64 steps wait for each other: 16 times 5 + 4 + 4 + 5 operations.
+// The 64 steps of a block are a dependency chain: 16 times 5 + 4 + 4 + 5 operations.
 void add_md5_bounds() {
     for (const size_t size : {size_t{64}, size_t{1500}, size_t{1} << 20}) {
         const size_t padded = (size + 1 + 8 + 63) / 64 * 64;
@@ -80,7 +81,7 @@ void add_md5_bounds() {
     }
 }
 
-// Looks at every byte once.
+// Reads every byte once.
 void add_reading_bounds() {
     const auto unit = std::make_shared<std::vector<uint8_t>>(1 << 20, uint8_t{1});
     for (const char *name : {"h264 1%", "h264 25%", "hevc 5%", "mpeg4 5%"}) {

@@ -1,5 +1,5 @@
 // One call of every kernel between two calls of mark(), for counting instructions under emulation.
-// Prints, in order, the names and what a count is to be divided by.
+// Prints, in this order, the names and the divisor of each count.
 #include <cstdint>
 #include <cstdio>
 #include <string>

@@ -21,12 +21,12 @@ double difference(Picture &picture, tavu_fn_csc_t a, tavu_fn_csc_t b) {
     return sum / static_cast<double>(expected.size());
 }
 
-// "exported" is what a user gets; the others are its variants.
+// "exported" is the routine that programs call; the others are its variants.
 std::string side_name(const char *level) {
     return level == std::string("exported") ? "tavu" : std::string("tavu-") + level;
 }
 
-// All sides of a row work on one picture, for its place in memory alone may double the time.
+// All sides of a row use one picture, because its place in memory alone may double the time.
 class Row {
   public:
     Row(const CscKernel &kernel, int32_t width, int32_t height)

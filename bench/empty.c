@@ -1,2 +1,2 @@
-// A shared library of nothing but this.
+// An empty shared library.
 int tavu_empty;

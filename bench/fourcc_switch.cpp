@@ -1,4 +1,4 @@
-// The look-up of media types as a switch, for the compiler to make the best of.
+// The media type lookup as a switch, which the compiler optimises.
 #include "fourcc_switch.h"
 
 #include "tavu.h"

@@ -1,4 +1,4 @@
-// A peer of the look-up of media types: the type of a code, TAVU_MT_NONE for a foreign one.
+// A peer of the media type lookup: the type of a code, or TAVU_MT_NONE if it is unknown.
 #ifndef TAVU_BENCH_FOURCC_SWITCH_H
 #define TAVU_BENCH_FOURCC_SWITCH_H
 

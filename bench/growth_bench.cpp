@@ -1,5 +1,5 @@
-// Whether the time for a pixel or an element stays what it is as pictures and containers grow. Rows
-// are named "case/size"; a picture's other side does the same memory's work by the C library.
+// Whether the time per pixel or element is constant as pictures and containers grow. Rows are named
+// "case/size"; the other side of a picture does the same memory accesses with the C library.
 #include <cstring>
 #include <memory>
 #include <string>
@@ -20,7 +20,7 @@ struct Size {
 };
 constexpr Size SIZES[] = {{320, 180}, {1280, 720}, {1920, 1080}, {3840, 2160}};
 
-// Every row of a size works on the same memory.
+// All rows of a size use the same memory.
 struct Memory {
     explicit Memory(Size size)
         : from(static_cast<size_t>(size.pixels()) * 4, 100),
@@ -29,7 +29,7 @@ struct Memory {
 };
 using SharedMemory = std::shared_ptr<Memory>;
 
-// `call` reads and writes `moved` bytes for each pixel.
+// `call` reads and writes `moved` bytes per pixel.
 template <class Call>
 void add_picture_row(const std::string &what, Size size, const SharedMemory &memory, double moved,
                      Call call) {
@@ -57,7 +57,7 @@ void add_conversions(Size size, const SharedMemory &) {
     add(12, 6, tavu_csc_r8g8b8_to_yuv444);
 }
 
-// Of the source's pixels.
+// Times per source pixel.
 void add_resizes(Size size, const SharedMemory &memory) {
     const auto add = [&](const char *what, tavu_irsz_full_t *resize, int32_t bytes, int32_t num,
                          int32_t den) {
@@ -75,7 +75,7 @@ void add_resizes(Size size, const SharedMemory &memory) {
 }
 
 void add_fills(Size size, const SharedMemory &memory) {
-    // A fill's other side is a fill.
+    // The other side of a fill is a fill.
     add_side(
         "mset_x32" + size.name(), "tavu",
         [=] { tavu_mset_x32(memory->to.data(), 0x11223344, size.pixels()); }, size.pixels());
@@ -99,7 +99,7 @@ void add_md5(Size size, const SharedMemory &memory) {
     });
 }
 
-// A picture in whole blocks, as an encoder goes over it; beside it, copies of the same blocks.
+// A picture processed block by block as in an encoder; the other side copies the same blocks.
 template <class Metric>
 void add_blocks(const char *what, Size size, const SharedMemory &memory, Metric metric) {
     constexpr int32_t BLOCK = 64;
@@ -144,7 +144,7 @@ void add_metrics(Size size, const SharedMemory &memory) {
     });
 }
 
-// Of the border's pixels; the other side is the C library on the same strips.
+// Times per pixel of the border; the other side fills the same strips with the C library.
 void add_border(Size size, const SharedMemory &) {
     constexpr int32_t PAD = 32;
     constexpr uint32_t PADS[] = {PAD << 16 | PAD};
@@ -199,7 +199,7 @@ void add_list(int32_t count) {
     add_side("list walk" + of, "tavu", walk, count);
 }
 
-// A queue that holds `used` slots goes on by one.
+// Takes one slot of a queue with `used` slots and gives one back.
 void add_rlist(const std::string &what, int32_t count, int32_t used) {
     using Pool = std::unique_ptr<tavu_rlist_t, void (*)(tavu_rlist_t *)>;
     const auto pool = std::make_shared<Pool>(tavu_rlist_create(64, count), tavu_rlist_delete);
@@ -211,7 +211,7 @@ void add_rlist(const std::string &what, int32_t count, int32_t used) {
     });
 }
 
-// Half full of elements of 8 bytes.
+// A ring buffer half full of 8-byte elements.
 void add_ring(int32_t count) {
     using Ring = std::unique_ptr<tavu_rbuf_t, void (*)(tavu_rbuf_t *)>;
     const auto ring = std::make_shared<Ring>(tavu_rbuf_create(8 * count + 1), tavu_rbuf_delete);

@@ -1,5 +1,5 @@
-// Times dlopen() of each library named: microseconds, the median of many loads of a process that has
-// not loaded it before.
+// Times dlopen() of each given library: microseconds, the median of many loads while it is not yet
+// in the process.
 #include <dlfcn.h>
 
 #include <algorithm>

@@ -6,7 +6,7 @@
 namespace {
 
 void add_peer_rows() {
-    add_text_rows();  // first, while the heap of the lists is in one piece
+    add_text_rows();  // first, before the heap that the lists use is fragmented
     add_csc_rows();
     add_metric_rows();
     add_resize_rows();

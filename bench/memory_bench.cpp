@@ -1,4 +1,4 @@
-// Fills, copies and borders against the C library and x265 on the same bytes.
+// Compares fills, copies and borders with the C library and x265 on the same bytes.
 #include <cstring>
 #include <cwchar>
 #include <functional>
@@ -32,7 +32,7 @@ Bytes noise(size_t size) {
 
 using SharedBytes = std::shared_ptr<Bytes>;
 
-// Times peer(target), which must make of noise what ours has made of it.
+// Times peer(target), which must give the same bytes as ours from the same noise.
 template <class Peer>
 void add_peer(const std::string &row, const std::string &who, const SharedBytes &target,
               Peer peer) {
@@ -42,7 +42,7 @@ void add_peer(const std::string &row, const std::string &who, const SharedBytes 
     add_side(row, who, [target, peer] { peer(target->data()); });
 }
 
-// Times both sides on the same target, which is returned.
+// Times both sides on the same target, and returns it.
 template <class Ours, class Peer>
 SharedBytes add_pair(const std::string &row, const std::string &who, size_t bytes, Ours ours,
                      Peer peer) {
@@ -149,7 +149,7 @@ void repeat_samples(uint8_t *dst, const uint8_t *src, int32_t rows, int32_t stri
     for (; rows > 0; rows--, dst += stride, src += stride) memset(dst, *src, Width);
 }
 
-// A plane with its padding at `plane`, by calls whose width the compiler knows.
+// Expands a plane that starts at `plane` with its padding, with calls of constant width.
 template <int Pad>
 void expand_plane(uint8_t *plane, int32_t w, int32_t h) {
     const int32_t stride = w + 2 * Pad;

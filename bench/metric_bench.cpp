@@ -1,4 +1,5 @@
-// Block metrics beside those of video encoders, on blocks at changing places of two noisy planes.
+// Compares block metrics with those of video encoders, on blocks at varying places in two noisy
+// planes.
 #include <cstdlib>
 #include <cstring>
 #include <functional>
@@ -20,13 +21,13 @@ struct Planes {
             b[i] = static_cast<uint8_t>(i * 2246822519U >> 11);
         }
     }
-    // Places that an encoder would try: one block, displaced a little in the other plane.
+    // Positions that an encoder would try: one block, slightly displaced in the other plane.
     const uint8_t *next_a() { return a + (turn & 3) * 32; }
     const uint8_t *next_b() {
         turn++;
         return b + (turn & 3) * STRIDE + (turn * 7 & 15);
     }
-    // The encoders' SSD wants aligned blocks.
+    // The encoders' SSD needs aligned blocks.
     const uint8_t *next_aligned_b() {
         turn++;
         return b + (turn & 3) * STRIDE + (turn & 1) * 32;
@@ -37,10 +38,10 @@ struct Planes {
     uint32_t turn = 0;
 } planes;
 
-// What the library says of two blocks, by row.
+// The library's result for two blocks, by row.
 std::map<std::string, std::function<int32_t(const uint8_t *, const uint8_t *)>> ours;
 
-// How far another metric is from it on average, as a part of the side's name.
+// The mean difference of another metric from the library's, as a part of the side's name.
 template <class Metric>
 std::string difference(const std::string &row, Metric theirs) {
     constexpr int TURNS = 64;
@@ -91,7 +92,7 @@ void add_diff(const std::string &row, tavu_diff_block_t *diff, int32_t size) {
     });
 }
 
-// Stops behind a given row at every place: the thresholds are just below the sums of so many rows.
+// Stops after a given row at every position: each threshold is the sum of these rows minus 1.
 class EarlySkip {
   public:
     EarlySkip(int32_t size, int32_t stop) : size_(size) {

@@ -13,14 +13,14 @@
 
 namespace {
 
-// What a conversion without a direct form goes through.
+// The intermediate picture of conversions that the peer does in two steps.
 uint8_t *intermediate(int32_t w, int32_t h) {
     static std::vector<uint8_t> picture;
     picture.resize(static_cast<size_t>(w) * static_cast<size_t>(h) * 4);
     return picture.data();
 }
 
-// The matrices are those of full-range BT.601; with U and V exchanged they give R, G, B order.
+// The matrices are full-range BT.601; with U and V exchanged they give R, G, B order.
 ROUTINE(yuv_to_rgb888) {
     libyuv::I444ToRGB24Matrix(s[0], ss[0], s[2], ss[2], s[1], ss[1], d[0], ds[0],
                               &libyuv::kYvuJPEGConstants, w, h);

@@ -1,4 +1,4 @@
-// The best packaged peer of a conversion, in the same signature; null where there is none.
+// The best packaged peer of a conversion, with the same signature; null if there is none.
 #ifndef TAVU_BENCH_PEERS_H
 #define TAVU_BENCH_PEERS_H
 

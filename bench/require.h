@@ -1,4 +1,4 @@
-// Sides of a row are timed only if they agree.
+// Ends the benchmark if the sides of a row have different results.
 #ifndef TAVU_BENCH_REQUIRE_H
 #define TAVU_BENCH_REQUIRE_H
 

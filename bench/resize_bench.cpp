@@ -40,7 +40,7 @@ struct Case {
 
 constexpr size_t LARGEST = 1920 * 1080 * 4;
 
-// Packed or planar; every row uses the same memory.
+// The source, packed or planar; every row uses the same memory.
 uint8_t *source() {
     static std::vector<uint8_t> bytes;
     for (size_t i = bytes.size(); i < LARGEST; i++) {
@@ -101,7 +101,7 @@ void yuv_resize(int bytes, const uint8_t *src, Size from, uint8_t *dst, Size to)
     }
 }
 
-// Three planes of a size to packed pixels.
+// Converts three planes of equal size to packed pixels.
 void yuv_convert(bool yuv, int bytes, const uint8_t *src, Size s, uint8_t *dst) {
     const uint8_t *p0 = src, *p1 = src + s.w * s.h, *p2 = src + 2 * s.w * s.h;
     if (yuv && bytes == 3) {
@@ -151,7 +151,7 @@ void add_libyuv_combined(std::vector<Side> &, const Case &, bool, int) {}
 
 #if TAVU_HAVE_SWSCALE
 
-// Contexts live as long as the program.
+// Contexts are never freed.
 void add_swscale(std::vector<Side> &sides, const Case &c, AVPixelFormat from, int planes,
                  AVPixelFormat to, int bytes) {
     for (const auto &[flags, who] :
@@ -177,7 +177,7 @@ void add_swscale(std::vector<Side> &sides, const Case &c, int bytes) {
 }
 
 void add_swscale_combined(std::vector<Side> &sides, const Case &c, bool yuv, int bytes) {
-    // Planes of R, G, B are not sampled in the order that swscale knows; the work is the same.
+    // The order of the R, G, B planes differs from swscale's; the work is the same.
     add_swscale(sides, c, yuv ? AV_PIX_FMT_YUVJ444P : AV_PIX_FMT_GBRP, 3,
                 bytes == 3 ? AV_PIX_FMT_RGB24 : AV_PIX_FMT_RGBA, bytes);
 }

@@ -1,6 +1,6 @@
-// The benchmark's tables: each row is one case, timed for every side that can do it on the same
-// memory. A side is named "row@who"; scripts/bench puts the sides of a row together. A side whose
-// name begins with "bound" does the least that the case demands of the processor.
+// The benchmark's tables. Each row is one case, timed for all its sides on the same memory. A side
+// is named "row@who"; scripts/bench combines the sides of a row. A side whose name begins with
+// "bound" does the minimum work that the case requires of the processor.
 #ifndef TAVU_BENCH_ROWS_H
 #define TAVU_BENCH_ROWS_H
 
@@ -8,8 +8,7 @@
 
 #include <string>
 
-// Times call(), which does `units` of what the table tells times of; what it returns, if anything,
-// counts as used.
+// Times call(), which performs `units` operations. Its result, if any, is not optimised away.
 template <class Call>
 void add_side(const std::string &row, const std::string &who, Call call, double units = 1) {
     benchmark::RegisterBenchmark((row + '@' + who).c_str(),
@@ -26,7 +25,7 @@ void add_side(const std::string &row, const std::string &who, Call call, double 
                                  });
 }
 
-// Beside peers, a family in a file.
+// Comparisons with peers, one family per file.
 void add_csc_rows();
 void add_metric_rows();
 void add_resize_rows();
@@ -35,7 +34,7 @@ void add_stream_rows();
 void add_text_rows();
 void add_bounds();
 
-// Per pixel or element at several sizes, and by two threads.
+// Times per pixel or element at several sizes, and throughput of two threads.
 void add_growth_rows();
 void add_thread_rows();
 

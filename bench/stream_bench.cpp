@@ -1,5 +1,5 @@
-// MD5, key-frame detection and bits against the best packaged peers. A row of many symbols names
-// their number: short streams are learned by the branch predictor.
+// Compares MD5, key-frame detection and bits with the best packaged peers. A row of many symbols
+// names their number, because the branch predictor learns short streams.
 #include <cstring>
 #include <memory>
 #include <random>
@@ -11,7 +11,7 @@
 #include "tavu.h"
 
 #if TAVU_HAVE_OPENSSL
-#define OPENSSL_SUPPRESS_DEPRECATED  // the calls without the cost of a provider's look-up
+#define OPENSSL_SUPPRESS_DEPRECATED  // these calls avoid the cost of a provider lookup
 #include <openssl/md5.h>
 #endif
 #if TAVU_HAVE_GSTREAMER
@@ -55,7 +55,7 @@ void add_md5(size_t size) {
 #endif
 }
 
-// Random bytes of which `percent` are zero, without a start code but `last` at the end.
+// Random bytes, `percent` of them zero, without a start code except `last` at the end.
 Bytes make_unit(unsigned percent, const Bytes &last) {
     std::mt19937 random(percent);
     Bytes unit(1 << 20);
@@ -90,7 +90,7 @@ void add_scan(const std::string &name, int32_t codec, unsigned percent, const By
 #endif
 }
 
-// Values as headers hold them: small ones often.
+// Values as in headers: mostly small.
 std::vector<uint32_t> make_symbols(size_t count) {
     std::mt19937 random(1);
     std::vector<uint32_t> symbols(count);
@@ -135,7 +135,7 @@ uint64_t gst_read_ue(const Bytes &stream) {
     gst_bit_reader_init(&reader, stream.data(), static_cast<unsigned>(stream.size()));
     uint64_t sum = 0;
     for (size_t i = 0; i < SYMBOLS; i++) {
-        // The unchecked reader takes what it is given; the stream ends with zeros enough.
+        // The unchecked reader does not check the end; the stream ends with enough zeros.
         const uint32_t next = gst_bit_reader_peek_bits_uint32_unchecked(&reader, 32);
         const auto zeros = static_cast<unsigned>(__builtin_clz(next));
         gst_bit_reader_skip_unchecked(&reader, 2 * zeros + 1);

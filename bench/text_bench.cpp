@@ -1,4 +1,4 @@
-// Containers, text and FourCC against the best packaged peers.
+// Compares containers, text and FourCC with the best packaged peers.
 #include <cstring>
 #include <list>
 #include <memory>
@@ -132,7 +132,7 @@ struct Ring {
         jack_ringbuffer_free(peer);
 #endif
     }
-    // Length of the next line.
+    // The length of the next line.
     int32_t next() { return widths[at++ % sizeof widths]; }
 
     tavu_rbuf_t *ours;
@@ -159,7 +159,7 @@ void add_ring(int32_t size) {
 #endif
 }
 
-// A line of 10 to 70 bytes is put in and taken out.
+// Puts a line of 10 to 70 bytes into the ring and gets it back.
 void add_ring_lines() {
     const std::string row = "rbuf put and get line/10..70";
     const auto ring = std::make_shared<Ring>();
@@ -229,7 +229,7 @@ void add_uri() {
     add_side("uri parse", "uriparser", parse);
     add_side("uri escape" + suffix, "uriparser",
              [] { return uriEscapeA(plain, text, URI_FALSE, URI_FALSE); });
-    // In place, so the text is copied first as ours copies it.
+    // It works in place, so the text is copied first, like ours.
     add_side("uri unescape/" + std::to_string(escaped), "uriparser", [escaped] {
         memcpy(back, source, static_cast<size_t>(escaped) + 1);
         return uriUnescapeInPlaceA(back);

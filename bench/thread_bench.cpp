@@ -1,4 +1,4 @@
-// The same work by one thread and by two, each on memory of its own that stays in its cache.
+// The same work in one thread and in two, each with its own memory, which fits in its cache.
 #include <memory>
 #include <vector>
 
@@ -12,7 +12,7 @@ using Bytes = std::vector<uint8_t>;
 
 constexpr int32_t W = 320, H = 180;
 
-// make() gives each thread a call of its own.
+// make() returns each thread's own call.
 template <class Make>
 void add_row(const char *row, Make make) {
     const auto run = [make](benchmark::State &state) {

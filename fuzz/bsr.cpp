@@ -1,4 +1,4 @@
-// The bit reader against its rules, bit by bit, with the default refill and with one that loads less.
+// Compares the bit reader with its model, with the default refill and with one that loads less.
 #include "bs/bsr_model.h"
 #include "input.h"
 #include "tavu.h"

@@ -1,5 +1,5 @@
-// The bit writer against its rules, bit by bit: fields, results and every byte of its memory, also
-// after bits that a full buffer refused. What fits is what the reader reads.
+// Compares the bit writer with its model: fields, results and every byte of its memory, also after
+// a full buffer refused bits. If all codes fit, the reader must read them back.
 #include "bs/bsw_model.h"
 #include "input.h"
 #include "tavu.h"
@@ -12,7 +12,7 @@ Code next_code(Input *in) {
     return {kind, value, kind == Code::FIXED ? in->range(0, 32) : 0};
 }
 
-// Writes the codes of an input by both. Returns true if all are codes, and all fitted.
+// Writes the codes of an input to both. Returns true if all operations are codes and all fit.
 bool write_all(tavu_bsw_t *w, WriterModel *m, Input in, size_t memory) {
     bool fits = true;
     while (!in.empty()) {

@@ -1,4 +1,4 @@
-// Conversions, with and without resizing, at every level against their models.
+// Compares conversions of every level, with and without resizing, with their models.
 #include <vector>
 
 #include "input.h"
@@ -29,7 +29,7 @@ struct Call {
         const bool interleaved = kernel->src_step > 1;
         const int32_t gap = in->range(0, 5), row = src_w * kernel->src_step;
         for (int p = 0; p < kernel->src_planes; p++) {
-            // Each resized plane has a stride of its own.
+            // Each resized plane has its own stride.
             src_stride[p] = row + gap + (resizes ? p : 0);
             if (p == 0 || !interleaved) {
                 sources.emplace_back(plane_size(src_stride[p], src_h, row));
@@ -39,7 +39,7 @@ struct Call {
         }
     }
 
-    // The targets, with what lies between their rows.
+    // Returns the targets, including the bytes between their rows.
     std::vector<Block> run(tavu_fn_csc_t routine) const {
         std::vector<Block> targets;
         uint8_t *dst[4] = {};
@@ -48,7 +48,7 @@ struct Call {
         for (size_t p = 0; p < kernel->dst_bytes.size(); p++) {
             const int32_t row = dst_w * kernel->dst_bytes[p], stride = row + 2 * dst_gap;
             targets.emplace_back(plane_size(stride, dst_h, row));
-            // Rows of 5-6-5 units lie twice the stride less twice the width apart.
+            // The distance of rows of 5-6-5 pixels is twice the stride minus twice the width.
             dst_stride[p] = code == 200 && p == 0 ? stride / 2 + dst_w : stride;
             dst[third ? 2 : p] = targets.back().data();
         }

@@ -1,5 +1,5 @@
 // Picture geometry, options, borders and rebirth at sizes up to the largest, with an allocator that
-// records the request and has little to give.
+// records requests and refuses large ones.
 #include "buf/geometry_model.h"
 #include "input.h"
 
@@ -16,7 +16,7 @@ void *allocate(int32_t size, uint32_t *second) {
 
 void release(void *payload, uint32_t) { delete[] static_cast<uint8_t *>(payload); }
 
-// Small, or near a limit.
+// Mostly small sizes, sometimes near a limit or random.
 int32_t pick_size(Input *in) {
     constexpr uint32_t LIMITS[] = {0,          0x100,      0x8000,     0x10000,   0x20000000,
                                    0x2AAAAAAA, 0x40000000, 0x7FFFFFFF, 0x80000000};
@@ -48,7 +48,7 @@ struct Request : PictureRequest {
     }
 };
 
-// All planes lie in the payload, one behind the other.
+// All planes must be in the payload, one after the other.
 void check_layout(const tavu_imgb_t *image, const Request &r) {
     const uint8_t *at = image->base[0];
     for (int p = 0; p < layout_model(r.cs).planes; p++) {
@@ -59,7 +59,8 @@ void check_layout(const tavu_imgb_t *image, const Request &r) {
     require(at - image->base[0] == picture_size(r).bytes);
 }
 
-// The border of equal alignments, for others it may lie anywhere; then the visible picture.
+// Expands the border, if the default alignment keeps it in the payload; digests the visible
+// picture.
 void use(tavu_imgb_t *image, const Request &r) {
     if (r.pad != nullptr && r.align == nullptr) tavu_imgb_expand(image, r.pad);
     uint8_t digest[16];

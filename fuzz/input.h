@@ -1,4 +1,5 @@
-// What the fuzz targets share: values taken off an input, heap blocks of exact size, and a check.
+// Common code of the fuzz targets: values read from an input, heap blocks of exact size, and a
+// check.
 #ifndef TAVU_FUZZ_INPUT_H
 #define TAVU_FUZZ_INPUT_H
 
@@ -13,12 +14,12 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
 
-// A fault ends the process, which is how a finding is told.
+// A failed check aborts the process, which reports a finding.
 inline void require(bool ok) {
     if (!ok) abort();
 }
 
-// Values from the bytes of an input, zeros when they are used up.
+// Reads values from the bytes of an input; zeros after its end.
 class Input {
   public:
     Input(const uint8_t *data, size_t size) : at_(data), end_(data + size) {}
@@ -31,13 +32,13 @@ class Input {
         for (int i = 0; i < 4; i++) w = w << 8 | byte();
         return w;
     }
-    // From `from` to `to`, at most 256 values.
+    // A value in [from, to], which has at most 256 values.
     int32_t range(int32_t from, int32_t to) { return from + byte() % (to - from + 1); }
     template <class List>
     const auto &pick(const List &list) {
         return *std::next(std::begin(list), byte() % static_cast<ptrdiff_t>(std::size(list)));
     }
-    // The next `count` bytes, fewer if the input ends.
+    // The next `count` bytes, or fewer if the input ends.
     std::pair<const uint8_t *, size_t> bytes(size_t count) {
         count = std::min(count, left());
         at_ += count;
@@ -48,7 +49,7 @@ class Input {
     const uint8_t *at_, *end_;
 };
 
-// A heap block that ends where its last byte does, for sanitizers to watch.
+// A heap block of exact size, so that sanitizers detect accesses past its end.
 class Block {
   public:
     explicit Block(size_t size, uint8_t value = 0xA5) : size_(size), data_(new uint8_t[size]) {
@@ -63,7 +64,7 @@ class Block {
     bool operator==(const Block &other) const {
         return size_ == other.size_ && (size_ == 0 || memcmp(data(), other.data(), size_) == 0);
     }
-    // Noise, black and white, or a ramp, as the input chooses.
+    // Fills the block with noise, black and white, or a ramp; the input chooses.
     void fill(Input *in) {
         const uint8_t kind = in->byte();
         uint32_t x = in->byte() * 0x01010101U + 1;

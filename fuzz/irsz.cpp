@@ -1,4 +1,4 @@
-// Resize kernels of every level against their models, and bands against the whole image.
+// Compares resize kernels of every level with their models, and band mode with whole images.
 #include "input.h"
 #include "memory.h"
 #include "resize_kernels.h"
@@ -8,7 +8,7 @@ namespace {
 struct Sizes {
     int32_t src_w, src_h, dst_w, dst_h, src_gap, dst_gap;
 
-    // A few rows of up to 64 pixels, of one axis more or a multiple of the other size.
+    // A few rows of up to 64 pixels; sometimes one axis is larger or a multiple of the other size.
     explicit Sizes(Input *in)
         : src_w(in->range(1, 64)),
           src_h(in->range(1, 6)),
@@ -47,7 +47,7 @@ Block whole(const ResizeKernel &kernel, tavu_irsz_full_t *full, const Sizes &s, 
     return dst;
 }
 
-// In bands, of which each is a copy that fills its memory. Gaps are whole pixels here.
+// Resizes in bands, each copied to a block of exact size. Gaps are whole pixels here.
 Block banded(const ResizeKernel &kernel, int32_t fmt, const Sizes &s, const Block &src,
              int32_t band) {
     Block dst = target(kernel, s);
@@ -59,16 +59,16 @@ Block banded(const ResizeKernel &kernel, int32_t fmt, const Sizes &s, const Bloc
     int32_t err = 1;
     tavu_irsz_t *rsz = tavu_irsz_create(&param, &err);
     require(rsz != nullptr && err == TAVU_OK);
-    // The bytes of a band up to what may be carried of its last row. A band that is too short may
-    // look at rows beyond the image.
+    // A band's size, including the part of its last row that may be carried. Bands that are too
+    // short may read rows below the image.
     const auto size = plane_size(line, band, std::max(rsz->line_size, s.src_w * kernel.src_bytes));
     const bool enough = band >= 2 * ((s.src_h + s.dst_h - 1) / s.dst_h);
     for (int32_t row = 0; row < s.src_h; row += band) {
         const auto first = static_cast<size_t>(row) * static_cast<size_t>(line);
         const size_t stored = std::min(size, src.size() - first);
-        Block piece(enough ? stored : size);
-        memcpy(piece.data(), src.data() + first, stored);
-        tavu_irsz(rsz, piece.data(), row, band);
+        Block copy(enough ? stored : size);
+        memcpy(copy.data(), src.data() + first, stored);
+        tavu_irsz(rsz, copy.data(), row, band);
     }
     require(!enough || (rsz->out_row == s.dst_h && rsz->pending == 0));
     tavu_irsz_delete(rsz);

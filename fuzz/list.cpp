@@ -1,4 +1,4 @@
-// Sequences of list operations against a vector with a position.
+// Compares sequences of list operations with a vector and a position.
 #include <utility>
 #include <vector>
 
@@ -9,7 +9,7 @@ namespace {
 
 using Values = std::vector<uint32_t>;
 
-// Elements are numbers above 0.
+// Elements are positive numbers.
 uint32_t value(void *data) { return data != nullptr ? *static_cast<uint32_t *>(data) : 0; }
 
 struct Model {
@@ -33,7 +33,7 @@ struct Model {
     int cur = -1;
 };
 
-// One random operation on both: the values that they return.
+// Runs one random operation on both; returns both results.
 std::pair<uint32_t, uint32_t> step(tavu_list_t *list, Model *m, unsigned random) {
     const int n = m->cnt(), i = static_cast<int>(random / 32 % static_cast<unsigned>(n + 4)) - 2;
     const int next = m->cur < 0 ? -1 : m->cur + 1, prev = m->cur < 0 ? n : m->cur;
@@ -66,7 +66,7 @@ std::pair<uint32_t, uint32_t> step(tavu_list_t *list, Model *m, unsigned random)
 tavu_list_t *watched;
 Values released;
 
-// The element is no longer linked, but still counted.
+// At this point the element is no longer linked but still counted.
 void on_release(void *data) {
     released.push_back(value(data));
     int32_t linked = 0;
@@ -76,7 +76,7 @@ void on_release(void *data) {
     require(tavu_list_get_cnt(watched) == linked + 1);
 }
 
-// Both directions meet the values, between markers that point at themselves at the outer ends.
+// Walks both ways over the values, between sentinels that link to themselves at the outer ends.
 void check_links(const tavu_list_t *list, const Values &values) {
     require(list->head->prev == list->head && list->tail->next == list->tail);
     tavu_list_node_t *before = list->head;
@@ -107,7 +107,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     check(list, model);
     while (!in.empty()) {
         const uint8_t op = in.byte();
-        // The position is from the byte's upper bits; only a few operations look at it.
+        // The second byte is the position, which only a few operations use.
         const auto [got, wanted] = step(list, &model, op % 32 + in.byte() % 64 * 32U);
         require(got == wanted);
         check(list, model);

@@ -1,10 +1,10 @@
-// A digest does not depend on how its bytes are cut.
+// A digest does not depend on how its bytes are split into updates.
 #include "input.h"
 #include "tavu.h"
 
 namespace {
 
-// In pieces of the lengths that `cuts` names, each a copy that fills its memory; then the rest.
+// Digests pieces with the lengths in `cuts`, each copied to a block of exact size, then the rest.
 void digest(const uint8_t *data, size_t size, Input cuts, uint8_t out[16]) {
     tavu_md5_t md5;
     tavu_md5_init(&md5);

@@ -1,4 +1,4 @@
-// Block metrics at every level against their models.
+// Compares block metrics of every level with their models.
 #include <string>
 #include <vector>
 
@@ -13,7 +13,7 @@ Sample *first_row(Sample *memory, int stride, int rows) {
     return stride < 0 ? memory - stride * (rows - 1) : memory;
 }
 
-// A block in memory of exact size; `choice` decides stride and alignment.
+// A block in memory of exact size; `choice` selects stride and alignment.
 struct Picture {
     Picture(int columns, int rows, int choice)
         : stride((choice / 80 % 2 ? -1 : 1) * (columns + choice % 40)),
@@ -25,7 +25,6 @@ struct Picture {
     const uint8_t *at;
 };
 
-// Two blocks.
 struct Pair {
     Picture a, b;
 
@@ -67,11 +66,11 @@ void check_area(Input *in, size_t level) {
     const int width = sad || ssd       ? WIDTHS[(any_width - 1) % 5]
                       : name == "satd" ? round_up(any_width, 4)
                                        : any_width;
-    int rows = name == "satd" ? 4 : 1;  // the height is a multiple of them
+    int rows = name == "satd" ? 4 : 1;  // the height is a multiple of this
     if (sad) rows = width == 8 ? 4 : 8;
     if (ssd && width < 64) rows = width == 32 ? 2 : 4;
     const int height = round_up(any_height, rows);
-    // What is read: whole tiles, and 16 columns in place of other widths.
+    // The area that is read: whole tiles, and 16 columns instead of other widths.
     const int tile = sad || ssd ? 1 : name == "satd2" ? 8 : 4;
     const int columns = sad ? (width == 8 ? 8 : 16) : ssd ? readable(width) : round_up(width, tile);
     const Pair p(columns, round_up(height, tile), in);
@@ -81,7 +80,7 @@ void check_area(Input *in, size_t level) {
     require(measure(variant(k, level)) == measure(k.model));
 }
 
-// Runs a residual and its model into exact memory, and compares all samples and gaps.
+// Runs a residual and its model on targets of exact size; compares all samples and gaps.
 template <class Run, class Kernel>
 void check_residual(const Kernel &kernel, size_t level, int width, int height, Input *in, Run run) {
     const int choice = in->byte(), step = width + choice % 21, stride = choice & 64 ? -step : step;
@@ -119,7 +118,7 @@ void check_eskip(Input *in, size_t level) {
     const int32_t threshold = static_cast<int32_t>(in->word() % 200000) - 1;
     const int choice = in->byte(), stride = width + 4 * in->range(1, 5);
     const int stride_a = choice & 4 ? -stride : stride, stride_b = choice & 8 ? -stride : stride;
-    // Whole aligned words around each row of b are readable.
+    // Only the aligned words that contain the rows of b are readable.
     Block a(static_cast<size_t>(stride * height)), b(a.size());
     a.fill(in);
     b.fill(in);

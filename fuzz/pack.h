@@ -1,4 +1,4 @@
-// Packs of inputs, see pack.py.
+// Reads and replays packs of inputs; see pack.py for the format.
 #ifndef TAVU_FUZZ_PACK_H
 #define TAVU_FUZZ_PACK_H
 
@@ -8,7 +8,7 @@
 
 #include "input.h"
 
-// Not by a stream: the memory sanitizer knows the C library, but not that of C++.
+// Uses C files, because the memory sanitizer supports the C library but not that of C++.
 inline std::vector<uint8_t> read_file(const char *name) {
     std::vector<uint8_t> bytes(1 << 20);
     FILE *file = std::fopen(name, "rb");
@@ -18,7 +18,8 @@ inline std::vector<uint8_t> read_file(const char *name) {
     return bytes;
 }
 
-// Runs the target over all inputs and over variants of each with a few other bytes; their number.
+// Runs the target on all inputs and on variants of each with a few changed bytes; returns the
+// number.
 inline int replay(const std::vector<uint8_t> &pack) {
     constexpr int VARIANTS = 100;
     std::mt19937 random(1);

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Packs of inputs: each behind its length in two bytes, the lower one first.
+"""Packs of inputs: each is preceded by its length in two bytes, low byte first.
 
 pack.py split PACK FOLDER     writes each input to a file in FOLDER
 pack.py join PACK FOLDER      makes a pack of the files in FOLDER, the shortest first

@@ -1,10 +1,10 @@
-// Sequences of ring buffer operations against the model of the tests.
+// Compares sequences of ring buffer operations with the model of the tests.
 #include "container/ring_model.h"
 #include "input.h"
 
 namespace {
 
-// Text with line ends; zeros too.
+// Text with line ends and zeros.
 std::vector<uint8_t> text(int32_t size, uint8_t kind) {
     std::vector<uint8_t> bytes(static_cast<size_t>(std::max(size, 0)));
     for (size_t i = 0; i < bytes.size(); i++) {

@@ -1,4 +1,4 @@
-// Runs a fuzz target over the inputs in packs, for builds without libFuzzer.
+// Runs a fuzz target on the inputs in packs, for builds without libFuzzer.
 #include <cstdio>
 
 #include "pack.h"

@@ -1,4 +1,4 @@
-// Sequences of operations on a recycling list against two queues of slots.
+// Compares sequences of operations on a recycling list with two queues of slots.
 #include <deque>
 
 #include "input.h"
@@ -16,12 +16,12 @@ void require_kept(const Filled &filled, uint32_t size) {
     for (uint32_t i = 0; i < size; i++) require(filled.slot[i] == filled.value);
 }
 
-// Takes a slot, checks that it is the one whose turn it is and holds what it held, and refills it.
+// Takes a slot, checks that it is the next one with its old contents, and refills it.
 void take(tavu_rlist_t *pool, Queue *free, Queue *used, uint8_t value) {
     auto *slot = static_cast<uint8_t *>(tavu_rlist_get_buf(pool));
     require((slot != nullptr) == (static_cast<int32_t>(used->size()) < pool->capacity));
     if (slot == nullptr) return;
-    // A slot that was never taken before is in no queue yet.
+    // A slot that was never taken is not in a queue yet.
     if (static_cast<int32_t>(free->size() + used->size()) == pool->capacity) {
         require(slot == free->front().slot);
         require_kept(free->front(), pool->slot_size);

@@ -1,4 +1,4 @@
-// How the scanners cut a string, in the words of the standard library.
+// The results of the text scanners, computed with the standard library.
 #ifndef TAVU_FUZZ_TEXT_H
 #define TAVU_FUZZ_TEXT_H
 
@@ -7,7 +7,7 @@
 using Text = std::string_view;
 constexpr auto NONE = Text::npos;
 
-// `next` is NONE when nothing follows.
+// `next` is NONE if no text follows.
 struct Cut {
     int32_t status;
     size_t len, next;

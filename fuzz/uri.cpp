@@ -1,4 +1,4 @@
-// URI parts and escaping, with room of exactly the size that the header states.
+// URI parts and escaping, with buffers of exactly the size that the header requires.
 #include <vector>
 
 #include "input.h"
@@ -10,7 +10,7 @@ namespace {
 struct Parts {
     int32_t status = -1;
     Text part[4] = {};          // scheme, host, port, path
-    bool slash_before = false;  // and in front of the path, where the text has none
+    bool slash_before = false;  // whether "/" precedes the path because the text has none
     size_t rest = NONE;
 };
 
@@ -61,7 +61,7 @@ void check_escaping(const char *src, Text text) {
     require(Text(escaped.text(), len + 1) == Text(wanted.data(), wanted.size()));
 }
 
-// `src` has a byte after the zero if its last one is "%".
+// `src` has a byte after the zero if the text ends in "%".
 void check_unescaping(const Block &src, Text text) {
     const auto digit = [&](size_t i) {
         const uint8_t c = src.data()[i];

@@ -1,4 +1,4 @@
-// The key-frame detector at every level against a scan byte by byte.
+// Compares the key-frame detector of every level with a scan byte by byte.
 #include "input.h"
 #include "variants.h"
 
@@ -7,7 +7,7 @@ namespace {
 bool starts_picture(const uint8_t *p) { return p[0] == 0 && p[1] == 0 && (p[2] & 0xFC) == 0x80; }
 bool starts_unit(const uint8_t *p) { return p[0] == 0 && p[1] == 0 && p[2] == 1; }
 
-// What a position says, -1 for nothing; `n` bytes begin there.
+// The result of a position with `n` bytes left: key frame or not, -1 if undecided.
 int mpeg4(const uint8_t *p, int n) {
     if (n < 5) return -1;
     if (starts_unit(p) && p[3] == 0xB6) return p[4] < 64;
@@ -60,7 +60,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const int32_t codec = in.range(101, 123);
     const size_t lead = in.byte();
     const auto [content, length] = in.bytes(1000);
-    // The bytes beyond the size that are read all the same.
+    // Some codecs read a byte past the size.
     const bool h263 = codec == TAVU_MT_VID_H263 || codec == TAVU_MT_VID_H263X;
     const size_t n = lead + length, extra = h263 || n == 0 ? 1 : 0;
     const Block unit(n + extra, static_cast<uint8_t>(lead % 2));

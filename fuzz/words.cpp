@@ -1,4 +1,4 @@
-// Words, tokens and lines against the standard library's searches.
+// Compares words, tokens and lines with the standard library's searches.
 #include "input.h"
 #include "tavu.h"
 #include "text.h"
@@ -7,7 +7,7 @@ namespace {
 
 constexpr Text WHITE = " \t\r\n";
 
-// What the scanner gave as a cut; `next` points into the string.
+// Converts a scanner's results to a cut; `next` points into the string.
 Cut found(const char *str, int32_t status, int32_t len, const char *next) {
     return {status, static_cast<size_t>(len),
             next == nullptr ? NONE : static_cast<size_t>(next - str)};
