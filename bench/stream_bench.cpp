@@ -55,7 +55,7 @@ void add_md5(size_t size) {
 #endif
 }
 
-// Random bytes, `percent` of them zero, without a start code except `last` at the end.
+// Random bytes, `percent` of them zero, with no start code except `last` at the end.
 Bytes make_unit(unsigned percent, const Bytes &last) {
     std::mt19937 random(percent);
     Bytes unit(1 << 20);

@@ -25,14 +25,14 @@ void clear_rows(uint8_t *at, ptrdiff_t offset, int32_t rows, int32_t stride, int
 void clear_align(uint8_t *addr, int32_t stride, int32_t w, int32_t h, int32_t aw, int32_t ah,
                  int32_t bytes) {
     clear_rows(addr, static_cast<ptrdiff_t>(w) * bytes, h, stride, (aw - w) * bytes);
-    // `aw` bytes even where a pixel has more; callers rely on it.
+    // `aw` bytes even if a pixel has more; callers rely on it.
     clear_rows(addr, static_cast<ptrdiff_t>(h) * stride, ah - h, stride, aw);
 }
 
 void clear_pad(uint8_t *base, int32_t stride, int32_t aw, int32_t ah, uint32_t pad) {
     if (pad == 0) return;
     const auto rows = static_cast<int32_t>(pad & 0xFFFF);
-    // Taken as bytes even where a pixel has more; callers rely on it.
+    // Taken as bytes even if a pixel has more; callers rely on it.
     const auto bytes = static_cast<int32_t>(pad >> 16);
     const ptrdiff_t above = static_cast<ptrdiff_t>(rows) * stride;
     clear_rows(base, 0, rows, stride, stride);

@@ -8,7 +8,7 @@ namespace tavu {
 
 constexpr int MAX_PLANES = 4;
 
-// Per-plane sizes in pixels, as tavu_imgb_option() takes them.
+// Per-plane sizes in pixels, the arguments of tavu_imgb_option().
 struct Geometry {
     int32_t planes;
     int32_t w[MAX_PLANES], h[MAX_PLANES];

@@ -41,7 +41,7 @@ constexpr Name NAMES[] = {
     {fcc("dx50"), TAVU_MT_VID_MPEG4},
     {fcc("DX50"), TAVU_MT_VID_MPEG4},
     {fcc("FMP4"), TAVU_MT_VID_MPEG4},
-    // "DIV4" is MPEG-4, "DIV3" a codec of its own.
+    // "DIV4" is MPEG-4, "DIV3" is a different codec.
     {fcc("DIV4"), TAVU_MT_VID_MPEG4},
     {fcc("div4"), TAVU_MT_VID_MPEG4},
     {fcc("XVID"), TAVU_MT_VID_MPEG4},

@@ -190,7 +190,7 @@ class RingPair {
     // Positions and results have 32 bits.
     static int32_t narrow(int64_t value) { return static_cast<int32_t>(value); }
 
-    // Size of a destination, as in the header; it is larger than any result.
+    // The size that the header requires of a destination, which exceeds any result.
     int64_t target_size(RingOp op, int64_t n) const {
         const int64_t wanted = std::clamp<int64_t>(n, 0, 2 * model.s + 8);
         if (op == RingOp::GET) return wanted;

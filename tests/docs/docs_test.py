@@ -1,11 +1,11 @@
-"""The documents against the tree: their programs compile without a warning, run and print what is shown;
-the files, functions, macros, presets and numbers that they state exist.
+"""Checks the documents by the source tree: their programs compile without warnings, run, and print
+the given output; the files, functions, macros and presets in them exist; their numbers are right.
 
 usage: docs_test.py ROOT LIBRARY EMULATOR COMPILER [FLAGS]
 
-A block marked c that has no main() is the inside of one. A block marked output is what the program
-before it prints. The manual page has a program too. A block marked @code in the header is the inside of
-a function, unless it begins with a declaration; it is compiled only.
+A block marked c without a main() is the body of one. A block marked output is the output of the
+program before it. The manual page also has a program. A block marked @code in the header is the body
+of a function, unless it begins with a declaration; it is only compiled.
 """
 
 import fnmatch
@@ -22,7 +22,7 @@ ROOT, LIBRARY, EMULATOR = sys.argv[1:4]
 COMPILE = [*sys.argv[4:], "-std=c99", "-pedantic", "-Wall", "-Wextra", "-Werror"]
 BLOCK = re.compile(r"^```(\w+)\n(.*?)^```$", flags=re.M | re.S)
 MANUAL = f"{ROOT}/docs/man/libtavu.3"
-# What the code in the header takes as given.
+# Declarations that the code in the header assumes.
 GIVEN = """
 extern tavu_irsz_t *rsz;
 extern int32_t src_h, band_h;
@@ -43,13 +43,13 @@ def pages():
 
 
 def text_of(*patterns):
-    """The text of all files that match."""
+    """The text of all matching files."""
     found = [path for pattern in patterns for path in glob.glob(f"{ROOT}/{pattern}", recursive=True)]
     return "\n".join(map(read, sorted(found)))
 
 
 def tree():
-    """Paths of all files and folders, without those that are built."""
+    """Paths of all files and folders, without build output."""
     paths = []
     for folder, folders, files in os.walk(ROOT):
         folders[:] = [name for name in folders if name not in ("build", ".git", "__pycache__")]
@@ -68,7 +68,7 @@ def found(pattern):
 
 
 def named_files(text):
-    """Words in backquotes that are paths: with the suffix of a source or in a folder of the tree."""
+    """Words in backquotes that are paths: with a source suffix or in a folder of the tree."""
     folders = "|".join({path.split("/")[-1] for path in tree() if os.path.isdir(f"{ROOT}/{path}")})
     for word in re.findall(r"[^\s`]+", " ".join(re.findall(r"`([^`\n]+)`", text))):
         if word.startswith(("/", "~", "build/")):  # on the reader's machine
@@ -167,7 +167,7 @@ class Documents(unittest.TestCase):
             self.assertEqual((result.returncode, result.stderr), (0, ""), source)
 
     def assert_all(self, good, pairs):
-        """Of (page, name) pairs, good(page, name)."""
+        """Asserts good(page, name) for all (page, name) pairs."""
         pairs = set(pairs)
         self.assertTrue(pairs)
         self.assertEqual(sorted(pair for pair in pairs if not good(*pair)), [])
@@ -182,12 +182,12 @@ class Documents(unittest.TestCase):
                                  [*DOCUMENTS, ("tavu.h", text_of("include/tavu.h"))]
                                  for name in named_files(text)))
 
-    def test_links_lead_somewhere(self):
-        def leads_somewhere(page, link):
+    def test_link_targets_exist(self):
+        def target_exists(page, link):
             target, _, anchor = link.partition("#")
             path = os.path.join(ROOT, os.path.dirname(page), target) if target else f"{ROOT}/{page}"
             return os.path.exists(path) and (not anchor or anchor in anchors(path))
-        self.assert_all(leads_somewhere, found(r"\]\((?!\w+://)([^)\s]+)\)"))
+        self.assert_all(target_exists, found(r"\]\((?!\w+://)([^)\s]+)\)"))
 
     def test_names_exist(self):
         functions = exported_names()

@@ -1,5 +1,5 @@
-"""Installs the library, and uses it the ways that its users do: through find_package, pkg-config,
-add_subdirectory and FetchContent, from C and from C++, shared and static.
+"""Installs the library and uses it like its users: with find_package, pkg-config, add_subdirectory
+and FetchContent, from C and C++, shared and static.
 
 usage: install_test.py (--build FOLDER | --prefix FOLDER) --source FOLDER
                        [--toolchain FILE] [--cc COMMAND] [--cxx COMMAND] [--emulator COMMAND]
@@ -46,7 +46,7 @@ def files(folder):
 
 
 class Installed(unittest.TestCase):
-    """A test of the prefix that was given, or of a new one that the build installs to."""
+    """A test of the given prefix, or of a new one to which the build is installed."""
 
     def setUp(self):
         self.folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
@@ -101,7 +101,7 @@ class CMake(Installed):
     def test_find_package(self):
         self.build_consumer("package", f"-Dtavu_DIR={self.library.parent}/cmake/tavu")
 
-    @unittest.skipIf(ARGUMENTS.prefix, "the installed files alone count")
+    @unittest.skipIf(ARGUMENTS.prefix, "tests only the installed files")
     def test_sources_in_the_consumers_own_build(self):
         for kind in ("subdirectory", "fetch"):
             build = self.build_consumer(kind, f"-DTAVU_SOURCE={ARGUMENTS.source}", "-DTAVU_SIMD=OFF",
@@ -111,7 +111,7 @@ class CMake(Installed):
             self.assertNotIn("BUILD_TESTING", (build / "CMakeCache.txt").read_text())
 
 
-@unittest.skipIf(ARGUMENTS.prefix, "packages hold components already")
+@unittest.skipIf(ARGUMENTS.prefix, "packages already are components")
 class Components(Installed):
     def test_each_file_is_in_the_component_of_its_use(self):
         left = files(self.prefix)
@@ -128,10 +128,10 @@ class Components(Installed):
 
 
 class Plugin(Installed):
-    """The archive inside a shared object that is bound at load or, lazily, at each first call."""
+    """The archive in a shared object that is bound at load time or, lazily, at each first call."""
 
-    # One routine of each file that is compiled for several levels. A plugin calls only one of them,
-    # because others link in tables of routines, which are bound at load.
+    # One routine of each file that is compiled for several levels. A plugin calls only one, because
+    # the others link in tables of routines, which are bound at load time.
     CALLS = {
         "csc_resize": "tavu_csc_rsz_r8g8b8_to_rgb888(src, 8, 4, stride, 13, dst, 4, 2, stride, 400)",
         "csc_to_565": "tavu_csc_r8g8b8_to_rgb565(src, 8, 4, stride, 13, dst, 8, 4, stride, 300)",
@@ -150,7 +150,7 @@ class Plugin(Installed):
         run(*command, f"-I{self.prefix}/include", *arguments, "-o", self.folder / name)
         return self.folder / name
 
-    def test_every_file_of_kernels_in_an_object_bound_lazily_and_at_load(self):
+    def test_every_kernel_file_with_lazy_and_immediate_binding(self):
         archive = next(self.prefix.rglob("libtavu.a"))
         indirect = re.findall(r":(\w+)\.cpp\.o:.* i ", run("nm", "-A", archive))
         self.assertIn(set(indirect), (set(self.CALLS), set()))

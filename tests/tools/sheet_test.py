@@ -179,7 +179,7 @@ class Sheet(Case):
         self.assertEqual(self.sheet(sliver, 16).height, 2 * 4 + 1 + 15)
         tall = self.made("tall.mkv", "2x9000", "-c:v", "ffv1", "-frames:v", "1")
         self.fails("sheet", tall, "-o", self.path("tall.png"), says="2x9000")
-        # The last row and column of an odd size have chroma of their own.
+        # The last row and column of an odd size have their own chroma.
         odd = self.made("odd.mkv", "16x16", "-frames:v", "1", "-c:v", "ffv1", "-vf",
                         "scale=3:3,format=gbrp,geq=r=255*lt(max(X\\,Y)\\,2):g=0:b=255-r(X\\,Y)")
         picture = self.sheet(odd, 16, "--every", 1).cell(0, 16, 16)[0]

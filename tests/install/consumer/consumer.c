@@ -1,4 +1,4 @@
-/* A program of somebody else: code, kernels chosen at load time and data of the library. */
+/* A consumer's program: it uses code, kernels selected at load time, and data of the library. */
 #include <stdio.h>
 #include <string.h>
 #include <tavu.h>

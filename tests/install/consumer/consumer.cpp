@@ -1,4 +1,4 @@
-// The same from C++: records in its own types, a routine behind a pointer.
+// The same in C++: the library's records in its own types, a routine called through a pointer.
 #include <tavu.h>
 
 #include <cstdio>

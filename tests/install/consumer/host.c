@@ -1,4 +1,4 @@
-/* Calls the plugin that it is linked with, or the one named, opened "lazy" or "now". */
+/* Calls the plugin that it is linked with, or the given one, opened "lazy" or "now". */
 #include <dlfcn.h>
 #include <stdio.h>
 

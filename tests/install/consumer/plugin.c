@@ -1,4 +1,4 @@
-/* Somebody else's shared object, in C or C++: it contains libtavu.a and calls one routine. */
+/* A consumer's shared object, in C or C++: it contains libtavu.a and calls one routine. */
 #include <tavu.h>
 
 #ifdef __cplusplus
