@@ -43,7 +43,7 @@ FilePtr seekable(FilePtr file) {
     if (S_ISREG(status.st_mode)) return file;
     if (isatty(fileno(file.get())))
         throw std::runtime_error("it is a terminal; expected a media file");
-    if (S_ISCHR(status.st_mode)) throw std::runtime_error("it is a device; expected a media file");
+    if (S_ISCHR(status.st_mode)) throw std::runtime_error("not a media file but a device");
     return copy_of(file.get());
 }
 
