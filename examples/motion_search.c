@@ -1,5 +1,5 @@
 /*
- * Full search of a 16x16 block in a picture with a border, by a sum of absolute differences that
+ * Full search of a 16x16 block in a picture with a border, with a sum of absolute differences that
  * stops once it exceeds the best one so far.
  * Build: cc motion_search.c $(pkg-config --cflags --libs tavu)
  */

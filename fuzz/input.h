@@ -14,7 +14,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
 
-// A failed check aborts the process, which reports a finding.
+// A failed check aborts the process, which the fuzzer reports.
 inline void require(bool ok) {
     if (!ok) abort();
 }

@@ -134,7 +134,7 @@ void list_kernels() {
 void bench(const CommonOptions &common, const BenchOptions &options) {
     const std::vector<NamedCase> cases = chosen(options.pattern);
     Json kernels = Json::array();
-    const bool table = common.talks() && !options.csv;
+    const bool table = common.has_text() && !options.csv;
     if (table || options.csv) print_head(options.csv);
     {
         Progress progress("kernels", common.quiet || (table && isatty(STDOUT_FILENO)));

@@ -174,7 +174,7 @@ void compare(const CommonOptions &common, const CompareOptions &options) {
     Comparison comparison;
     const std::string stop = compare_frames(a, b, common.quiet, comparison);
     if (!comparison.rows.empty() && common.json) print_json(comparison_json(a, b, comparison));
-    if (!comparison.rows.empty() && common.talks(options.heat_map)) print_text(comparison);
+    if (!comparison.rows.empty() && common.has_text(options.heat_map)) print_text(comparison);
     a.throw_faults();
     b.throw_faults();
     if (!stop.empty()) throw WholeError(stop);

@@ -89,7 +89,7 @@ void write(OutputFile &file, const std::string &kind, const PixelLayout &layout,
 }
 
 void report(const CommonOptions &common, const ConvertOptions &options, Size size) {
-    if (common.talks(options.output))
+    if (common.has_text(options.output))
         std::cout << printable(options.output) << ": " << size.width << 'x' << size.height << ' '
                   << options.to->name << '\n';
     if (common.json)

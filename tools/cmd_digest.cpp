@@ -37,15 +37,15 @@ void digest(const CommonOptions &common) {
     Media media(common.input);
     FrameReader frames(media, media.best_video());
     Json rows = Json::array();
-    const bool talks = common.talks();
-    if (talks) std::cout << "# index,time,size,md5\n";
+    const bool has_text = common.has_text();
+    if (has_text) std::cout << "# index,time,size,md5\n";
     {
         // Rows on the terminal already show the progress.
-        Progress progress("frames", common.quiet || (talks && isatty(STDOUT_FILENO)));
+        Progress progress("frames", common.quiet || (has_text && isatty(STDOUT_FILENO)));
         while (const AVFrame *frame = frames.next()) {
             const ImagePtr image = copy_frame(*frame);
             const std::string md5 = digest_text(*image);
-            if (talks) print_row(frames, *image, md5);
+            if (has_text) print_row(frames, *image, md5);
             if (common.json)
                 rows.push_back({{"index", frames.index()},
                                 {"time", frames.seconds()},

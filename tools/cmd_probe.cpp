@@ -129,7 +129,7 @@ void probe(const CommonOptions &common, const std::string &plot) {
     if (!plot.empty()) file.emplace(plot, std::initializer_list<FileId>{media.id()});
     const std::vector<Track> tracks = read_tracks(media, common.quiet);
     if (common.json) print_json(tracks_json(common.input, tracks));
-    if (common.talks(plot)) print_text(tracks);
+    if (common.has_text(plot)) print_text(tracks);
     media.throw_faults();
     if (file) plot_units(*file, short_name(common.input), track_to_plot(tracks));
 }

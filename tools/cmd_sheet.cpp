@@ -69,7 +69,7 @@ class SheetMaker {
 
 void report(const CommonOptions &common, const SheetOptions &options, const SheetMaker &maker) {
     const ContactSheet &sheet = maker.sheet();
-    if (common.talks(options.output))
+    if (common.has_text(options.output))
         std::cout << printable(options.output) << ": " << maker.times().size() << " pictures, "
                   << sheet.width() << 'x' << sheet.height() << '\n';
     if (common.json)

@@ -27,7 +27,7 @@ struct CommonOptions {
     bool quiet = false;
 
     /** Whether to print text for people; `output` is a file that the command writes, if any. */
-    bool talks(const std::string &output = "") const { return !json && !quiet && output != "-"; }
+    bool has_text(const std::string &output = "") const { return !json && !quiet && output != "-"; }
 };
 
 struct SheetOptions {

@@ -88,5 +88,5 @@ Json pairs_json(const std::vector<Pair> &pairs) {
 
 void list_conversions(const CommonOptions &common) {
     if (common.json) print_json(pairs_json(offered_pairs()));
-    if (common.talks()) print_text(offered_pairs());
+    if (common.has_text()) print_text(offered_pairs());
 }

@@ -9,7 +9,7 @@ namespace {
 
 using Slot = tavu_rlist_slot_t;
 
-// The record as allocated, followed by the slot taken last (if any is used).
+// The record as allocated: the public part and the slot taken last (if any is used).
 struct Pool : tavu_rlist_t {
     Slot *newest;
 };

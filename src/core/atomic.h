@@ -1,4 +1,4 @@
-// Atomic counters. Relaxed: they order no other access.
+// Atomic counters. Relaxed: they do not order other accesses.
 #ifndef TAVU_CORE_ATOMIC_H
 #define TAVU_CORE_ATOMIC_H
 

@@ -156,7 +156,7 @@ int32_t tavu_md5_imgb(const tavu_imgb_t *imgb, uint8_t digest[16]) {
     if (imgb->cs < 0 || imgb->cs > 99) return TAVU_ERR_UNSUPPORTED_CS;
     tavu_md5_t md5;
     tavu::init(&md5);
-    // `x` shortens rows without moving their start; chroma counts as halved in every layout.
+    // `x` shortens rows without moving their start; chroma is treated as 4:2:0 in every layout.
     // Callers rely on both. 64-bit arithmetic, because rounding up the largest sizes overflows 32.
     const int64_t width = int64_t{imgb->w} - imgb->x;
     tavu::update_rows(&md5, imgb, 0, imgb->y, imgb->h, width);

@@ -49,7 +49,7 @@ void run_bands(tavu_irsz_t *rsz, const Reference &r) {
 #include "band_loop.inc"
 }
 
-// Runs the library; source and target end at unreadable pages.
+// Resizes with the library; source and target end at unreadable pages.
 Bytes resize_by(tavu_irsz_fn driver, const Reference &r, bool *complete) {
     GuardedBytes dst(r.target_size());
     const tavu_irsz_param param = r.param(dst.data());

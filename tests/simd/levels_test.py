@@ -1,5 +1,5 @@
-"""Levels share no code. The linker keeps one body of each weak symbol, and a body compiled for v3 must
-not be used by code for v2. Weak symbols of kernel files therefore contain their level.
+"""Levels share no code. The linker keeps one body of each weak symbol, and code for v2 must not use
+a body compiled for v3. The names of weak symbols of kernel files therefore contain their level.
 
 usage: levels_test.py COMPILE_COMMANDS
 """
