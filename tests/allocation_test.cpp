@@ -45,7 +45,7 @@ void expect_exact(tavu_imgb_t *image, const PictureRequest &r) {
         << r.w << 'x' << r.h << ' ' << r.cs;
 }
 
-TEST(Sizes, PicturesAskForExactlyTheirPlanesOrAreRefused) {
+TEST(Sizes, PicturesRequestExactlyTheirPlanesOrAreRefused) {
     tavu_imgb_t *image =
         tavu_imgb_create(64, 64, 500, 0, nullptr, nullptr, nullptr, nullptr, nullptr);
     EXPECT_EQ(reinterpret_cast<uintptr_t>(image->base[0]) % 32, 0U);
@@ -88,7 +88,7 @@ TEST(Sizes, TheLongestEmptyPicturesHaveBordersAndDigests) {
     }
 }
 
-TEST(Sizes, AudioBlocksAskForExactlyTheirSamplesOrAreRefused) {
+TEST(Sizes, AudioBlocksRequestExactlyTheirSamplesOrAreRefused) {
     const auto expect_blocks = [](int32_t samples, int32_t channels, int32_t bits, int32_t format) {
         const int64_t each = samples * ((int64_t{bits} + 7) / 8);
         const double bytes = static_cast<double>(each) * (format == 1 ? channels : 1);
@@ -181,7 +181,7 @@ const IrszFormat IRSZ_FORMATS[] = {{TAVU_IRSZ_8B, 1, 1, 1},
                                    {TAVU_IRSZ_5B6B5B, 1, 1, 2},
                                    {TAVU_IRSZ_8B8B8B8B, 4, 4, 4}};
 
-TEST(Sizes, ResizersHoldExactLengthsOrAreRefused) {
+TEST(Sizes, ResizersHaveExactLengthsOrAreRefused) {
     for (const IrszFormat &f : IRSZ_FORMATS) {
         for (const int32_t mode : {TAVU_IRSZ_MODE_FULL, TAVU_IRSZ_MODE_LINE}) {
             for (const int32_t n : limits()) {

@@ -60,11 +60,11 @@ void fill(uint8_t *dst, uint32_t value, size_t bytes) {
 }
 
 // The largest multiple of `block`, a power of two, that does not exceed `size`.
-int32_t whole(int32_t size, int32_t block) { return size & -block; }
+int32_t round_down(int32_t size, int32_t block) { return size & -block; }
 
 void fill_blocks(void *dst, uint32_t value, int32_t size, int32_t block) {
     if (size >= block) {
-        fill(static_cast<uint8_t *>(dst), value, static_cast<size_t>(whole(size, block)));
+        fill(static_cast<uint8_t *>(dst), value, static_cast<size_t>(round_down(size, block)));
     }
 }
 
@@ -105,5 +105,5 @@ TAVU_KERNEL(void, tavu_mset_x64a, (void *dst, int32_t value, int32_t size)) {
 
 TAVU_KERNEL(void, tavu_mclr_x64, (void *dst, int32_t words)) {
     if (words >= 64)
-        fill(static_cast<uint8_t *>(dst), 0, static_cast<size_t>(whole(words, 64)) * 4);
+        fill(static_cast<uint8_t *>(dst), 0, static_cast<size_t>(round_down(words, 64)) * 4);
 }

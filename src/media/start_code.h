@@ -10,13 +10,13 @@
 namespace tavu {
 namespace {
 
-// Kinds of start code. rest() is 0 only for their third byte; its argument is a byte or a vector of
-// bytes.
+// Kinds of start code. mismatch() is 0 only for their third byte; its argument is a byte or a
+// vector of bytes.
 
 // 00 00 01
 struct Prefix {
     template <class Byte>
-    static Byte rest(Byte third) {
+    static Byte mismatch(Byte third) {
         return third ^ 1;
     }
 };
@@ -24,7 +24,7 @@ struct Prefix {
 // 00 00 and the 22-bit picture start code of H.263 (ITU-T H.263, 5.1.1).
 struct H263Picture {
     template <class Byte>
-    static Byte rest(Byte third) {
+    static Byte mismatch(Byte third) {
         return (third & 0xFC) ^ 0x80;
     }
 };
@@ -34,14 +34,14 @@ inline uint8_t lesser(uint8_t a, uint8_t b) { return a < b ? a : b; }
 template <class Kind, class OtherKind>
 struct Either {
     template <class Byte>
-    static Byte rest(Byte third) {
-        return lesser(Kind::rest(third), OtherKind::rest(third));
+    static Byte mismatch(Byte third) {
+        return lesser(Kind::mismatch(third), OtherKind::mismatch(third));
     }
 };
 
 template <class Kind>
 bool is_start(const uint8_t *p) {
-    return p[0] == 0 && p[1] == 0 && Kind::rest(p[2]) == 0;
+    return p[0] == 0 && p[1] == 0 && Kind::mismatch(p[2]) == 0;
 }
 
 #if TAVU_VEC
@@ -52,20 +52,20 @@ bool is_start(const uint8_t *p) {
 template <class Kind, int Vectors>
 TAVU_VEC_INLINE bool find_in_block(const uint8_t **p) {
     const uint8_t *first = *p, *second = first + 1, *third = first + 2;
-    U8 rest[size_t{Vectors}], least;
+    U8 mismatches[size_t{Vectors}], least;
 #pragma GCC unroll 4
     for (int i = 0; i < Vectors; i++) {
         const U8 zeros = load_next(first) | load_next(second);
-        rest[i] = zeros | Kind::rest(load_next(third));
-        least = i == 0 ? rest[0] : lesser(least, rest[i]);
+        mismatches[i] = zeros | Kind::mismatch(load_next(third));
+        least = i == 0 ? mismatches[0] : lesser(least, mismatches[i]);
     }
     if (!zero_lanes(least)) {
         *p = first;
         return false;
     }
 #pragma GCC unroll 4
-    for (const U8 &r : rest) {
-        if (const ZeroLanes z = zero_lanes(r)) {
+    for (const U8 &m : mismatches) {
+        if (const ZeroLanes z = zero_lanes(m)) {
             *p += first_lane(z);
             break;
         }

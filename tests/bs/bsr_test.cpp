@@ -146,7 +146,7 @@ TEST(Bsr, OwedBitsAffectEachFunctionAsDocumented) {
     }
 }
 
-TEST(Bsr, AnyCallsOnAnyDataFollowTheRules) {
+TEST(Bsr, AnyCallsOnAnyDataEqualTheModel) {
     std::mt19937 random(1);
     const auto below = [&](unsigned n) { return static_cast<int>(random() % n); };
     int asked = 0;  // the largest request of a call without owed bits

@@ -103,7 +103,7 @@ TEST(Bsw, SingleBitsAndDeinitWritePastTheEnd) {
     w.expect(0, -8, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFE, 0});
 }
 
-TEST(Bsw, AnyCallsOnAnySizeFollowTheRules) {
+TEST(Bsw, AnyCallsOnAnySizeEqualTheModel) {
     std::mt19937 random(1);
     for (int round = 0; round < 5000; round++) {
         Writer w(random() % 40, 1000);
