@@ -98,7 +98,7 @@ TEST(Mcpy, PicturesRowByRow) {
     }
 }
 
-// Of the remainder after the last 64 bytes of a run, only the first byte is copied.
+// Only the first byte of the remainder after the last 64 bytes of a run is copied.
 void expect_one_run(int width, int height) {
     const int total = width * height;
     expect_copied(tavu_mcpy_pic, width, width, width, height, [&](int x, int y) {
