@@ -23,7 +23,7 @@ int nal_length_size(const AVCodecParameters &parameters);
 std::vector<uint8_t> with_start_codes(const uint8_t *data, size_t size, int length_size,
                                       bool &broken);
 
-/** The first NAL unit whose first byte `wanted` accepts; empty if there is none. */
+/** The first NAL unit whose first byte `wanted` accepts, without start code; empty if none. */
 std::vector<uint8_t> find_nal(const uint8_t *data, size_t size,
                               const std::function<bool(uint8_t)> &wanted);
 
