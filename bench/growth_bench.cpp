@@ -31,12 +31,12 @@ using SharedMemory = std::shared_ptr<Memory>;
 
 // `call` reads and writes `moved` bytes per pixel.
 template <class Call>
-void add_picture_row(const std::string &what, Size size, const SharedMemory &memory, double moved,
+void add_picture_row(const std::string &name, Size size, const SharedMemory &memory, double moved,
                      Call call) {
     const auto copied = static_cast<size_t>(size.pixels() * moved / 2);
-    add_side(what + size.name(), "tavu", call, size.pixels());
+    add_side(name + size.name(), "tavu", call, size.pixels());
     add_side(
-        what + size.name(), "memcpy",
+        name + size.name(), "memcpy",
         [=] { memcpy(memory->to.data(), memory->from.data(), copied); }, size.pixels());
 }
 
@@ -59,11 +59,11 @@ void add_conversions(Size size, const SharedMemory &) {
 
 // Times per source pixel.
 void add_resizes(Size size, const SharedMemory &memory) {
-    const auto add = [&](const char *what, tavu_irsz_full_t *resize, int32_t bytes, int32_t num,
+    const auto add = [&](const char *name, tavu_irsz_full_t *resize, int32_t bytes, int32_t num,
                          int32_t den) {
         const int32_t w = size.w * num / den, h = size.h * num / den;
         const double moved = bytes * (1 + static_cast<double>(num * num) / (den * den));
-        add_picture_row(what, size, memory, moved, [=] {
+        add_picture_row(name, size, memory, moved, [=] {
             int32_t x, y;
             bilinear_rsz_step_size(size.w, size.h, w, h, &x, &y);
             resize(memory->from.data(), size.w * bytes, w, h, w * bytes, memory->to.data(), x, y);
@@ -101,7 +101,7 @@ void add_md5(Size size, const SharedMemory &memory) {
 
 // A picture processed block by block as in an encoder; the other side copies the same blocks.
 template <class Metric>
-void add_blocks(const char *what, Size size, const SharedMemory &memory, Metric metric) {
+void add_blocks(const char *name, Size size, const SharedMemory &memory, Metric metric) {
     constexpr int32_t BLOCK = 64;
     const auto over_blocks = [=](auto visit) {
         for (int32_t y = 0; y + BLOCK <= size.h; y += BLOCK) {
@@ -123,7 +123,7 @@ void add_blocks(const char *what, Size size, const SharedMemory &memory, Metric 
             }
         });
     };
-    const std::string row = std::string(what) + size.name();
+    const std::string row = std::string(name) + size.name();
     const double pixels = (size.w / BLOCK) * (size.h / BLOCK) * BLOCK * BLOCK;
     add_side(row, "tavu", ours, pixels);
     add_side(row, "memcpy of blocks", copy, pixels);
@@ -200,11 +200,11 @@ void add_list(int32_t count) {
 }
 
 // Takes one slot of a queue with `used` slots and gives one back.
-void add_rlist(const std::string &what, int32_t count, int32_t used) {
+void add_rlist(const std::string &name, int32_t count, int32_t used) {
     using Pool = std::unique_ptr<tavu_rlist_t, void (*)(tavu_rlist_t *)>;
     const auto pool = std::make_shared<Pool>(tavu_rlist_create(64, count), tavu_rlist_delete);
     for (int32_t i = 0; i < used; i++) tavu_rlist_get_buf(pool->get());
-    add_side(what + '/' + std::to_string(count), "tavu", [=] {
+    add_side(name + '/' + std::to_string(count), "tavu", [=] {
         benchmark::DoNotOptimize(tavu_rlist_get_buf(pool->get()));
         benchmark::DoNotOptimize(tavu_rlist_get_data(pool->get()));
         tavu_rlist_rem_data(pool->get());

@@ -30,13 +30,13 @@ bool write_all(tavu_bsw_t *w, WriterModel *m, Input in, size_t memory) {
 
 int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     Input in(data, std::min<size_t>(size, 4096));
-    const int32_t room = in.byte();
-    const Block memory(static_cast<size_t>(room) + 500);
+    const int32_t capacity = in.byte();
+    const Block memory(static_cast<size_t>(capacity) + 500);
     Block wanted(memory.size());
-    const bool inverts = room % 2 != 0;
+    const bool inverts = capacity % 2 != 0;
     tavu_bsw_t w;
-    tavu_bsw_init(&w, memory.data(), room, inverts ? inverting_spill : nullptr);
-    WriterModel m{room, inverts};
+    tavu_bsw_init(&w, memory.data(), capacity, inverts ? inverting_spill : nullptr);
+    WriterModel m{capacity, inverts};
     const bool fits = write_all(&w, &m, in, memory.size());
     std::copy(m.written.begin(), m.written.end(), wanted.data());
     require(memory == wanted);

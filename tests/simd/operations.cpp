@@ -1,5 +1,5 @@
-// Compiled once for each level. Nothing here but the list has a name that other files see, because a body
-// that is compiled for v4 must not be linked into code for other processors.
+// Compiled once for each level. Only the list has external linkage, because a body that is compiled
+// for v4 must not be linked into code for other processors.
 #include "operations.h"
 
 #include <cstring>
@@ -12,7 +12,7 @@
 namespace tavu {
 namespace {
 
-// Registers as arrays, and the reverse.
+// The lanes of a register as an array.
 template <class T, int N>
 struct Array {
     T at[size_t{N}];
@@ -36,7 +36,7 @@ V load_as(const void *p) {
     return v;
 }
 
-// Whether lane i is meaning(i).
+// Whether each lane i equals meaning(i).
 template <class T, class V, class Meaning>
 bool is(const V &v, Meaning meaning) {
     auto expected = lanes_of<T>(v);
@@ -88,7 +88,7 @@ bool from_rgb(const uint8_t *r) {
            });
 }
 
-// The terms are added to grey, so that they fit bytes in the order of the lanes.
+// The terms are added to grey and narrowed to bytes, which restores the order of the lanes.
 bool terms_of_chroma(const uint8_t *r) {
     const uint8_t *const at = r, *const end = r + LANES;
     const ChromaTerms t = chroma_terms(load_as<U8>(at), load_as<U8>(end));
@@ -163,7 +163,7 @@ bool lesser_and_zeros(const uint8_t *r) {
            !zero_lanes(a | 1) && first_lane(zero_lanes(few)) == at;
 }
 
-// Any stride, and blocks that overlap.
+// With positive and negative strides, and overlapping rows.
 template <int N, int W>
 bool rows_of(const uint8_t *r) {
     const ptrdiff_t stride = r[0] % 100 - 50;
@@ -207,7 +207,7 @@ bool sums(const uint8_t *r) {
            is<uint8_t>(load_next<N>(p), [r](int i) { return r[i]; }) && p == start + N;
 }
 
-// Lanes of at most `most`, with both signs.
+// Lanes in [-most, most].
 template <int N>
 VecI16<N> small(const uint8_t *r, int most) {
     Array<int16_t, N / 2> values;
@@ -241,7 +241,7 @@ bool butterflies(const uint8_t *r) {
            is<int16_t>(high, [&](int i) { return zipped(i, 1); });
 }
 
-// Whether two arrays hold the same values, in any order.
+// Whether two arrays have the same values, in any order.
 template <int N>
 bool same_values(Array<int16_t, N> x, const Array<int16_t, N> &y) {
     for (int i = 0; i < N; i++) {
@@ -253,7 +253,7 @@ bool same_values(Array<int16_t, N> x, const Array<int16_t, N> &y) {
     return true;
 }
 
-// The order of the results is the processor's.
+// The order of the results depends on the processor.
 template <int N>
 bool column_butterflies(const uint8_t *r) {
     constexpr int STRIDE = 20;
@@ -270,7 +270,7 @@ bool column_butterflies(const uint8_t *r) {
     return same_values(lanes, expected) && p == a + STRIDE && q == b + STRIDE;
 }
 
-// Of neighbouring columns or of rows 0 and 2, 1 and 3, whichever the processor prefers.
+// Butterflies of neighbouring columns, or of rows 0 and 2, 1 and 3: this depends on the processor.
 bool first_butterfly(const uint8_t *r) {
     VecI16<16> v[2];
     butterfly_difference(load<16>(r), load<16>(r + 16), &v[0], &v[1]);
@@ -332,7 +332,7 @@ struct Cursor {
     void move(int32_t pixels) { at += pixels; }
 };
 
-// Every pixel of a row belongs to a block, and no other does.
+// Blocks cover every pixel of a row and no pixel outside.
 bool row_loop(const uint8_t *r) {
     const int32_t width = LANES + r[0];
     int32_t touched[2 * LANES + 256 + LANES] = {}, covered = 0;
@@ -345,7 +345,7 @@ bool row_loop(const uint8_t *r) {
     return covered == width && outside == 0;
 }
 
-// For registers of 16, 32 and 64 bytes as far as the level has them.
+// For registers of 16, 32 and 64 bytes, as far as the level has them.
 template <class Check>
 bool for_widths(Check check) {
     constexpr std::integral_constant<int, 16> narrow;

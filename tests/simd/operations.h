@@ -1,4 +1,4 @@
-// The operations of the vector layer, each with a comparison of its result with its scalar meaning.
+// The operations of the vector layer, each with a check of its result by scalar code.
 #ifndef TAVU_TESTS_SIMD_OPERATIONS_H
 #define TAVU_TESTS_SIMD_OPERATIONS_H
 

@@ -1,5 +1,5 @@
-// Each operation of the vector layer at every level of the processor, so that a port or a compiler that gets
-// one wrong fails by its name.
+// Tests each operation of the vector layer at every level of the processor, so that a wrong port or
+// compiler fails with the name of the operation.
 #include "operations.h"
 
 #include <gtest/gtest.h>

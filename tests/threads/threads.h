@@ -9,9 +9,9 @@
 #include <thread>
 #include <vector>
 
-inline void require(bool ok, const char *what) {
+inline void require(bool ok, const char *condition) {
     if (ok) return;
-    std::fprintf(stderr, "failed: %s\n", what);
+    std::fprintf(stderr, "failed: %s\n", condition);
     std::_Exit(1);
 }
 
