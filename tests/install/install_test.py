@@ -31,6 +31,7 @@ def command_line():
 
 ARGUMENTS = command_line()
 CONSUMER = pathlib.Path(__file__).parent.resolve() / "consumer"
+FROM_SOURCES = (f"-DTAVU_SOURCE={ARGUMENTS.source}", "-DTAVU_SIMD=OFF", "-DCMAKE_BUILD_TYPE=Debug")
 
 
 def run(*command, **environment):
@@ -64,12 +65,12 @@ class Installed(unittest.TestCase):
         return run("pkg-config", *arguments, "tavu",
                    PKG_CONFIG_LIBDIR=str(self.library.parent / "pkgconfig")).split()
 
-    def check(self, program, expected):
+    def check(self, program, expected, all_static=False):
         self.assertEqual(self.output(program), expected + "\n")
         needs = run("readelf", "-dW", program)
         if expected == "C":
             self.assertNotRegex(needs, RUN_TIME_OF_CPP)
-        self.assertEqual("static" in program.name, "libtavu" not in needs)
+        self.assertEqual(all_static or "static" in program.name, "libtavu" not in needs)
 
 
 class PkgConfig(Installed):
@@ -85,30 +86,52 @@ class PkgConfig(Installed):
 
 
 class CMake(Installed):
-    def build_consumer(self, kind, *settings):
+    def build_consumer(self, kind, *settings, all_static=False):
         build = self.folder / kind
         toolchain = [f"-DCMAKE_TOOLCHAIN_FILE={ARGUMENTS.toolchain}"] if ARGUMENTS.toolchain else []
         run("cmake", "-S", CONSUMER, "-B", build, f"-DTAVU_FROM={kind}", *settings, *toolchain,
             "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON", "--no-warn-unused-cli")
         run("cmake", "--build", build, "--parallel", os.cpu_count())
         for program in ("shared_c", "static_c", "shared_cpp", "static_cpp"):
-            self.check(build / program, "C++" if program.endswith("cpp") else "C")
+            self.check(build / program, "C++" if program.endswith("cpp") else "C", all_static)
         for unit in json.loads((build / "compile_commands.json").read_text()):
             if pathlib.Path(unit["file"]).parent == CONSUMER:
                 self.assertNotRegex(unit["command"], FLAGS_OF_THE_LIBRARY)
         return build
 
+    def find_package(self, prefix, request, **expected):
+        folder = next(prefix.rglob("tavu-config.cmake")).parent
+        self.build_consumer("package", f"-Dtavu_DIR={folder}", f"-DTAVU_REQUEST={request}", **expected)
+
+    def check_refused(self, prefix, request, reason):
+        with self.assertRaisesRegex(AssertionError, reason):
+            self.find_package(prefix, request)
+
     def test_find_package(self):
-        self.build_consumer("package", f"-Dtavu_DIR={self.library.parent}/cmake/tavu")
+        self.find_package(self.prefix, "1.0;COMPONENTS;shared;static")
+        self.check_refused(self.prefix, "2.0", r"requested\s+version")
+        self.check_refused(self.prefix, "1.0;COMPONENTS;dynamic", r"installed:\s+shared\s+static")
 
     @unittest.skipIf(ARGUMENTS.prefix, "tests only the installed files")
     def test_sources_in_the_consumers_own_build(self):
         for kind in ("subdirectory", "fetch"):
-            build = self.build_consumer(kind, f"-DTAVU_SOURCE={ARGUMENTS.source}", "-DTAVU_SIMD=OFF",
-                                        "-DCMAKE_BUILD_TYPE=Debug")
+            build = self.build_consumer(kind, *FROM_SOURCES)
             run("cmake", "--install", build, "--prefix", self.folder / kind / "prefix")
             self.assertEqual(files(self.folder / kind / "prefix"), set())
             self.assertNotIn("BUILD_TESTING", (build / "CMakeCache.txt").read_text())
+
+    @unittest.skipIf(ARGUMENTS.prefix, "the installed files alone count")
+    def test_only_the_library_that_build_shared_libs_asks_for(self):
+        both = {path.name for path in self.prefix.rglob("libtavu.[as]*")}
+        for shared, installed, missing in (("OFF", {"libtavu.a"}, "shared"),
+                                           ("ON", both - {"libtavu.a"}, "static")):
+            prefix = self.folder / shared
+            build = self.build_consumer("subdirectory", *FROM_SOURCES, "-DTAVU_INSTALL=ON",
+                                        f"-DBUILD_SHARED_LIBS={shared}", all_static=shared == "OFF")
+            run("cmake", "--install", build, "--prefix", prefix)
+            self.assertEqual({path.name for path in prefix.rglob("libtavu.[as]*")}, installed)
+            self.check_refused(prefix, f"1.0;COMPONENTS;{missing}", r"not\s+among")
+        self.find_package(self.folder / "OFF", "1.0;COMPONENTS;static", all_static=True)
 
 
 @unittest.skipIf(ARGUMENTS.prefix, "packages already are components")
