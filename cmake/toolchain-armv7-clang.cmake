@@ -1,4 +1,4 @@
-# As toolchain-armv7.cmake, by Clang with the libraries of GCC's cross compiler.
+# Like toolchain-armv7.cmake, but Clang with the libraries of GCC's cross compiler.
 include(${CMAKE_CURRENT_LIST_DIR}/toolchain-armv7.cmake)
 set(CMAKE_C_COMPILER clang)
 set(CMAKE_CXX_COMPILER clang++)
