@@ -23,8 +23,8 @@ constexpr Rgb yuv_to_rgb(int y, int u, int v) {
             clamp255(y + ((454 * u + 128) >> 8))};
 }
 
-// The same with products and sums wrapped to 16 bits before the rounding shift, which itself does
-// not wrap. Callers of the combined routines rely on these bytes.
+// The same with products and sums wrapped to 16 bits before the rounding shift, which does not wrap.
+// Callers of the combined routines rely on these bytes.
 constexpr Rgb yuv_to_rgb_wrap16(int y, int u, int v) {
     u -= 128;
     v -= 128;
@@ -33,7 +33,7 @@ constexpr Rgb yuv_to_rgb_wrap16(int y, int u, int v) {
             clamp255(y + shift(454 * u))};
 }
 
-// Biases a chroma difference of -127..128.
+// Adds the bias of chroma to a difference of -127..128, saturated to 255.
 constexpr uint8_t chroma(int t) { return static_cast<uint8_t>(t + 128 > 255 ? 255 : t + 128); }
 
 struct Yuv {
@@ -41,7 +41,7 @@ struct Yuv {
 };
 
 constexpr Yuv rgb_to_yuv(int r, int g, int b) {
-    // The luma weights sum to 256, so that 255 is the largest result.
+    // The luma weights sum to 256, so the result is at most 255.
     return {static_cast<uint8_t>((77 * r + 150 * g + 29 * b + 128) >> 8),
             chroma((-43 * r - 85 * g + 128 * b + 128) >> 8),
             chroma((128 * r - 107 * g - 21 * b + 128) >> 8)};
@@ -51,7 +51,7 @@ constexpr uint32_t pack_565(Rgb p) {
     return static_cast<uint32_t>((p.r & 0xF8) << 8 | (p.g & 0xFC) << 3 | p.b >> 3);
 }
 
-// What three source samples mean.
+// The colour space of three source samples.
 struct FromYuv {
     static constexpr Rgb rgb(uint8_t y, uint8_t u, uint8_t v) { return yuv_to_rgb(y, u, v); }
 };

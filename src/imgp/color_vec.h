@@ -23,8 +23,8 @@ TAVU_VEC_INLINE RgbBlock block_to_rgb(FromYuv, U8 y8, U8 u, U8 v) {
             narrow({y.lo + t.b.lo, y.hi + t.b.hi})};
 }
 
-// A place in a row of the source planes, of which the fourth may be missing, and of a target of Bytes
-// bytes a pixel.
+// Pointers into a row of the source planes, of which the fourth may be missing, and into a target row
+// of Bytes bytes per pixel.
 template <int Bytes, bool AlphaPlane = false>
 struct Cursor {
     const uint8_t *c0, *c1, *c2, *c3;
@@ -39,9 +39,9 @@ struct Cursor {
     }
 };
 
-// LANES pixels of the first three planes.
-template <class Space, class Place>
-TAVU_VEC_INLINE RgbBlock load_rgb(Place &at) {
+// LANES pixels of the first three planes; their pointers move on.
+template <class Space, class Cursor>
+TAVU_VEC_INLINE RgbBlock load_next_rgb(Cursor &at) {
     const U8 c0 = load_next(at.c0), c1 = load_next(at.c1), c2 = load_next(at.c2);
     return block_to_rgb(Space{}, c0, c1, c2);
 }

@@ -1,4 +1,4 @@
-// What every conversion routine shares: its arguments in one record, and its export.
+// The arguments of a conversion routine as one record, and its export.
 #ifndef TAVU_IMGP_CSC_H
 #define TAVU_IMGP_CSC_H
 
@@ -27,48 +27,47 @@ struct Csc {
     }
 };
 
-// Bytes of a packed target pixel, and whether the fourth is plane 3; else it is 255.
 struct PackedTarget {
-    int bytes;
-    bool alpha_plane;
+    int bytes;         // per pixel
+    bool alpha_plane;  // a fourth byte is the sample of plane 3; otherwise it is 255
 
     TAVU_VEC_INLINE int planes() const { return 3 + static_cast<int>(alpha_plane); }
 };
 
-}  // namespace tavu
-
-namespace tavu {
 namespace {
 
-// What a level leaves to the next lower one: rows too narrow for a register; at v4 all of those that
-// are slower there, for memory bounds them, and each access of 64 bytes to an address that is not
-// aligned takes two lines of the cache.
-enum class Leave { NOTHING, NARROW, NARROW_AND_V4 };
+// When a level falls back to the next lower one: never; for rows narrower than a register; at v4
+// always too. The last is for kernels that are bound by memory: an access of 64 bytes to an unaligned
+// address takes two cache lines, which makes v4 the slower level.
+enum class Fallback { NEVER, NARROW, NARROW_AND_V4 };
 
-#if TAVU_VEC && TAVU_LEVEL > 2
-constexpr bool may_leave(Leave what) { return what != Leave::NOTHING; }
-inline bool is_left(Leave what, int32_t width) {
-    return (what == Leave::NARROW_AND_V4 && TAVU_LEVEL == 4) || width < LANES;
+constexpr bool may_fall_back(Fallback fallback) {
+    return KERNEL_LEVEL > 2 && fallback != Fallback::NEVER;
+}
+
+#if TAVU_VEC
+constexpr bool falls_back(Fallback fallback, int32_t width) {
+    return (KERNEL_LEVEL == 4 && fallback == Fallback::NARROW_AND_V4) || width < LANES;
 }
 #else
-constexpr bool may_leave(Leave) { return false; }
-inline bool is_left(Leave, int32_t) { return false; }
+constexpr bool falls_back(Fallback, int32_t) { return false; }
 #endif
 
 }  // namespace
 }  // namespace tavu
 
-// Exports NAME as a call of a function on the record: TAVU_CSC(tavu_csc_x, convert<Format>).
-#define TAVU_CSC(name, ...) TAVU_CSC_LEAVE(NOTHING, name, __VA_ARGS__)
+// Exports NAME as a call of a function on the record, TAVU_CSC(tavu_csc_x, convert<Format>), with the
+// names of tavu in scope.
+#define TAVU_CSC(name, ...) TAVU_CSC_FALLBACK(NEVER, name, __VA_ARGS__)
 
-#define TAVU_CSC_LEAVE(what, name, ...)                                                            \
+#define TAVU_CSC_FALLBACK(fallback, name, ...)                                                     \
     extern "C" decltype(name) TAVU_LOWER_LEVEL(name);                                              \
     TAVU_KERNEL(void, name,                                                                        \
                 (uint8_t *const src[4], int32_t src_w, int32_t src_h, const int32_t src_stride[4], \
                  int32_t src_cs, uint8_t *const dst[4], int32_t dst_w, int32_t dst_h,              \
                  const int32_t dst_stride[4], int32_t dst_cs)) {                                   \
-        if constexpr (may_leave(Leave::what)) {                                                    \
-            if (is_left(Leave::what, src_w)) {                                                     \
+        if constexpr (may_fall_back(Fallback::fallback)) {                                         \
+            if (falls_back(Fallback::fallback, src_w)) {                                           \
                 return TAVU_LOWER_LEVEL(name)(src, src_w, src_h, src_stride, src_cs, dst, dst_w,   \
                                               dst_h, dst_stride, dst_cs);                          \
             }                                                                                      \

@@ -1,4 +1,4 @@
-// Conversions that have no vector form, and the scalar forms behind those that have one.
+// Conversions without a vector form, and the scalar fallback of the others.
 #include "imgp/csc_fallback.h"
 
 #include <cstring>

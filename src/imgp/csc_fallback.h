@@ -8,7 +8,7 @@
 
 namespace tavu {
 
-// Combined conversion and resizing of the target's columns from `first` on.
+// Combined conversion and resizing of the target columns from `first` on.
 void convert_resize_scalar(const Csc &c, bool yuv, const PackedTarget &target, int32_t first);
 
 void to_packed_scalar(const Csc &c, bool yuv, const PackedTarget &target, bool bgr);

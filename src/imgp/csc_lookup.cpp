@@ -1,4 +1,4 @@
-// Which routine converts between two colour-space codes.
+// The choice of the routine that converts between two colour-space codes.
 #include "tavu.h"
 
 // Columns: targets 400, 500, 200, 430, 650.
@@ -25,7 +25,7 @@ const tavu_fn_csc_t tavu_tbl_fn_csc_to_rgb[40] = {
     //
     nullptr, tavu_csc_rsz_yuv444a8_to_rgba8888, nullptr, nullptr, nullptr};
 
-// Columns: targets 13, 43; rows as above, and nothing resizes.
+// Columns: targets 13, 43; rows as above. No routine resizes.
 const tavu_fn_csc_t tavu_tbl_fn_csc_to_yuvplanar[16] = {
     tavu_csc_r8g8b8_to_yuv444,
     nullptr,

@@ -1,5 +1,5 @@
-// Planes to 5-6-5 units, LANES pixels at a time; rows narrower than that are left to the next lower level,
-// at the lowest to the scalar form. Reads and writes no byte outside the rows.
+// Planes to 5-6-5 units, LANES pixels at a time. Narrower rows fall back to the next lower level, at
+// the lowest to the scalar form. Reads and writes no byte outside the rows.
 //
 //     high byte = (R & 0xF8) | (G >> 5),  low byte = ((G << 3) & 0xE0) | (B >> 3)
 #include <cstring>
@@ -14,12 +14,12 @@ namespace {
 
 template <class Space>
 void convert_row(const Lines565 &at, int32_t width) {
-    using Place = Cursor<2>;
-    for_each_block(Place{at.c[0], at.c[1], at.c[2], nullptr, at.out}, width, [](Place &place) {
-        const RgbBlock p = load_rgb<Space>(place);
+    const Cursor<2> start = {at.c[0], at.c[1], at.c[2], nullptr, at.out};
+    for_each_block(start, width, [](Cursor<2> &cursor) {
+        const RgbBlock p = load_next_rgb<Space>(cursor);
         const U8 high = (p.r & 0xF8) | (p.g >> 5);
         const U8 low = (p.g << 3 & 0xE0) | (p.b >> 3);
-        store_next_interleaved(place.out, low, high);
+        store_next_interleaved(cursor.out, low, high);
     });
 }
 
@@ -35,15 +35,16 @@ TAVU_ONE_COPY void convert_rows(const Csc &c, Alpha alpha) {
 }
 
 template <class Space, Alpha A = Alpha::NONE>
-void best_to_565(const Csc &c) {
+void convert(const Csc &c) {
     convert_rows<Space>(c, A);
 }
 
 #else
 
 template <class Space, Alpha A = Alpha::NONE>
-void best_to_565(const Csc &c) {
-    to_565<To565<Space, A> >(c);
+void convert(const Csc &c) {
+    using Format = To565<Space, A>;
+    to_565<Format>(c);
 }
 
 #endif
@@ -53,9 +54,9 @@ void best_to_565(const Csc &c) {
 
 using namespace tavu;
 
-TAVU_CSC_LEAVE(NARROW, tavu_csc_yuv444_to_rgb565, best_to_565<FromYuv>)
-TAVU_CSC_LEAVE(NARROW, tavu_csc_yuv444_to_rgb565a8, best_to_565<FromYuv, Alpha::OPAQUE>)
-TAVU_CSC_LEAVE(NARROW, tavu_csc_yuv444a8_to_rgb565a8, best_to_565<FromYuv, Alpha::PLANE>)
-TAVU_CSC_LEAVE(NARROW, tavu_csc_r8g8b8_to_rgb565, best_to_565<FromRgb>)
-TAVU_CSC_LEAVE(NARROW, tavu_csc_x8y8z8_to_xyz565a8, best_to_565<FromRgb, Alpha::OPAQUE>)
-TAVU_CSC_LEAVE(NARROW, tavu_csc_x8y8z8a8_to_xyz565a8, best_to_565<FromRgb, Alpha::PLANE>)
+TAVU_CSC_FALLBACK(NARROW, tavu_csc_yuv444_to_rgb565, convert<FromYuv>)
+TAVU_CSC_FALLBACK(NARROW, tavu_csc_yuv444_to_rgb565a8, convert<FromYuv, Alpha::OPAQUE>)
+TAVU_CSC_FALLBACK(NARROW, tavu_csc_yuv444a8_to_rgb565a8, convert<FromYuv, Alpha::PLANE>)
+TAVU_CSC_FALLBACK(NARROW, tavu_csc_r8g8b8_to_rgb565, convert<FromRgb>)
+TAVU_CSC_FALLBACK(NARROW, tavu_csc_x8y8z8_to_xyz565a8, convert<FromRgb, Alpha::OPAQUE>)
+TAVU_CSC_FALLBACK(NARROW, tavu_csc_x8y8z8a8_to_xyz565a8, convert<FromRgb, Alpha::PLANE>)

@@ -1,7 +1,7 @@
 // Planes to 5-6-5 units, with or without alpha, scalar.
 //
-// A unit is Space::rgb() of a pixel's samples, cut: (R & 0xF8) << 8 | (G & 0xFC) << 3 | B >> 3, low
-// byte first. Reads `width` bytes of each plane; writes 2 bytes and one alpha byte a pixel.
+// A unit is Space::rgb() of a pixel's samples, truncated: (R & 0xF8) << 8 | (G & 0xFC) << 3 | B >> 3,
+// low byte first. Reads `width` bytes of each plane; writes 2 bytes and one alpha byte per pixel.
 #ifndef TAVU_IMGP_CSC_TO_565_MODEL_H
 #define TAVU_IMGP_CSC_TO_565_MODEL_H
 
@@ -12,7 +12,7 @@ namespace tavu {
 
 enum class Alpha { NONE, OPAQUE, PLANE };
 
-// Rows of one picture line.
+// The rows of one picture line.
 struct Lines565 {
     const uint8_t *c[4];
     uint8_t *out, *alpha;
@@ -33,7 +33,7 @@ struct To565 {
     static constexpr int ALPHA_STEP = AlphaStep;
 };
 
-// Each pixel's unit goes before its alpha, which matters where the two streams overlap.
+// Each pixel's unit is written before its alpha, which matters where the two streams overlap.
 template <class Format>
 void row_565(const Lines565 &at, int32_t width) {
     for (int32_t x = 0; x < width; x++) {
@@ -48,7 +48,7 @@ void row_565(const Lines565 &at, int32_t width) {
 // Calls convert(lines) for each row.
 template <class Convert>
 void for_each_565_row(const Csc &c, bool grey, Alpha alpha, Convert convert) {
-    // Distance of two rows: the padding counts twice. Callers rely on it.
+    // The distance between rows counts the padding twice. Callers rely on it.
     const ptrdiff_t row_bytes = 2 * (static_cast<ptrdiff_t>(c.dst_stride[0]) - c.src_w);
     uint8_t *out = c.dst[0];
     for (int32_t y = 0; y < c.src_h; y++, out += row_bytes) {

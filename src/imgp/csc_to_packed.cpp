@@ -1,6 +1,5 @@
-// Planes to packed 8-bit RGB, LANES pixels at a time; rows narrower than that are left to the next lower
-// level, at the lowest to the scalar form.
-// Reads and writes no byte outside the rows.
+// Planes to packed 8-bit RGB, LANES pixels at a time. Narrower rows fall back to the next lower
+// level, at the lowest to the scalar form. Reads and writes no byte outside the rows.
 #include "imgp/color_vec.h"
 #include "imgp/csc_fallback.h"
 #include "imgp/csc_to_packed_model.h"
@@ -17,7 +16,7 @@ template <class Format>
 constexpr bool is_yuv = std::is_same_v<typename Format::Space, FromYuv>;
 
 template <class Format>
-TAVU_VEC_INLINE void store_pixels(FormatCursor<Format> &at, U8 first, U8 second, U8 third) {
+TAVU_VEC_INLINE void store_next_pixels(FormatCursor<Format> &at, U8 first, U8 second, U8 third) {
     if constexpr (Format::TARGET.bytes == 3) {
         store_next_interleaved(at.out, first, second, third);
     } else if constexpr (Format::TARGET.alpha_plane) {
@@ -37,15 +36,15 @@ TAVU_VEC_INLINE void convert_rows(const Csc &csc, uint8_t *target, Convert conve
 }
 
 template <class Format>
-void best_to_packed(const Csc &c) {
+void convert(const Csc &c) {
     using At = FormatCursor<Format>;
     const bool bgr = Format::is_bgr(c.dst_cs);
     if (c.src_w < LANES) return to_packed_scalar(c, is_yuv<Format>, Format::TARGET, bgr);
     uint8_t *const target = packed_target(c, bgr);
     choose(bgr, [&](auto swapped) {
         convert_rows<Format>(c, target, [=](At &at) __attribute__((always_inline)) {
-            const RgbBlock p = load_rgb<typename Format::Space>(at);
-            store_pixels<Format>(at, pick(swapped, p.b, p.r), p.g, pick(swapped, p.r, p.b));
+            const RgbBlock p = load_next_rgb<typename Format::Space>(at);
+            store_next_pixels<Format>(at, pick(swapped, p.b, p.r), p.g, pick(swapped, p.r, p.b));
         });
     });
 }
@@ -53,7 +52,7 @@ void best_to_packed(const Csc &c) {
 #else
 
 template <class Format>
-void best_to_packed(const Csc &c) {
+void convert(const Csc &c) {
     to_packed<Format>(c);
 }
 
@@ -64,10 +63,9 @@ void best_to_packed(const Csc &c) {
 
 using namespace tavu;
 
-TAVU_CSC_LEAVE(NARROW, tavu_csc_yuv444_to_rgb888, best_to_packed<Packed<FromYuv, 3>>)
-TAVU_CSC_LEAVE(NARROW, tavu_csc_yuv444_to_rgba8888, best_to_packed<Packed<FromYuv, 4>>)
-TAVU_CSC_LEAVE(NARROW, tavu_csc_yuv444a8_to_rgba8888, best_to_packed<Packed<FromYuv, 4, true>>)
-TAVU_CSC_LEAVE(NARROW, tavu_csc_r8g8b8_to_rgb888, best_to_packed<Packed<FromRgb, 3>>)
-TAVU_CSC_LEAVE(NARROW, tavu_csc_r8g8b8_to_rgba8888, best_to_packed<Packed<FromRgb, 4>>)
-TAVU_CSC_LEAVE(NARROW_AND_V4, tavu_csc_r8g8b8a8_to_rgba8888,
-               best_to_packed<Packed<FromRgb, 4, true>>)
+TAVU_CSC_FALLBACK(NARROW, tavu_csc_yuv444_to_rgb888, convert<Packed<FromYuv, 3>>)
+TAVU_CSC_FALLBACK(NARROW, tavu_csc_yuv444_to_rgba8888, convert<Packed<FromYuv, 4>>)
+TAVU_CSC_FALLBACK(NARROW, tavu_csc_yuv444a8_to_rgba8888, convert<Packed<FromYuv, 4, true>>)
+TAVU_CSC_FALLBACK(NARROW, tavu_csc_r8g8b8_to_rgb888, convert<Packed<FromRgb, 3>>)
+TAVU_CSC_FALLBACK(NARROW, tavu_csc_r8g8b8_to_rgba8888, convert<Packed<FromRgb, 4>>)
+TAVU_CSC_FALLBACK(NARROW_AND_V4, tavu_csc_r8g8b8a8_to_rgba8888, convert<Packed<FromRgb, 4, true>>)

@@ -1,7 +1,7 @@
 // Three or four planes to packed 8-bit RGB, scalar.
 //
-// Each pixel becomes Space::rgb() of its samples, in R, G, B or B, G, R order, and for four bytes
-// its alpha sample or 255. Reads `width` bytes of each plane, writes exactly `width` pixels.
+// Each pixel becomes Space::rgb() of its samples, in R, G, B or B, G, R order. A fourth byte is its
+// alpha sample or 255. Reads `width` bytes of each plane and writes exactly `width` pixels.
 #ifndef TAVU_IMGP_CSC_TO_PACKED_MODEL_H
 #define TAVU_IMGP_CSC_TO_PACKED_MODEL_H
 
@@ -18,7 +18,7 @@ struct Packed {
 
     static bool is_bgr(int32_t cs) {
         if (Bytes == 4) return cs == TAVU_CS_BGRA8888;
-        // RGB planes take every code but that of R, G, B for B, G, R; callers rely on it.
+        // RGB planes take every code except that of R, G, B as B, G, R; callers rely on it.
         return std::is_same_v<Space, FromRgb> ? cs != TAVU_CS_RGB888 : cs == TAVU_CS_BGR888;
     }
 };

@@ -1,7 +1,7 @@
 // Packed RGB to planar YUV, LANES pixels at a time.
 //
-// Channels that stand in R, G, B(, A) or B, G, R(, A) order in one packed row take the vector form,
-// all others and narrow rows the scalar one. Reads and writes no byte outside the rows.
+// Packed rows in R, G, B(, A) or B, G, R(, A) order take the vector form; other layouts and narrow
+// rows take the scalar one. Reads and writes no byte outside the rows.
 #include <cstring>
 
 #include "imgp/csc_fallback.h"
@@ -12,7 +12,7 @@ namespace {
 
 #if TAVU_VEC
 
-// A place in a packed row and in rows of the target planes, of which the fourth may be missing.
+// Pointers into a packed row and into rows of the target planes, of which the fourth may be missing.
 template <int Step>
 struct PackedCursor {
     const uint8_t *in;
@@ -45,16 +45,16 @@ TAVU_VEC_INLINE void convert_block(PackedCursor<Step> &at, Choice bgr) {
 
 template <int Step>
 TAVU_ONE_COPY void convert_row(const YuvLine &at, bool bgr, int32_t width) {
-    using Place = PackedCursor<Step>;
-    const Place start = {at.in[bgr ? 2 : 0], at.out[0], at.out[1], at.out[2], at.out[3]};
+    using Cursor = PackedCursor<Step>;
+    const Cursor start = {at.in[bgr ? 2 : 0], at.out[0], at.out[1], at.out[2], at.out[3]};
     choose(bgr, [&](auto swapped) {
-        for_each_block(start, width, [=](Place &place) __attribute__((always_inline)) {
-            convert_block<Step>(place, swapped);
+        for_each_block(start, width, [=](Cursor &cursor) __attribute__((always_inline)) {
+            convert_block<Step>(cursor, swapped);
         });
     });
 }
 
-// Whether the channels stand behind each other from `first` on.
+// Whether the channels are adjacent, in order from `first` on.
 template <int Step>
 bool is_packed(const YuvLine &at, int first) {
     return at.in[1] == at.in[first] + 1 && at.in[2 - first] == at.in[first] + 2 &&
@@ -62,7 +62,7 @@ bool is_packed(const YuvLine &at, int first) {
 }
 
 template <int Step>
-struct BestYuvRow {
+struct YuvRow {
     static void convert(const YuvLine &at, int32_t width) {
         const bool rgb = is_packed<Step>(at, 0);
         if (width < LANES || !(rgb || is_packed<Step>(at, 2)))
@@ -74,7 +74,7 @@ struct BestYuvRow {
 #else
 
 template <int Step>
-using BestYuvRow = ModelYuvRow<Step>;
+using YuvRow = ModelYuvRow<Step>;
 
 #endif
 
@@ -83,5 +83,5 @@ using BestYuvRow = ModelYuvRow<Step>;
 
 using namespace tavu;
 
-TAVU_CSC_LEAVE(NARROW, tavu_csc_r8g8b8_to_yuv444, to_yuv<3, BestYuvRow>)
-TAVU_CSC_LEAVE(NARROW, tavu_csc_r8g8b8a8_to_yuv444a8, to_yuv<4, BestYuvRow>)
+TAVU_CSC_FALLBACK(NARROW, tavu_csc_r8g8b8_to_yuv444, to_yuv<3, YuvRow>)
+TAVU_CSC_FALLBACK(NARROW, tavu_csc_r8g8b8a8_to_yuv444a8, to_yuv<4, YuvRow>)

@@ -1,7 +1,8 @@
 // Packed RGB to Y, U, V planes, scalar.
 //
-// Each channel has its own pointer and stride and moves on by Step bytes a pixel; with Step 4 alpha
-// is copied to a fourth plane. Reads `width` samples a channel, writes `width` bytes a plane.
+// Each channel has its own pointer and stride, with Step bytes from pixel to pixel. With Step 4 alpha
+// is copied to a fourth plane. Reads `width` samples of each channel and writes `width` bytes of each
+// plane.
 #ifndef TAVU_IMGP_CSC_TO_YUV_MODEL_H
 #define TAVU_IMGP_CSC_TO_YUV_MODEL_H
 
@@ -10,7 +11,7 @@
 
 namespace tavu {
 
-// Channels and planes of one picture line.
+// The channels and planes of one picture line.
 struct YuvLine {
     const uint8_t *in[4];
     uint8_t *out[4];
