@@ -73,11 +73,9 @@ tavu_sources(
   src/imgp/csc_to_packed.cpp        v4 unguarded
   src/imgp/csc_to_yuv.cpp           v4 unguarded
   src/imgp/resize_engine.cpp        v3 O2 large_frames
-  src/imgp/resize_fallback.cpp      fallback byte_guards
   src/imgp/resize_kernels.cpp       v3 O2 byte_guards
-  src/imgp/resize_kernels_565.cpp   O2 byte_guards
+  src/imgp/resize_scalar.cpp        O2 byte_guards
   src/imgp/resizer.cpp
-  src/imgp/resizer_band.cpp
   src/media/fcc2mt.cpp
   src/media/md5.cpp                 byte_guards
   src/media/vkeyfrm.cpp             v3 unguarded

@@ -59,10 +59,10 @@ CscKernel combined(const char *name, const std::vector<CscVariant> &variants) {
 
 std::vector<ResizeKernel> resize_kernels() {
     return {
-        pixels<Bytes<1>>("1byte", resize_variants<tavu_irsz8b_full, tavu_irsz8b_line>()),
-        pixels<Bytes<3>>("3bytes", resize_variants<tavu_irsz8b8b8b_full, tavu_irsz8b8b8b_line>()),
-        pixels<Bytes<4>>("4bytes",
-                         resize_variants<tavu_irsz8b8b8b8b_full, tavu_irsz8b8b8b8b_line>()),
+        pixels<Packed8<1>>("1byte", resize_variants<tavu_irsz8b_full, tavu_irsz8b_line>()),
+        pixels<Packed8<3>>("3bytes", resize_variants<tavu_irsz8b8b8b_full, tavu_irsz8b8b8b_line>()),
+        pixels<Packed8<4>>("4bytes",
+                           resize_variants<tavu_irsz8b8b8b8b_full, tavu_irsz8b8b8b8b_line>()),
         pixels<PackFull, PackLine>("3bytes_to_565", {{"exported", tavu_irsz8b8b8b_5b6b5b_full,
                                                       tavu_irsz8b8b8b_5b6b5b_line}}),
         pixels<Rgb565>("565", {{"exported", tavu_irsz5b6b5b_full, tavu_irsz5b6b5b_line}}),

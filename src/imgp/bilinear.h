@@ -1,14 +1,14 @@
 // Bilinear sampling: fixed-point steps and weights.
 //
-// A position has 18 fraction bits and counts in units of 1 << shift source pixels. Its upper three
-// fraction bits choose the weights. As the step spans source - 1, a sample's right-hand and lower
-// neighbours are inside the source. A source of one pixel has step 0 and no neighbour: with step 0
-// a neighbour is read only if it has weight.
+// A position has 18 fraction bits and counts units of 1 << shift source pixels. Its upper three
+// fraction bits choose the weights. The steps of an axis span source - 1 pixels, so the right-hand and
+// lower neighbours of a sample are inside the source. A source of one pixel has step 0 and no
+// neighbour: with step 0 a neighbour is read only if it has weight.
 #ifndef TAVU_IMGP_BILINEAR_H
 #define TAVU_IMGP_BILINEAR_H
 
 #include "core/integer.h"
-#include "simd/vec.h"
+#include "simd/attributes.h"
 
 namespace tavu {
 
@@ -25,13 +25,13 @@ struct Step {
     TAVU_VEC_INLINE int32_t sample(int32_t position) const {
         return (position >> POSITION_BITS) * (1 << shift);
     }
-    // Distance to the neighbour under bilinear weights; with step 0 the neighbour has none.
+    // Distance to the neighbour; 0 with step 0, where it has no bilinear weight.
     TAVU_VEC_INLINE int32_t next() const { return step == 0 ? 0 : 1 << shift; }
 };
 
 namespace {
 
-// The weight group's offset for a horizontal and for a vertical position.
+// A weight group is at 32 a + 4 b in its table: the parts for a horizontal and a vertical position.
 inline int32_t weight_column(int32_t x) { return x >> (POSITION_BITS - 8) & 0xE0; }
 inline int32_t weight_row(int32_t y) { return y >> (POSITION_BITS - 5) & 0x1C; }
 

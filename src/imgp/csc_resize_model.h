@@ -1,30 +1,41 @@
 // Conversion and bilinear resize in one pass, scalar.
 //
-// Each plane is interpolated as by the resizer, (w0 tl + w1 tr + w2 bl + w3 br) >> 6. Of a row of
-// YUV samples the full groups of eight pixels are converted in wrapping 16-bit arithmetic and the
-// rest exactly; callers rely on both. Reads nothing beyond the neighbours of the last pixel, writes
-// exactly dst_w pixels a row.
+// Each plane is interpolated as by the resizer, (w0 tl + w1 tr + w2 bl + w3 br) >> 6. In a row of YUV
+// samples the full groups of eight pixels are converted in wrapping 16-bit arithmetic and the
+// remainder exactly; callers rely on both. Reads nothing beyond the neighbours of the last pixel and
+// writes exactly dst_w pixels per row.
 #ifndef TAVU_IMGP_CSC_RESIZE_MODEL_H
 #define TAVU_IMGP_CSC_RESIZE_MODEL_H
 
 #include "imgp/bilinear.h"
-#include "imgp/bilinear_weights.h"
 #include "imgp/color.h"
 #include "imgp/csc.h"
 
 namespace tavu {
 namespace {
 
-// Not the resizer's table, which callers may write to.
-constexpr uint8_t CSC_RSZ_WEIGHTS[256] = {TAVU_WEIGHTS};
+struct WeightTable {
+    uint8_t bytes[256];
+};
+
+// The resizer's weights. Its own table may be written by callers.
+constexpr WeightTable bilinear_weights() {
+    WeightTable table{};
+    for (int i = 0; i < 256; i++) {
+        const int a = i / 32, b = i / 4 % 8;
+        table.bytes[i] = static_cast<uint8_t>((i & 1 ? a : 8 - a) * (i & 2 ? b : 8 - b));
+    }
+    return table;
+}
+constexpr WeightTable WEIGHTS = bilinear_weights();
 
 // One source plane at one target row.
 struct PlaneRows {
-    const uint8_t *top, *bottom;
+    const uint8_t *upper, *lower;
 
     uint8_t interpolate(int32_t left, int32_t right, const uint8_t *w) const {
         return static_cast<uint8_t>(
-            (w[0] * top[left] + w[1] * top[right] + w[2] * bottom[left] + w[3] * bottom[right]) >>
+            (w[0] * upper[left] + w[1] * upper[right] + w[2] * lower[left] + w[3] * lower[right]) >>
             6);
     }
 };
@@ -69,7 +80,7 @@ void convert_resize_from(const Csc &c, const PackedTarget &target, int32_t first
             const int32_t row = step_y.sample(y);
             planes[p] = {c.src_row(p, row), c.src_row(p, row + step_y.next())};
         }
-        convert_resize_row<Space>(planes, CSC_RSZ_WEIGHTS + weight_row(y), step_x, target, first,
+        convert_resize_row<Space>(planes, WEIGHTS.bytes + weight_row(y), step_x, target, first,
                                   c.dst_w, c.dst_row(0, j));
     }
 }

@@ -2,24 +2,14 @@
 //
 //     out[k] = (w0 tl[k] + w1 tr[k] + w2 bl[k] + w3 br[k]) >> 6      for each channel k
 //
-// The sum is not rounded. Reads nothing beyond the neighbours of the last pixel, writes exactly dst_w
-// pixels. With step 0 a neighbour without weight may not exist and is not read.
+// The sum is not rounded. Reads nothing beyond the neighbours of the last pixel and writes exactly
+// dst_w pixels. With step 0 a neighbour without weight may not exist and is not read.
 #ifndef TAVU_IMGP_RESIZE_MODEL_H
 #define TAVU_IMGP_RESIZE_MODEL_H
 
-#include "imgp/bilinear.h"
+#include "imgp/resize.h"
 
 namespace tavu {
-
-// The arguments of a whole-image kernel.
-struct Image {
-    const uint8_t *src;
-    int32_t src_line;
-    int32_t dst_w, dst_h, dst_line;
-    uint8_t *dst;
-    Step x, y;
-};
-
 namespace {
 
 // Four neighbouring source pixels and their weights.
@@ -34,17 +24,19 @@ struct Quad {
     }
 };
 
-// A pixel format: bytes per source and target pixel, the unit in which line sizes are counted, and
-// how a target pixel is made.
+// A pixel format has the bytes of a source and of a target pixel, the unit in which line sizes are
+// counted, and store(), which makes a target pixel.
+
+// N channels of 8 bits.
 template <int N>
-struct Bytes {
+struct Packed8 {
     static constexpr int SRC = N, DST = N, LINE_UNIT = 1;
     static void store(const Quad &q, uint8_t *out) {
         for (int k = 0; k < N; k++) out[k] = static_cast<uint8_t>(q.sum(k) >> 6);
     }
 };
 
-// Bytes to 5-6-5, whole images: the upper bits of c1 stand twice. Callers rely on it.
+// 8-bit channels to 5-6-5, whole images: the upper bits of c1 are stored twice. Callers rely on it.
 struct PackFull {
     static constexpr int SRC = 3, DST = 2, LINE_UNIT = 1;
     static void store(const Quad &q, uint8_t *out) {
@@ -54,7 +46,7 @@ struct PackFull {
     }
 };
 
-// Bytes to 5-6-5, lines: bytes swapped, and another mask. Callers rely on it.
+// 8-bit channels to 5-6-5, lines: the bytes are swapped and a mask differs. Callers rely on it.
 struct PackLine {
     static constexpr int SRC = 3, DST = 2, LINE_UNIT = 1;
     static void store(const Quad &q, uint8_t *out) {
@@ -64,7 +56,7 @@ struct PackLine {
     }
 };
 
-// 5-6-5 to 5-6-5: widened with zero low bits; line sizes count pixels.
+// 5-6-5 to 5-6-5: channels are widened with zero low bits. Line sizes count pixels.
 struct Rgb565 {
     static constexpr int SRC = 2, DST = 2, LINE_UNIT = 2;
     struct Wide {
@@ -98,13 +90,13 @@ struct ModelResize {
         for (int32_t i = 0; i < dst_w; i++, x = wrap_add(x, step_x), out += Pixel::DST) {
             const ptrdiff_t left =
                 static_cast<ptrdiff_t>(Step{step_x, shift_x}.sample(x)) * Pixel::SRC;
-            const uint8_t *top = rows[0] + left, *bottom = rows[1] + left;
-            Pixel::store({top, top + right, bottom, bottom + right, weights + weight_column(x)},
+            const uint8_t *upper = rows[0] + left, *lower = rows[1] + left;
+            Pixel::store({upper, upper + right, lower, lower + right, weights + weight_column(x)},
                          out);
         }
     }
 
-    // Step 0: all pixels are the same, and neighbours without weight may not exist.
+    // Step 0: all pixels are equal, and neighbours without weight may not exist.
     static void repeat(const uint8_t *const rows[2], const uint8_t *weights, int32_t dst_w,
                        ptrdiff_t right, uint8_t *out) {
         for (int32_t i = 0; i < dst_w; i++, out += Pixel::DST) {
@@ -119,12 +111,12 @@ struct ModelResize {
         const ptrdiff_t src_stride = static_cast<ptrdiff_t>(image.src_line) * LINE_UNIT;
         const ptrdiff_t dst_stride = static_cast<ptrdiff_t>(image.dst_line) * LINE_UNIT;
         const bool one_row = image.y.step == 0 && !weighs_lower(weights, image.x.step, image.dst_w);
-        const ptrdiff_t lower = one_row ? 0 : src_stride * (1 << image.y.shift);
+        const ptrdiff_t next = one_row ? 0 : src_stride * (1 << image.y.shift);
         uint8_t *dst = image.dst;
         int32_t y = 0;
         for (int32_t j = 0; j < image.dst_h; j++, dst += dst_stride) {
-            const uint8_t *top = image.src + image.y.sample(y) * src_stride;
-            const uint8_t *const rows[2] = {top, top + lower};
+            const uint8_t *upper = image.src + image.y.sample(y) * src_stride;
+            const uint8_t *const rows[2] = {upper, upper + next};
             line(rows, weights + weight_row(y), image.dst_w, image.x.shift, 1 << image.x.shift,
                  image.x.step, dst);
             y = wrap_add(y, image.y.step);

@@ -7,8 +7,15 @@
 #include <cstddef>
 #include <type_traits>
 
+#include "simd/vec.h"
+
 namespace tavu {
 inline namespace TAVU_LEVEL_NAMESPACE {
+
+constexpr int OUTPUTS = LANES / 2;
+constexpr int WINDOW = 16;
+using I32x4 = int32_t __attribute__((vector_size(16)));
+using U16x8 = uint16_t __attribute__((vector_size(16)));
 
 TAVU_VEC_INLINE U16x8 narrow32(I32x4 x, I32x4 y) {
     return vreinterpretq_u16_s16(vcombine_s16(vmovn_s32(x), vmovn_s32(y)));
@@ -19,35 +26,36 @@ TAVU_VEC_INLINE void store_halves(uint8_t *p, U16x8 low, U16x8 high) {
     vst1_u8(p + 8, vmovn_u16(high));
 }
 
-// Table look-ups reach two windows and yield 0 for indices beyond; left samples stand in the lower
-// halves, right ones in the upper.
+// Left samples and weights are in the lower half of a register, right ones in the upper. A table
+// look-up reaches two windows and yields 0 for an index beyond them.
 template <int Windows>
-struct Taps {
-    static constexpr int MASKS = (Windows + 1) / 2;
-    uint8_t mask[size_t{MASKS}][LANES];
+struct Gather {
+    static constexpr int LOOKUPS = (Windows + 1) / 2;
+    uint8_t index[size_t{LOOKUPS}][LANES];
     uint8_t weight[LANES];
     int32_t offset[1];
 };
 
 template <int Windows>
-TAVU_VEC_INLINE void set_taps(Taps<Windows> &taps, int, U16x8 left, U16x8 right) {
-    for (int m = 0; m < Taps<Windows>::MASKS; m++) {
-        const auto first = static_cast<uint16_t>(2 * WINDOW * m);
-        store_halves(taps.mask[m], left - first, right - first);
+TAVU_VEC_INLINE void set_positions(Gather<Windows> &gather, int, U16x8 left, U16x8 right) {
+    for (int n = 0; n < Gather<Windows>::LOOKUPS; n++) {
+        const auto first = static_cast<uint16_t>(2 * WINDOW * n);
+        store_halves(gather.index[n], left - first, right - first);
     }
 }
 
 TAVU_VEC_INLINE void set_weights(uint8_t *p, U16x8 a) { store_halves(p, 8 - a, a); }
 
-// Of two units of 8 columns each; left weights stand in the lower halves, right ones in the upper.
-struct HalfWeights {
-    U16 top[2], bottom[2];
+// Of the first and the second 8 squares. With weights times 4, sums of lerp_row_2x2() are at most
+// 256 * 255 and their upper bytes are the outputs.
+struct Weights2x2 {
+    U16 upper[2], lower[2];
 };
-constexpr int BYTES_UNIT = 4;
+constexpr int ROW_SCALE_2X2 = 4;
 
 #if defined(__arm__)
 
-// In assembly, for compilers move the halves of registers about.
+// In assembly, because compilers copy the halves of registers.
 
 TAVU_VEC_INLINE U8 load_at(const uint8_t *p) {
     U8 v;
@@ -57,27 +65,28 @@ TAVU_VEC_INLINE U8 load_at(const uint8_t *p) {
     return v;
 }
 
-TAVU_VEC_INLINE U8 look_up(const uint8_t *p, U8 mask, std::integral_constant<int, 1>) {
+TAVU_VEC_INLINE U8 look_up(const uint8_t *p, U8 index, std::integral_constant<int, 1>) {
     const U8 window = load_at(p);
     U8 v;
     __asm__("vtbl.8 %e0, {%e1, %f1}, %e2\n\tvtbl.8 %f0, {%e1, %f1}, %f2"
             : "=&w"(v)
-            : "w"(window), "w"(mask));
+            : "w"(window), "w"(index));
     return v;
 }
 
-TAVU_VEC_INLINE U8 look_up(const uint8_t *p, U8 mask, std::integral_constant<int, 2>) {
+TAVU_VEC_INLINE U8 look_up(const uint8_t *p, U8 index, std::integral_constant<int, 2>) {
     U8 v;
     __asm__(
         "vld1.8 {d0, d1, d2, d3}, [%1]\n\t"
         "vtbl.8 %e0, {d0, d1, d2, d3}, %e2\n\tvtbl.8 %f0, {d0, d1, d2, d3}, %f2"
         : "=&w"(v)
-        : "r"(p), "w"(mask), "m"(*reinterpret_cast<const uint8_t(*)[2 * LANES]>(p))
+        : "r"(p), "w"(index), "m"(*reinterpret_cast<const uint8_t(*)[2 * LANES]>(p))
         : "q0", "q1");
     return v;
 }
 
-TAVU_VEC_INLINE UWide halve(const uint8_t *&top, const uint8_t *&bottom, const HalfWeights &w) {
+TAVU_VEC_INLINE UWide lerp_next_2x2(const uint8_t *&upper, const uint8_t *&lower,
+                                    const Weights2x2 &w) {
     UWide sums;
     __asm__(
         "vld2.8 {d0, d1, d2, d3}, [%2]!\n\tvld2.8 {d4, d5, d6, d7}, [%3]!\n\t"
@@ -85,10 +94,10 @@ TAVU_VEC_INLINE UWide halve(const uint8_t *&top, const uint8_t *&bottom, const H
         "vmlal.u8 %q0, d2, %f4\n\tvmlal.u8 %q1, d3, %f5\n\t"
         "vmlal.u8 %q0, d4, %e6\n\tvmlal.u8 %q1, d5, %e7\n\t"
         "vmlal.u8 %q0, d6, %f6\n\tvmlal.u8 %q1, d7, %f7"
-        : "=&w"(sums.lo), "=&w"(sums.hi), "+r"(top), "+r"(bottom)
-        : "w"(w.top[0]), "w"(w.top[1]), "w"(w.bottom[0]), "w"(w.bottom[1]),
-          "m"(*reinterpret_cast<const uint8_t(*)[2 * LANES]>(top)),
-          "m"(*reinterpret_cast<const uint8_t(*)[2 * LANES]>(bottom))
+        : "=&w"(sums.lo), "=&w"(sums.hi), "+r"(upper), "+r"(lower)
+        : "w"(w.upper[0]), "w"(w.upper[1]), "w"(w.lower[0]), "w"(w.lower[1]),
+          "m"(*reinterpret_cast<const uint8_t(*)[2 * LANES]>(upper)),
+          "m"(*reinterpret_cast<const uint8_t(*)[2 * LANES]>(lower))
         : "q0", "q1", "q2", "q3");
     return sums;
 }
@@ -103,26 +112,27 @@ TAVU_VEC_INLINE U8 narrow6(UWide w) {
 
 TAVU_VEC_INLINE U8 load_at(const uint8_t *p) { return vld1q_u8(p); }
 
-TAVU_VEC_INLINE U8 look_up(const uint8_t *p, U8 mask, std::integral_constant<int, 1>) {
-    return vqtbl1q_u8(vld1q_u8(p), mask);
+TAVU_VEC_INLINE U8 look_up(const uint8_t *p, U8 index, std::integral_constant<int, 1>) {
+    return vqtbl1q_u8(vld1q_u8(p), index);
 }
 
-TAVU_VEC_INLINE U8 look_up(const uint8_t *p, U8 mask, std::integral_constant<int, 2>) {
-    return vqtbl2q_u8(uint8x16x2_t{{vld1q_u8(p), vld1q_u8(p + 16)}}, mask);
+TAVU_VEC_INLINE U8 look_up(const uint8_t *p, U8 index, std::integral_constant<int, 2>) {
+    return vqtbl2q_u8(uint8x16x2_t{{vld1q_u8(p), vld1q_u8(p + 16)}}, index);
 }
 
-TAVU_VEC_INLINE UWide halve(const uint8_t *&top, const uint8_t *&bottom, const HalfWeights &w) {
-    const uint8x16x2_t t = vld2q_u8(top), b = vld2q_u8(bottom);
+TAVU_VEC_INLINE UWide lerp_next_2x2(const uint8_t *&upper, const uint8_t *&lower,
+                                    const Weights2x2 &w) {
+    const uint8x16x2_t u = vld2q_u8(upper), l = vld2q_u8(lower);
     const auto add = [](U16 sum, uint8x8_t left, uint8x8_t right, U16 weights) {
         const U8 bytes = vreinterpretq_u8_u16(weights);
         return vmlal_u8(vmlal_u8(sum, left, vget_low_u8(bytes)), right, vget_high_u8(bytes));
     };
-    const auto sum = [&](int unit, auto half) {
-        const U16 upper = add(vdupq_n_u16(0), half(t.val[0]), half(t.val[1]), w.top[unit]);
-        return add(upper, half(b.val[0]), half(b.val[1]), w.bottom[unit]);
+    const auto sum = [&](int n, auto half) {
+        const U16 upper_sum = add(vdupq_n_u16(0), half(u.val[0]), half(u.val[1]), w.upper[n]);
+        return add(upper_sum, half(l.val[0]), half(l.val[1]), w.lower[n]);
     };
-    top += 2 * LANES;
-    bottom += 2 * LANES;
+    upper += 2 * LANES;
+    lower += 2 * LANES;
     const auto low = [](U8 v) { return vget_low_u8(v); };
     const auto high = [](U8 v) { return vget_high_u8(v); };
     return {sum(0, low), sum(1, high)};
@@ -133,77 +143,79 @@ TAVU_VEC_INLINE U8 narrow6(UWide w) { return vshrn_high_n_u16(vshrn_n_u16(w.lo, 
 #endif
 
 template <int Windows>
-struct LoadedTaps {
-    U8 mask[Taps<Windows>::MASKS], weight;
+struct LoadedGather {
+    U8 index[Gather<Windows>::LOOKUPS], weight;
     int32_t offset;
 };
 
 template <int Windows>
-TAVU_VEC_INLINE LoadedTaps<Windows> load_taps(const Taps<Windows> &taps) {
-    LoadedTaps<Windows> loaded;
-    for (int m = 0; m < Taps<Windows>::MASKS; m++) loaded.mask[m] = load_at(taps.mask[m]);
-    loaded.weight = load_at(taps.weight);
-    loaded.offset = taps.offset[0];
+TAVU_VEC_INLINE LoadedGather<Windows> load_gather(const Gather<Windows> &gather) {
+    LoadedGather<Windows> loaded;
+    for (int n = 0; n < Gather<Windows>::LOOKUPS; n++) loaded.index[n] = load_at(gather.index[n]);
+    loaded.weight = load_at(gather.weight);
+    loaded.offset = gather.offset[0];
     return loaded;
 }
 
 template <int Windows>
-TAVU_VEC_INLINE U16 weigh(const uint8_t *row, const LoadedTaps<Windows> &taps) {
+TAVU_VEC_INLINE U16 lerp_columns(const uint8_t *row, const LoadedGather<Windows> &gather) {
     constexpr std::integral_constant<int, (Windows < 2 ? 1 : 2)> each;
-    const uint8_t *p = row + taps.offset;
-    U8 pairs = look_up(p, taps.mask[0], each);
-    if constexpr (Windows > 2) pairs |= look_up(p + 2 * WINDOW, taps.mask[1], each);
-    return vmlal_u8(vmull_u8(vget_low_u8(pairs), vget_low_u8(taps.weight)), vget_high_u8(pairs),
-                    vget_high_u8(taps.weight));
+    const uint8_t *p = row + gather.offset;
+    U8 pairs = look_up(p, gather.index[0], each);
+    if constexpr (Windows > 2) pairs |= look_up(p + 2 * WINDOW, gather.index[1], each);
+    return vmlal_u8(vmull_u8(vget_low_u8(pairs), vget_low_u8(gather.weight)), vget_high_u8(pairs),
+                    vget_high_u8(gather.weight));
 }
 
-TAVU_VEC_INLINE U16 mix(U16 x, U16 y, uint16_t weight_x, uint16_t weight_y) {
-    return vmlaq_u16(vmulq_u16(x, vdupq_n_u16(weight_x)), y, vdupq_n_u16(weight_y));
+TAVU_VEC_INLINE U16 lerp_rows(U16 upper, U16 lower, uint16_t b) {
+    const U16 upper_sum = vmulq_u16(upper, vdupq_n_u16(static_cast<uint16_t>(8 - b)));
+    return vmlaq_u16(upper_sum, lower, vdupq_n_u16(b));
 }
 
 #if defined(__arm__)
 
-// The whole loop, two blocks a turn; an odd number of them enters it in its middle. The sums' upper
-// bytes are what is sought.
-TAVU_VEC_INLINE void halve_to_bytes(const uint8_t *top, const uint8_t *bottom,
-                                    const HalfWeights *&weights, int32_t blocks, ptrdiff_t,
-                                    uint8_t *out) {
+// Compilers derive the distance of branches from the lines of assembly: no .rept.
+#define TAVU_LERP_BLOCK_2X2                                                        \
+    "vld2.8 {d0, d1, d2, d3}, [%0]!\n\tvld2.8 {d4, d5, d6, d7}, [%1]!\n\t"         \
+    "vld1.8 {d16, d17, d18, d19}, [%4]!\n\tvld1.8 {d20, d21, d22, d23}, [%4]!\n\t" \
+    "vmull.u8 q12, d0, d16\n\tvmull.u8 q13, d1, d18\n\t"                           \
+    "vmlal.u8 q12, d2, d17\n\tvmlal.u8 q13, d3, d19\n\t"                           \
+    "vmlal.u8 q12, d4, d20\n\tvmlal.u8 q13, d5, d22\n\t"                           \
+    "vmlal.u8 q12, d6, d21\n\tvmlal.u8 q13, d7, d23\n\t"                           \
+    "vuzp.8 q12, q13\n\t"                                                          \
+    "vst1.8 {d26, d27}, [%3]!\n"
+
+// The whole loop, two blocks per turn. An odd number of blocks enters it in the middle.
+TAVU_VEC_INLINE void lerp_row_2x2(const uint8_t *upper, const uint8_t *lower,
+                                  const Weights2x2 *weights, int32_t blocks, ptrdiff_t,
+                                  uint8_t *out) {
     __asm__ volatile(
         "tst %2, #1\n\t"
         "bne 1f\n"
-        "0:\n\t"
-        ".rept 2\n\t"
-        "vld2.8 {d0, d1, d2, d3}, [%0]!\n\tvld2.8 {d4, d5, d6, d7}, [%1]!\n\t"
-        "vld1.8 {d16, d17, d18, d19}, [%4]!\n\tvld1.8 {d20, d21, d22, d23}, [%4]!\n\t"
-        "vmull.u8 q12, d0, d16\n\tvmull.u8 q13, d1, d18\n\t"
-        "vmlal.u8 q12, d2, d17\n\tvmlal.u8 q13, d3, d19\n\t"
-        "vmlal.u8 q12, d4, d20\n\tvmlal.u8 q13, d5, d22\n\t"
-        "vmlal.u8 q12, d6, d21\n\tvmlal.u8 q13, d7, d23\n\t"
-        "vuzp.8 q12, q13\n\t"
-        "vst1.8 {d26, d27}, [%3]!\n"
-        "1:\n\t"
-        ".endr\n\t"
+        "0:\n\t" TAVU_LERP_BLOCK_2X2 "1:\n\t" TAVU_LERP_BLOCK_2X2
         "subs %2, #2\n\t"
         "bgt 0b"
-        : "+r"(top), "+r"(bottom), "+r"(blocks), "+r"(out), "+r"(weights)
+        : "+r"(upper), "+r"(lower), "+r"(blocks), "+r"(out), "+r"(weights)
         :
         : "q0", "q1", "q2", "q3", "q8", "q9", "q10", "q11", "q12", "q13", "cc", "memory");
 }
 
+#undef TAVU_LERP_BLOCK_2X2
+
 #else
 
-TAVU_VEC_INLINE void halve_to_bytes(const uint8_t *top, const uint8_t *bottom,
-                                    const HalfWeights *&weights, int32_t blocks, ptrdiff_t,
-                                    uint8_t *out) {
+TAVU_VEC_INLINE void lerp_row_2x2(const uint8_t *upper, const uint8_t *lower,
+                                  const Weights2x2 *weights, int32_t blocks, ptrdiff_t,
+                                  uint8_t *out) {
     for (; blocks > 0; blocks--, weights++) {
-        const UWide sums = halve(top, bottom, *weights);
+        const UWide sums = lerp_next_2x2(upper, lower, *weights);
         store_next(out, vuzp2q_u8(vreinterpretq_u8_u16(sums.lo), vreinterpretq_u8_u16(sums.hi)));
     }
 }
 
 #endif
 
-// Hardware follows rows by itself.
+// The hardware prefetches rows by itself.
 TAVU_VEC_INLINE void prefetch(const uint8_t *) {}
 
 TAVU_VEC_INLINE I16 round_shift8(I16 v) { return vrshrq_n_s16(v, 8); }
