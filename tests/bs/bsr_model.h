@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <vector>
 
 #include "bits.h"
 #include "tavu.h"
+#include "values.h"
 
 // The most bytes that each of four refills may load, in turn.
 using Loads = std::array<uint8_t, 4>;
@@ -168,6 +170,29 @@ inline bool step(tavu_bsr_t *r, ReaderModel *m, int op, int n, int most) {
     const uint32_t got = operate(r, op, n, most), wanted = operate(m, op, n, most);
     return got == wanted && r->leftbits == m->left && r->code == m->cache.top(32) &&
            r->cur - r->beg == m->loaded && r->size == m->size;
+}
+
+// Compares any calls on any data, with the default refill and with one that loads less.
+inline bool reader_equals_model(Input in) {
+    const uint8_t start = in.byte();
+    const auto [content, length] = in.bytes(start % size_t{40});
+    Loads loads{4, 4, 4, 4};
+    const bool own = start >= 120;
+    const auto load = [&in] { return static_cast<uint8_t>(in.byte() % 5); };
+    if (start >= 160) loads = {load(), load(), load(), load()};
+    const std::vector<uint8_t> copy(content, content + length);  // for sanitizers to watch
+    const auto bytes = static_cast<int32_t>(length);
+    ShortReader r(copy.data(), bytes, loads);
+    if (!own) tavu_bsr_init(&r, copy.data(), bytes, nullptr);
+    ReaderModel m{copy.data(), bytes, own ? &loads : nullptr};
+    while (!in.empty()) {
+        const int op = in.byte() % READER_OPERATIONS, n = in.range(0, 32), most = in.range(0, 32);
+        const int at_most = m.left < 0 ? INT32_MAX : 7;  // bytes asked for, unless bits are owed
+        m.asked = r.asked = 0;
+        if (!step(&r, &m, op, n, most) || m.asked > at_most) return false;
+        if (own && (r.asked != m.asked || r.refills != m.refills)) return false;
+    }
+    return true;
 }
 
 #endif

@@ -9,6 +9,7 @@
 
 #include "bits.h"
 #include "tavu.h"
+#include "values.h"
 
 // Writes the inverse of the default spill's bytes. Only tavu_bsw_deinit() returns its result.
 constexpr int32_t SPILL_RESULT = -77;
@@ -145,5 +146,39 @@ struct Code {
         }
     }
 };
+
+// Compares fields, results and every byte of the memory, also after a full buffer refused bits. If all
+// codes fit, the reader must read them back.
+inline bool writer_equals_model(Input in) {
+    const auto next_code = [](Input *from) {
+        const int kind = from->byte() % Code::KINDS;
+        const uint32_t value = from->word();
+        return Code(kind, value, kind == Code::FIXED ? from->range(0, 32) : 0);
+    };
+    const int32_t size = in.byte();
+    GuardedBytes memory(static_cast<size_t>(size) + 500);
+    const bool inverts = size % 2 != 0;
+    tavu_bsw_t w;
+    tavu_bsw_init(&w, memory.data(), size, inverts ? inverting_spill : nullptr);
+    WriterModel m{size, inverts};
+    bool fits = !inverts;
+    for (Input codes = in; !codes.empty();) {
+        const Code code = next_code(&codes);
+        const size_t spilt = m.written.size() + static_cast<size_t>(std::max(m.pending(), 0));
+        if (code.kind == Code::DEINIT && spilt > memory.size()) continue;
+        const int32_t result = code.write(&w);
+        if (result != code.write(&m) || !m.equals(w)) return false;
+        fits = fits && result == 0 && code.kind < Code::SINK;
+    }
+    m.written.resize(memory.size(), GuardedBytes::CANARY);
+    if (memory.bytes() != m.written) return false;
+    if (!fits || tavu_bsw_sink(&w) != 0) return true;
+    tavu_bsr_t r;
+    tavu_bsr_init(&r, w.beg, static_cast<int32_t>(w.cur - w.beg), nullptr);
+    while (!in.empty()) {
+        if (!next_code(&in).read(&r)) return false;
+    }
+    return true;
+}
 
 #endif

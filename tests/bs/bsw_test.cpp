@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <random>
 #include <string>
 
 #include "bits.h"
@@ -103,25 +102,6 @@ TEST(Bsw, SingleBitsAndDeinitWritePastTheEnd) {
     w.expect(0, -8, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFE, 0});
 }
 
-TEST(Bsw, AnyCallsOnAnySizeEqualTheModel) {
-    std::mt19937 random(1);
-    for (int round = 0; round < 5000; round++) {
-        Writer w(random() % 40, 1000);
-        WriterModel m{w.size, round % 2 != 0};
-        if (m.inverts) w.flush = inverting_spill;
-        for (int i = 0; i < 30; i++) {
-            const auto kind = static_cast<int>(random() % (2 * Code::DEINIT));
-            const auto value = static_cast<uint32_t>(random());
-            const auto length = static_cast<int>(random() % 33);
-            const Code code(kind < Code::DEINIT ? kind : Code::FIXED, value, length);
-            ASSERT_EQ(code.write(&w), code.write(&m)) << "round " << round;
-            ASSERT_TRUE(m.equals(w)) << "round " << round;
-        }
-        ASSERT_EQ(tavu_bsw_deinit(&w), m.spill());
-        ASSERT_TRUE(m.equals(w));
-        m.written.resize(w.memory.bytes().size(), GuardedBytes::CANARY);
-        ASSERT_EQ(w.memory.bytes(), m.written) << "round " << round;
-    }
-}
+TEST(Bsw, AnyCallsOnAnySizeEqualTheModel) { EXPECT_TRUE(on_random_inputs(writer_equals_model)); }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "container/list_model.h"
 #include "memory.h"
 #include "tavu.h"
 
@@ -38,6 +39,8 @@ TEST(List, WithoutCursorRemovesThePreviousButNotTheNext) {
     EXPECT_EQ(released, "dabc");
     EXPECT_EQ(tavu_list_get_cur(list.get()), nullptr);
 }
+
+TEST(List, EqualsItsModel) { EXPECT_TRUE(on_random_inputs(list_equals_model)); }
 
 TEST(List, CopiesElementsOfEverySize) {
     for (uint32_t size = 0; size < 40; size++) {

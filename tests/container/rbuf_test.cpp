@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <random>
 #include <set>
 #include <string>
 #include <utility>
@@ -109,25 +108,7 @@ TEST(Rbuf, EqualsItsModelInEveryState) {
     }
 }
 
-TEST(Rbuf, EqualsItsModelInLargeRings) {
-    const Bytes kinds = {'x', 'x', 'x', '\r', '\n', '\n', '\0'};
-    std::mt19937 random(1);
-    const auto below = [&](int32_t n) {
-        return static_cast<int>(random() % static_cast<unsigned>(n));
-    };
-    for (int i = 0; i < 300; i++) {
-        const int32_t size = below(1024) + 1, most = size / (i % 4 + 1) + 4;
-        RingPair pair(size);
-        for (int j = 0; j < 100; j++) {
-            Bytes src(static_cast<size_t>(most), 'x');
-            for (size_t k = 0; k < src.size(); k += 1 + static_cast<size_t>(below(i % 50 + 1))) {
-                src[k] = kinds[random() % kinds.size()];
-            }
-            const auto op = static_cast<RingOp>(std::min(below(9), 5));
-            ASSERT_TRUE(pair.step(op, below(most + 4) - 3, src)) << i << " " << j;
-        }
-    }
-}
+TEST(Rbuf, EqualsItsModelInLargeRings) { EXPECT_TRUE(on_random_inputs(ring_equals_model)); }
 
 // Heads and tails far outside the storage, whose 32-bit sums and differences wrap.
 TEST(Rbuf, TouchesNothingOutsideItsStorageOrTheDestination) {

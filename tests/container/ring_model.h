@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tavu.h"
+#include "values.h"
 
 enum class RingOp { EMPTY, GET, SKIP_HEAD, SKIP_TAIL, LINE, PUT };
 
@@ -241,5 +242,31 @@ class RingPair {
 
     std::unique_ptr<tavu_rbuf_t, void (*)(tavu_rbuf_t *)> ring_;
 };
+
+// Text with line ends, close together or far apart; zeros too.
+inline std::vector<uint8_t> ring_text(int32_t size, uint8_t kind) {
+    std::vector<uint8_t> bytes(static_cast<size_t>(std::max(size, 0)), 'x');
+    const size_t step = kind < 192 ? 1 : kind - size_t{190};
+    for (size_t i = kind % 8; i < bytes.size(); i += step) {
+        bytes[i] =
+            static_cast<uint8_t>("ab\r\n\0cd\r\nef\ng"[(i * (kind % 8 + 1) + kind / 8) % 13]);
+    }
+    return bytes;
+}
+
+inline bool ring_equals_model(Input in) {
+    const int small = in.range(1, 60);
+    RingPair pair(small < 50 ? small % 12 + 1 : (small - 49) * 90);
+    while (!in.empty()) {
+        const auto op = static_cast<RingOp>(std::min(in.byte() % 8, 5));
+        const int32_t n =
+            in.range(-3, static_cast<int32_t>(std::min<int64_t>(pair.model.s, 240)) + 3);
+        const bool puts = op == RingOp::PUT;
+        if (!pair.step(op, n, puts ? ring_text(n, in.byte()) : std::vector<uint8_t>()))
+            return false;
+        pair.write_in_place();
+    }
+    return true;
+}
 
 #endif
