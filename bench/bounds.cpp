@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "kernels.h"
-#include "picture.h"
 #include "rows.h"
 
 namespace {

@@ -2,6 +2,7 @@
 // Prints, in this order, the names and the divisor of each count.
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 #include "picture.h"
@@ -29,24 +30,17 @@ void count_conversions() {
 
 alignas(64) uint8_t blocks[2][64 * 64];
 
-void count_block(const char *name, tavu_metric_block_t *metric) {
-    count(name, 1, [metric] { metric(blocks[0], blocks[1], 64, 64); });
-}
-
-void count_area(const char *name, tavu_metric_area_t *metric, int32_t size) {
-    count(name, 1, [metric, size] { metric(size, size, blocks[0], blocks[1], 64, 64); });
-}
-
 void count_metrics() {
-    count_block("sad 4x4", tavu_sad4x4);
-    count_block("sad 8x8", tavu_sad8x8);
-    count_block("sad 16x16", tavu_sad16x16);
-    count_block("satd 4x4", tavu_satd4x4);
-    count_block("satd 8x8", tavu_satd8x8);
-    count_area("satd 16x16 of 4x4", tavu_satd, 16);
-    count_area("satd 16x16 of 8x8", tavu_satd2, 16);
-    count_area("ssd 8x8", tavu_ssd, 8);
-    count_area("ssd 16x16", tavu_ssd, 16);
+    for (const auto &k : block_kernels()) {
+        count(k.name, 1, [&] { k.variants[0].run(blocks[0], blocks[1], 64, 64); });
+    }
+    for (const auto &k : area_kernels()) {
+        for (const int32_t size : {8, 16}) {
+            const std::string shape = std::to_string(size) + 'x' + std::to_string(size);
+            count(std::string(k.name) + ' ' + shape, 1,
+                  [&] { k.variants[0].run(size, size, blocks[0], blocks[1], 64, 64); });
+        }
+    }
 }
 
 uint8_t source[1920 * 1080], target[960 * 540];
@@ -56,51 +50,50 @@ struct Size {
 };
 constexpr Size P180{320, 180}, P270{480, 270}, P360{640, 360}, P540{960, 540}, P1080{1920, 1080};
 
-void count_resize(const std::string &name, tavu_irsz_full_t *resize, int32_t bytes, Size from,
-                  Size to) {
+void count_resize(const ResizeKernel &kernel, const std::string &what, Size from, Size to) {
     int32_t step_x, step_y;
     bilinear_rsz_step_size(from.w, from.h, to.w, to.h, &step_x, &step_y);
-    count("resize " + name + " per target pixel", to.w * to.h, [&] {
-        resize(source, from.w * bytes, to.w, to.h, to.w * bytes, target, step_x, step_y);
-    });
+    const int32_t src_line = from.w * kernel.src_bytes, dst_line = to.w * kernel.dst_bytes;
+    count(
+        "resize " + std::string(kernel.name) + ' ' + what + " per target pixel", to.w * to.h, [&] {
+            kernel.variants[0].full(source, src_line, to.w, to.h, dst_line, target, step_x, step_y);
+        });
 }
 
-void count_combined(const std::string &name, tavu_fn_csc_t resize, int32_t bytes, Size from,
-                    Size to) {
-    const int32_t plane = from.w * from.h;
-    uint8_t *const src[4] = {source, source + plane, source + 2 * plane};
-    uint8_t *const dst[4] = {target};
-    const int32_t src_stride[4] = {from.w, from.w, from.w}, dst_stride[4] = {to.w * bytes};
-    count("resize " + name + " per target pixel", to.w * to.h, [&] {
-        resize(src, from.w, from.h, src_stride, 13, dst, to.w, to.h, dst_stride, 100 + bytes * 100);
-    });
+void count_combined(const CscKernel &kernel, const std::string &what, Size from, Size to) {
+    Picture picture(kernel, from.w, from.h, to.w, to.h);
+    count("resize " + std::string(kernel.name) + ' ' + what + " per target pixel", to.w * to.h,
+          [&] { picture.convert(kernel.variants[0].run); });
 }
 
 void count_resizes() {
-    count_resize("1 byte to half", tavu_irsz8b_full, 1, P360, P180);
-    count_resize("1 byte, 1080p to 540p", tavu_irsz8b_full, 1, P1080, P540);
-    count_resize("1 byte 1.5x up", tavu_irsz8b_full, 1, P180, P270);
-    count_resize("1 byte to quarter", tavu_irsz8b_full, 1, P360, {160, 90});
-    count_resize("1 byte 1.5x down", tavu_irsz8b_full, 1, P270, P180);
-    count_resize("3 bytes 1.5x down", tavu_irsz8b8b8b_full, 3, P270, P180);
-    count_resize("3 bytes 1.5x up", tavu_irsz8b8b8b_full, 3, P180, P270);
-    count_resize("4 bytes 1.5x down", tavu_irsz8b8b8b8b_full, 4, P270, P180);
-    count_resize("4 bytes 1.5x up", tavu_irsz8b8b8b8b_full, 4, P180, P270);
-    count_combined("yuv444 to rgb888 1.5x down", tavu_csc_rsz_yuv444_to_rgb888, 3, P270, P180);
-    count_combined("yuv444 to rgba8888 to half", tavu_csc_rsz_yuv444_to_rgba8888, 4, P360, P180);
-    count_combined("yuv444 to rgba8888 1.5x up", tavu_csc_rsz_yuv444_to_rgba8888, 4, P180, P270);
-    count_combined("r8g8b8 to rgb888 1.5x down", tavu_csc_rsz_r8g8b8_to_rgb888, 3, P270, P180);
-    count_combined("r8g8b8 to rgba8888 1.5x down", tavu_csc_rsz_r8g8b8_to_rgba8888, 4, P270, P180);
+    for (const ResizeKernel &kernel : resize_kernels()) {
+        if (kernel.src_bytes != kernel.dst_bytes || kernel.line_unit > 1) continue;  // scalar
+        count_resize(kernel, "1.5x down", P270, P180);
+        count_resize(kernel, "1.5x up", P180, P270);
+        if (kernel.src_bytes > 1) continue;
+        count_resize(kernel, "to half", P360, P180);
+        count_resize(kernel, "to quarter", P360, {160, 90});
+        count_resize(kernel, "1080p to 540p", P1080, P540);
+    }
+    for (const CscKernel &kernel : csc_rsz_kernels()) {
+        count_combined(kernel, "1.5x down", P270, P180);
+        if (kernel.src_planes == 4 || kernel.dst_bytes[0] == 3) continue;
+        count_combined(kernel, "to half", P360, P180);
+        count_combined(kernel, "1.5x up", P180, P270);
+    }
 }
 
 void count_memory() {
-    constexpr int32_t BYTES = 1 << 14;
-    count("mset_x32 per byte", BYTES, [] { tavu_mset_x32(target, 0x11223344, BYTES); });
-    count("mset_x64 per byte", BYTES, [] { tavu_mset_x64(target, 7, BYTES); });
-    count("mcpy_pic per byte", BYTES,
-          [] { tavu_mcpy_pic(target, source, 128, 128, 128, BYTES / 128); });
-    count("mcpy_pic per byte, rows of 128", BYTES,
-          [] { tavu_mcpy_pic(target, source, 192, 192, 128, BYTES / 128); });
+    constexpr int32_t size = 1 << 14;
+#define FILL(name, pattern, ...)                                    \
+    count(&#name[strlen("tavu_")] + std::string(" per byte"), size, \
+          [] { name(target, __VA_ARGS__); });
+#include "kernels.def"
+    count("mcpy_pic per byte", size,
+          [] { tavu_mcpy_pic(target, source, 128, 128, 128, size / 128); });
+    count("mcpy_pic per byte, rows of 128", size,
+          [] { tavu_mcpy_pic(target, source, 192, 192, 128, size / 128); });
     count("mcpy_blk 8x8", 1, [] { tavu_mcpy_blk(target, source, 64, 64, 8, 8); });
     count("mcpy_blk 16x16", 1, [] { tavu_mcpy_blk(target, source, 64, 64, 16, 16); });
 }

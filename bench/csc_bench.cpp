@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "kernels.h"
 #include "peers.h"
 #include "picture.h"
 #include "rows.h"

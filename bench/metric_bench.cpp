@@ -6,9 +6,9 @@
 #include <map>
 #include <vector>
 
+#include "kernels.h"
 #include "require.h"
 #include "rows.h"
-#include "tavu.h"
 
 namespace {
 
@@ -242,11 +242,12 @@ static void add_peers() {}
 #endif
 
 void add_metric_rows() {
-    add_block("sad/4x4", "tavu", tavu_sad4x4);
-    add_block("sad/8x8", "tavu", tavu_sad8x8);
-    add_block("sad/16x16", "tavu", tavu_sad16x16);
-    add_block("sad/32x32", "tavu", tavu_sad32x32);
-    add_block("sad/64x64", "tavu", tavu_sad64x64);
+    for (const auto &kernel : block_kernels()) {
+        if (kernel.width != kernel.height || kernel.width == 2) continue;
+        std::string row = kernel.name;  // "sad4x4" as "sad/4x4"
+        row.insert(row.find_first_of("0123456789"), "/");
+        add_block(row, "tavu", kernel.variants[0].run);
+    }
     add_early_skips();
     add_diff("diff/8x8", tavu_diff8x8, 8);
     add_diff("diff/16x16", tavu_diff16x16, 16);
@@ -257,7 +258,5 @@ void add_metric_rows() {
         add_area("satd/" + shape + " of 4x4", tavu_satd, size);
         add_area("satd/" + shape + " of 8x8", tavu_satd2, size);
     }
-    add_block("satd/4x4", "tavu", tavu_satd4x4);
-    add_block("satd/8x8", "tavu", tavu_satd8x8);
     add_peers();
 }

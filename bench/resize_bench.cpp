@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "picture.h"
 #include "require.h"
-#include "resize_kernels.h"
 #include "rows.h"
 
 #if TAVU_HAVE_LIBYUV
@@ -42,10 +42,7 @@ constexpr size_t LARGEST = 1920 * 1080 * 4;
 
 // The source, packed or planar; every row uses the same memory.
 uint8_t *source() {
-    static std::vector<uint8_t> bytes;
-    for (size_t i = bytes.size(); i < LARGEST; i++) {
-        bytes.push_back(static_cast<uint8_t>(i * 2654435761U >> 13));
-    }
+    static std::vector<uint8_t> bytes = noise(LARGEST);
     return bytes.data();
 }
 
@@ -233,16 +230,11 @@ void add_packed(const ResizeKernel &kernel, const std::vector<Case> &cases) {
 void add_combined(const CscKernel &kernel, bool yuv, const std::vector<Case> &cases) {
     for (const Case &c : cases) {
         const int bytes = kernel.dst_bytes[0];
+        PicturePlanes planes(kernel, 400, c.from.w, c.from.h, c.to.w, c.to.h);
+        planes.set_sources(0, PlaneAllocator{source()});
+        planes.set_targets(0, PlaneAllocator{target().data()});
         const auto call = [&](tavu_fn_csc_t routine) -> Call {
-            return [=] {
-                const int plane = c.from.w * c.from.h;
-                uint8_t *const src[4] = {source(), source() + plane, source() + 2 * plane};
-                uint8_t *const dst[4] = {target().data()};
-                const int32_t src_stride[4] = {c.from.w, c.from.w, c.from.w},
-                              dst_stride[4] = {c.to.w * bytes};
-                routine(src, c.from.w, c.from.h, src_stride, 13, dst, c.to.w, c.to.h, dst_stride,
-                        400);
-            };
+            return [=] { planes.convert(routine); };
         };
         std::vector<Side> sides;
         for (const CscVariant &v : kernel.variants) {

@@ -1,6 +1,6 @@
 // The table of kernels made ready to run: as its model and in every form that the processor has.
-#ifndef TAVU_BENCH_CASES_H
-#define TAVU_BENCH_CASES_H
+#ifndef TAVU_KERNEL_TABLE_CASES_H
+#define TAVU_KERNEL_TABLE_CASES_H
 
 #include <cstddef>
 #include <cstdint>

@@ -1,8 +1,7 @@
-// The forms of a kernel that this processor can run: what is exported, and the levels behind it.
-#ifndef TAVU_BENCH_VARIANTS_H
-#define TAVU_BENCH_VARIANTS_H
+// The variants of a kernel that this processor can run: the exported routine, and that of each level.
+#ifndef TAVU_KERNEL_TABLE_VARIANTS_H
+#define TAVU_KERNEL_TABLE_VARIANTS_H
 
-#include <cstddef>
 #include <vector>
 
 #include "tavu.h"
@@ -13,7 +12,7 @@ struct Variant {
     Routine run;
 };
 
-// Defined for every kernel that is compiled at several levels: variants<tavu_ssd>().
+// Defined for every kernel of kernels.def: variants<tavu_ssd>(). The exported routine is the first.
 template <auto *Routine>
 std::vector<Variant<decltype(Routine)>> variants();
 

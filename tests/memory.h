@@ -23,11 +23,6 @@ inline Bytes random_bytes(size_t size, unsigned seed) {
     return bytes;
 }
 
-inline size_t plane_size(int stride, int rows, int row_bytes) {
-    return static_cast<size_t>(stride) * static_cast<size_t>(rows - 1) +
-           static_cast<size_t>(row_bytes);
-}
-
 // `size` bytes that end at an unreadable page, preceded by an unreadable page and a margin of
 // canaries: sanitizers do not see reads of vector instructions past the end of a buffer.
 class GuardedBytes {
@@ -65,9 +60,9 @@ class GuardedBytes {
 
   private:
     static constexpr size_t MARGIN = 64;
-    // The first mapping's address, reused as a hint. Without it the ARM emulator uses new addresses
-    // each time and finally some that the sanitizer does not track.
-    inline static void *near_ = nullptr;
+    // The address of a thread's first mapping, reused as a hint. Without it the ARM emulator uses new
+    // addresses each time and finally some that the sanitizer does not track.
+    inline static thread_local void *near_ = nullptr;
     size_t size_, mapped_;
     uint8_t *map_, *usable_, *end_;
 };

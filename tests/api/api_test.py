@@ -40,16 +40,6 @@ class PublicApi(unittest.TestCase):
         exported = {name for kind, name in symbols("--defined-only") if kind != "A"}
         self.assertEqual(exported, declared)
 
-    def test_table_of_variants_has_every_kernel_and_level(self):
-        kernels = {name for kind, name in symbols("--defined-only") if kind == "i"}
-        if not kernels:
-            self.skipTest("built for one level")
-        v4 = set(re.findall(r" t (\w+)_v4$", run("nm", LIBRARY), flags=re.M))
-        table = (Path(HEADER).parent.parent / "kernel_table/variants.cpp").read_text(encoding="utf-8")
-        rows = re.findall(r"^KERNEL(4?)\((\w+)\)$", table, flags=re.M)
-        self.assertEqual({name: top == "4" for top, name in rows},
-                         {name: name in v4 for name in kernels})
-
     def test_only_promised_data_is_writable(self):
         # .rodata is read-only, and loaders write-protect .data.rel.ro after relocation.
         rows = re.findall(r"DO (\S+)\s.* (\w+)$", run(OBJDUMP, "-T", LIBRARY), flags=re.M)

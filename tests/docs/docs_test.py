@@ -28,7 +28,7 @@ extern tavu_irsz_t *rsz;
 extern int32_t src_h, band_h;
 const void *band_at(int32_t row);
 """
-SUFFIX = re.compile(r"\.(cpp|h|c|py|md|cmake|txt|json|map|in|dot|svg|css|sed)$")
+SUFFIX = re.compile(r"\.(cpp|h|c|def|py|md|cmake|txt|json|map|in|dot|svg|css|sed)$")
 PACKS = glob.glob(f"{ROOT}/samples/fuzz/*.pack")
 NUMBERS = ("one two three four five six seven eight nine ten").split()
 

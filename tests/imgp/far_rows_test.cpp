@@ -8,7 +8,7 @@
 #include <string>
 
 #include "memory.h"
-#include "resize_kernels.h"
+#include "picture.h"
 
 namespace {
 
@@ -79,21 +79,20 @@ constexpr Size SIZES[] = {{400, 3}, {150, 2}, {40, 3}, {5, 3}};
 // Runs a conversion on rows of these strides; returns its targets.
 Bytes convert(const CscKernel &kernel, tavu_fn_csc_t routine, Size size, int32_t code,
               int32_t src_stride, int32_t dst_stride) {
-    uint8_t *src[4] = {}, *dst[4] = {};
+    PicturePlanes planes(kernel, code, SRC_W, ROWS, size.w, size.h);
     for (int p = 0; p < kernel.src_planes; p++) {
         const bool packed = kernel.src_step > 1;
-        src[p] = plane(packed ? 0 : p, src_stride, true).row(0) + (packed ? p : 0);
+        planes.src[p] = plane(packed ? 0 : p, src_stride, true).row(0) + (packed ? p : 0);
+        planes.src_stride[p] = src_stride;
     }
     std::vector<const Rows *> targets;
     for (size_t p = 0; p < kernel.dst_bytes.size(); p++) {
-        const bool units = p == 0 && kernel.dst_bytes[0] == 2;
-        const int64_t distance = units ? 2 * (int64_t{dst_stride} - SRC_W) : dst_stride;
+        const int64_t distance = planes.row_distance(p, dst_stride);
         targets.push_back(&plane(4 + static_cast<int>(p), distance, false));
-        dst[code == 401 || code == 501 ? 2 : p] = targets.back()->row(0);
+        planes.dst_pointer(p) = targets.back()->row(0);
+        planes.dst_stride[p] = dst_stride;
     }
-    const int32_t src_strides[4] = {src_stride, src_stride, src_stride, src_stride},
-                  dst_strides[4] = {dst_stride, dst_stride, dst_stride, dst_stride};
-    routine(src, SRC_W, ROWS, src_strides, 13, dst, size.w, size.h, dst_strides, code);
+    planes.convert(routine);
     Bytes all;
     for (const Rows *target : targets) {
         const Bytes bytes = target->bytes();

@@ -4,90 +4,21 @@
 #include <cstdlib>
 #include <ctime>
 #include <functional>
-#include <memory>
 #include <random>
 
 #include "imgp/resize_reference.h"
 
 namespace {
 
-struct Delete {
-    void operator()(tavu_irsz_t *rsz) const { tavu_irsz_delete(rsz); }
-};
-using Resizer = std::unique_ptr<tavu_irsz_t, Delete>;
-
-// One band at a time in memory that ends at an unreadable page. The last row of a band ends after
-// the bytes that may be carried, and that of the image at its width, unless bands are so short that
-// rows below the image may be read.
-class BandMemory {
-  public:
-    explicit BandMemory(const Reference &r)
-        : r_(r), memory_(static_cast<size_t>(r.band_h * r.src_line())) {}
-
-    const uint8_t *rows_from(int row) {
-        const auto first = static_cast<size_t>(row * r_.src_line());
-        const int last_row = std::max(r_.line_size(), r_.src.w * r_.f.src_bytes);
-        const auto whole = static_cast<size_t>((r_.band_h - 1) * r_.src_line() + last_row);
-        const size_t stored = std::min(whole, r_.plane.size() - first);
-        const size_t readable = r_.bands_suffice() ? stored : whole;
-        uint8_t *band = memory_.data() + r_.band_h * r_.src_line() - readable;
-        memset(memory_.data(), 0x5A, static_cast<size_t>(band - memory_.data()));
-        memcpy(band, &r_.plane[first], stored);
-        return band;
-    }
-
-  private:
-    const Reference &r_;
-    GuardedBytes memory_;
-};
-
-// The loop is extracted from the header.
-void run_bands(tavu_irsz_t *rsz, const Reference &r) {
-    BandMemory memory(r);
-    const int32_t src_h = r.src.h, band_h = r.band_h;
-    const auto band_at = [&memory](int32_t row) { return memory.rows_from(row); };
-#include "band_loop.inc"
-}
-
-// Resizes with the library; source and target end at unreadable pages.
-Bytes resize_by(tavu_irsz_fn driver, const Reference &r, bool *complete) {
-    GuardedBytes dst(r.target_size());
-    const tavu_irsz_param param = r.param(dst.data());
-    const Resizer rsz(tavu_irsz_create(&param, nullptr));
-    if (rsz == nullptr) return {};
-    EXPECT_EQ(rsz->rsz_func, r.f.drivers[0].run);
-    rsz->rsz_func = driver;
-    if (r.band_h > 0) {
-        run_bands(rsz.get(), r);
-    } else {  // which rows are passed does not matter
-        EXPECT_EQ(tavu_irsz(rsz.get(), GuardedBytes(r.plane).data(), 3 - r.src.w, r.dst.w % 9 - 4),
-                  0);
-    }
-    if (complete != nullptr) *complete = rsz->out_row == r.dst.h && rsz->pending == 0;
-    EXPECT_TRUE(dst.front_is_intact());
-    return dst.bytes();
-}
-
-// Resizes a whole image with the exported kernel. Strides of 5-6-5 sources are in pixels.
-Bytes resize_by_kernel(const Reference &r) {
-    const int unit = r.f.fmt == TAVU_IRSZ_5B6B5B ? 2 : 1;
-    GuardedBytes dst(r.target_size());
-    const tavu_irsz_param p = r.param(dst.data());
-    int32_t x, y;
-    bilinear_rsz_step_size(p.src_w, p.src_h, p.dst_w, p.dst_h, &x, &y);
-    r.f.full(r.plane.data(), r.src_line() / unit, p.dst_w, p.dst_h, p.dst_s * r.f.dst_bytes / unit,
-             static_cast<uint8_t *>(p.dst), x, y);
-    return dst.bytes();
-}
-
 // Resizes with every level of the driver and with the kernel; all results must be equal.
 Bytes resize(const Reference &r, bool *complete = nullptr) {
-    Bytes target = resize_by(r.f.drivers[0].run, r, complete);
-    for (size_t i = 1; i < r.f.drivers.size(); i++) {
-        EXPECT_EQ(resize_by(r.f.drivers[i].run, r, complete), target) << r.f.drivers[i].level << r;
+    Bytes target = resize_by(r.f.variants[0].driver, r, complete);
+    for (size_t i = 1; i < r.f.variants.size(); i++) {
+        const ResizeVariant &v = r.f.variants[i];
+        EXPECT_EQ(resize_by(v.driver, r, complete), target) << v.level << r;
     }
     if (r.band_h == 0) {
-        EXPECT_EQ(resize_by_kernel(r), target) << r;
+        EXPECT_EQ(resize_by(r.f.variants[0].full, r), target) << r;
     }
     return target;
 }
@@ -108,7 +39,7 @@ TEST(Irsz, TheLoopOfTheHeaderGivesTheWholeImageIfBandsSuffice) {
         const int steep = sufficed % 16 == 0 ? 10 : 1;
         const Size src{pick(40) * steep, pick(200), pick(4) - 1};
         const Size dst{pick(60), pick(300), pick(4) - 1};
-        Reference r(FORMATS[sufficed % 5], src, dst, 2 << random() % 7,
+        Reference r(FORMATS[static_cast<size_t>(sufficed % 5)], src, dst, 2 << random() % 7,
                     static_cast<unsigned>(random()));
         bool complete = false;
         const Bytes target = resize(r, &complete);
@@ -124,7 +55,7 @@ TEST(Irsz, TheLoopOfTheHeaderGivesTheWholeImageIfBandsSuffice) {
         ASSERT_TRUE(complete) << r;
         ASSERT_EQ(target, r.run()) << r;
         r.band_h = 0;
-        const bool alike = r.f.fmt != TAVU_IRSZ_5B6B5B && r.f.fmt != TAVU_IRSZ_8B8B8B_5B6B5B;
+        const bool alike = r.f.format != TAVU_IRSZ_5B6B5B && r.f.format != TAVU_IRSZ_8B8B8B_5B6B5B;
         ASSERT_EQ(resize(r), alike ? target : r.run()) << r;
     }
     EXPECT_GT(differ, sufficed / 50);
@@ -145,7 +76,7 @@ TEST(Irsz, AnyWeights) {
             }
         }
         memcpy(tavu_irsz_tbl_rsz_weight, weights.data(), 256);
-        const Reference r(FORMATS[round % 5],
+        const Reference r(FORMATS[static_cast<size_t>(round % 5)],
                           {1 + pick(3) * pick(9), 1 + pick(2) * pick(9), pick(3)},
                           {1 + pick(40), 1 + pick(5), pick(2)}, round % 2 == 0 ? 0 : 32,
                           static_cast<unsigned>(round), weights);

@@ -1,7 +1,5 @@
 // Compares every variant of every kernel with its model: all widths around a vector, all
 // alignments, several strides and kinds of data, between unreadable pages and canaries.
-#include "kernels.h"
-
 #include <gtest/gtest.h>
 
 #include <deque>
@@ -9,6 +7,7 @@
 
 #include "content.h"
 #include "memory.h"
+#include "picture.h"
 
 namespace {
 
@@ -17,35 +16,23 @@ struct Shape {
 };
 
 // Runs one routine; every source and target plane ends `slack` bytes before an unreadable page.
-// Returns all targets, including the bytes between their rows.
+// Returns all targets with the bytes between their rows.
 Bytes run(const CscKernel &kernel, tavu_fn_csc_t routine, const Shape &s, int32_t code, int content,
           size_t slack) {
     std::deque<GuardedBytes> sources, targets;
-    uint8_t *src[4] = {}, *dst[4] = {};
-    // For packed 8-bit targets the first source stride applies to all planes; the distance of rows
-    // of 5-6-5 pixels is twice the stride minus twice the width.
-    const bool packed = code >= 400, third = code == 401 || code == 501, units = code == 200;
-    int32_t src_stride[4], dst_stride[4];
-    for (int p = 0; p < kernel.src_planes; p++) {
-        src_stride[p] = p > 0 && packed ? -1 : s.src_stride * kernel.src_step;
-        if (p == 0 || kernel.src_step == 1) {
-            const size_t size =
-                plane_size(s.src_stride * kernel.src_step, s.height, s.width * kernel.src_step);
-            sources.emplace_back(
-                make_content(content, size + slack, static_cast<unsigned>(s.width * 31 + p)));
-        }
-        // Channels of a packed source are in either order, alpha last.
-        const int channel = s.height == 2 && p < 3 ? 2 - p : p;
-        src[p] = sources.back().data() + (kernel.src_step > 1 ? channel : 0);
-    }
-    for (size_t p = 0; p < kernel.dst_bytes.size(); p++) {
-        const int bytes = kernel.dst_bytes[p], stride = s.width * bytes + s.dst_extra;
-        targets.emplace_back(plane_size(stride, s.height, s.width * bytes) + slack);
-        dst_stride[p] = units && p == 0 ? stride / 2 + s.width : stride;
-        // B, G, R order uses the third pointer; the others must not be accessed.
-        dst[third ? 2 : p] = targets.back().data();
-    }
-    routine(src, s.width, s.height, src_stride, 13, dst, 0, 0, dst_stride, code);
+    PicturePlanes planes(kernel, code, s.width, s.height);
+    planes.set_sources((s.src_stride - s.width) * kernel.src_step, [&](size_t size) {
+        const auto seed =
+            static_cast<unsigned>(s.width * 31) + static_cast<unsigned>(sources.size());
+        return sources.emplace_back(make_content(content, size + slack, seed)).data();
+    });
+    planes.set_targets(s.dst_extra,
+                       [&](size_t size) { return targets.emplace_back(size + slack).data(); });
+    // Packed 8-bit targets take the first source stride for all planes.
+    if (code >= 400) std::fill(planes.src_stride + 1, planes.src_stride + 4, -1);
+    // The channels of a packed source have either order, alpha last.
+    if (kernel.src_step > 1 && s.height == 2) std::swap(planes.src[0], planes.src[2]);
+    planes.convert(routine);
     Bytes written;
     for (GuardedBytes &target : targets) {
         EXPECT_TRUE(target.front_is_intact());

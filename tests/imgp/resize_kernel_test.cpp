@@ -9,7 +9,7 @@
 
 #include "content.h"
 #include "memory.h"
-#include "resize_kernels.h"
+#include "picture.h"
 
 namespace {
 
@@ -159,18 +159,18 @@ void to_rgb(int *yuv, bool wrap) {
     yuv[2] = std::clamp(y + term(454 * u), 0, 255);
 }
 
-// The expected output of a combined routine, with canaries between the rows: resizes each plane
-// with the single-channel resizer, then converts each pixel; products wrap in groups of eight.
-Bytes combine(const CscKernel &kernel, const Case &c, uint8_t *const *src,
-              const int32_t *src_stride, bool bottom_up) {
+// Output of a combined routine, with canaries between the rows: each plane by the single-channel
+// resizer, then pixel by pixel, where products wrap in groups of eight.
+Bytes combine(const PicturePlanes &planes, const Case &c, bool bottom_up) {
+    const CscKernel &kernel = planes.kernel;
     const bool yuv = std::string(kernel.name).find("yuv") == 0;
     const int bytes = kernel.dst_bytes[0], row = c.dst_w * bytes, stride = row + c.dst_gap;
     Bytes scaled[4], out(plane_size(stride, c.dst_h, row), GuardedBytes::CANARY);
     for (int p = 0; p < 4; p++) {
         scaled[p].assign(static_cast<size_t>(c.dst_w * c.dst_h), 255);
         if (p >= kernel.src_planes) continue;
-        tavu_irsz8b_full(src[p], src_stride[p], c.dst_w, c.dst_h, c.dst_w, scaled[p].data(),
-                         c.step_x, c.step_y);
+        tavu_irsz8b_full(planes.src[p], planes.src_stride[p], c.dst_w, c.dst_h, c.dst_w,
+                         scaled[p].data(), c.step_x, c.step_y);
     }
     for (int i = 0; i < c.dst_w * c.dst_h; i++) {
         const int x = i % c.dst_w, y = bottom_up ? c.dst_h - 1 - i / c.dst_w : i / c.dst_w;
@@ -187,25 +187,26 @@ TEST(ResizeKernels, CombinedRoutinesResizeEachPlaneThenConvert) {
     for (const CscKernel &kernel : csc_rsz_kernels()) {
         for (int round = 0; round < 1500; round++) {
             const Case c(random);
-            std::deque<GuardedBytes> planes;
-            uint8_t *src[4] = {};
-            int32_t src_stride[4];
-            for (int p = 0; p < kernel.src_planes; p++) {
-                src_stride[p] = c.src_w + c.src_gap + p;
-                const size_t size = plane_size(src_stride[p], c.rows(), c.columns());
-                planes.emplace_back(make_content(c.content, size, static_cast<unsigned>(random())));
-                src[p] = planes.back().data();
-            }
-            const int row = c.dst_w * kernel.dst_bytes[0], stride = row + c.dst_gap;
+            std::deque<GuardedBytes> sources;
+            // The order of the target code counts in conversions alone.
+            PicturePlanes planes(kernel, 501, c.src_w, c.src_h, c.dst_w, c.dst_h);
+            const auto allocate = [&](size_t) {
+                const int stride = c.src_w + c.src_gap + static_cast<int>(sources.size());
+                const size_t size = plane_size(stride, c.rows(), c.columns());
+                const auto seed = static_cast<unsigned>(random());
+                return sources.emplace_back(make_content(c.content, size, seed)).data();
+            };
+            planes.set_sources(c.src_gap, allocate, 1);
             const bool bottom_up = round % 3 == 0;
-            const int32_t dst_stride[4] = {bottom_up ? -stride : stride};
-            const Bytes expected = combine(kernel, c, src, src_stride, bottom_up);
+            const Bytes expected = combine(planes, c, bottom_up);
             const auto check = [&](const char *level, tavu_fn_csc_t routine) {
-                GuardedBytes target(plane_size(stride, c.dst_h, row));
-                uint8_t *dst[4] = {target.data() + (bottom_up ? stride * (c.dst_h - 1) : 0)};
-                // Combined routines ignore the channel order of the target code.
-                routine(src, c.src_w, c.src_h, src_stride, 13, dst, c.dst_w, c.dst_h, dst_stride,
-                        501);
+                GuardedBytes target(expected.size());
+                planes.set_targets(c.dst_gap, [&](size_t) { return target.data(); });
+                if (bottom_up) {
+                    planes.dst[0] += planes.dst_stride[0] * (c.dst_h - 1);
+                    planes.dst_stride[0] *= -1;
+                }
+                planes.convert(routine);
                 ASSERT_EQ(written(target), expected) << kernel.name << ' ' << level << ' ' << c;
             };
             check("model", kernel.model);

@@ -1,28 +1,16 @@
-// A pixel-by-pixel resizer with any weights: positions are products, and there is no state.
+// A pixel-by-pixel resizer with any weights: positions are products, and there is no state. And the
+// library's resizers on the same arguments.
 #ifndef TAVU_TESTS_IMGP_RESIZE_REFERENCE_H
 #define TAVU_TESTS_IMGP_RESIZE_REFERENCE_H
 
+#include <algorithm>
+#include <memory>
 #include <ostream>
 
+#include "kernels.h"
 #include "memory.h"
-#include "tavu.h"
-#include "variants.h"
 
-struct Format {
-    int fmt, src_bytes, dst_bytes;
-    tavu_irsz_full_t *full;
-    std::vector<Variant<tavu_irsz_fn>> drivers;  // the exported one first
-};
-inline const Format FORMATS[] = {
-    {TAVU_IRSZ_8B, 1, 1, tavu_irsz8b_full, variants<tavu_irsz8b>()},
-    {TAVU_IRSZ_8B8B8B, 3, 3, tavu_irsz8b8b8b_full, variants<tavu_irsz8b8b8b>()},
-    {TAVU_IRSZ_8B8B8B_5B6B5B,
-     3,
-     2,
-     tavu_irsz8b8b8b_5b6b5b_full,
-     {{"exported", tavu_irsz8b8b8b_5b6b5b}}},
-    {TAVU_IRSZ_5B6B5B, 2, 2, tavu_irsz5b6b5b_full, {{"exported", tavu_irsz5b6b5b}}},
-    {TAVU_IRSZ_8B8B8B8B, 4, 4, tavu_irsz8b8b8b8b_full, variants<tavu_irsz8b8b8b8b>()}};
+inline const std::vector<ResizeKernel> FORMATS = resize_kernels();
 
 struct Axis {
     int64_t step, shift;
@@ -51,13 +39,13 @@ struct Size {
 };
 
 struct Reference {
-    Format f;
+    ResizeKernel f;
     Size src, dst;
     int band_h;      // 0: whole image
     bool bottom_up;  // order of target rows
     Bytes weights, plane;
 
-    Reference(const Format &format, Size source, Size target, int band, unsigned seed = 1,
+    Reference(const ResizeKernel &format, Size source, Size target, int band, unsigned seed = 1,
               const Bytes &table = bilinear_weights())
         : f(format),
           src(source),
@@ -71,7 +59,7 @@ struct Reference {
     Axis rows() const { return {src.h, dst.h}; }
     int src_line() const { return src.stride() * f.src_bytes; }
     int dst_line() const { return dst.stride() * f.dst_bytes; }
-    int line_size() const { return f.fmt == TAVU_IRSZ_5B6B5B ? src.stride() : src_line(); }
+    int line_size() const { return f.format == TAVU_IRSZ_5B6B5B ? src.stride() : src_line(); }
     size_t target_size() const {
         return static_cast<size_t>((dst.h - 1) * dst_line() + dst.w * f.dst_bytes);
     }
@@ -105,7 +93,7 @@ struct Reference {
     // Channel k of a source pixel; a carried 5-6-5 row has only the first half of its stride.
     int64_t sample(int64_t x, int64_t y, int k, bool carried) const {
         const uint8_t *p = &plane[static_cast<size_t>((y * src.stride() + x) * f.src_bytes)];
-        if (f.fmt != TAVU_IRSZ_5B6B5B) return k < f.src_bytes ? p[k] : 0;
+        if (f.format != TAVU_IRSZ_5B6B5B) return k < f.src_bytes ? p[k] : 0;
         const int kept = carried ? src.stride() - static_cast<int>(2 * x) : 2;  // bytes
         const int unit = (kept > 0 ? p[0] : 0) | (kept > 1 ? p[1] << 8 : 0);
         return k == 0 ? unit >> 8 & 0xF8 : k == 1 ? unit >> 3 & 0xFC : unit << 3 & 0xF8;
@@ -124,10 +112,10 @@ struct Reference {
         int64_t c[4];
         for (int k = 0; k < 4; k++) c[k] = average(q, k);
         const auto put = [&out](int64_t byte) { *out++ = static_cast<uint8_t>(byte); };
-        if (f.fmt == TAVU_IRSZ_5B6B5B) {
+        if (f.format == TAVU_IRSZ_5B6B5B) {
             put((c[1] << 3 & 0xE0) | c[2] >> 3);
             put((c[0] & 0xF8) | c[1] >> 5);
-        } else if (f.fmt == TAVU_IRSZ_8B8B8B_5B6B5B) {
+        } else if (f.format == TAVU_IRSZ_8B8B8B_5B6B5B) {
             if (band_h > 0) put((c[0] & 0x8F) | c[1] >> 5);
             put((c[1] & 0xE0) | c[2] >> 3);
             if (band_h == 0) put((c[0] & 0xF8) | c[1] >> 5);
@@ -153,12 +141,79 @@ struct Reference {
         const int mode = band_h > 0 ? TAVU_IRSZ_MODE_LINE : TAVU_IRSZ_MODE_FULL;
         if (bottom_up) target += (dst.h - 1) * dst_line();
         const int dst_s = bottom_up ? -dst.stride() : dst.stride();
-        return {f.fmt, mode, src.w, src.h, src.stride(), band_h, dst.w, dst.h, dst_s, target};
+        return {f.format, mode, src.w, src.h, src.stride(), band_h, dst.w, dst.h, dst_s, target};
     }
 };
 
+// One band at a time in memory that ends at an unreadable page. The last row of a band ends after
+// the bytes that may be carried, and that of the image at its width, unless bands are so short that
+// rows below the image may be read.
+class BandMemory {
+  public:
+    explicit BandMemory(const Reference &r)
+        : r_(r), memory_(static_cast<size_t>(r.band_h * r.src_line())) {}
+
+    const uint8_t *rows_from(int row) {
+        const auto first = static_cast<size_t>(row * r_.src_line());
+        const int last_row = std::max(r_.line_size(), r_.src.w * r_.f.src_bytes);
+        const auto whole = static_cast<size_t>((r_.band_h - 1) * r_.src_line() + last_row);
+        const size_t stored = std::min(whole, r_.plane.size() - first);
+        const size_t readable = r_.bands_suffice() ? stored : whole;
+        uint8_t *band = memory_.data() + r_.band_h * r_.src_line() - readable;
+        memset(memory_.data(), 0x5A, static_cast<size_t>(band - memory_.data()));
+        memcpy(band, &r_.plane[first], stored);
+        return band;
+    }
+
+  private:
+    const Reference &r_;
+    GuardedBytes memory_;
+};
+
+// The loop is extracted from the header.
+inline void run_bands(tavu_irsz_t *rsz, const Reference &r) {
+    BandMemory memory(r);
+    const int32_t src_h = r.src.h, band_h = r.band_h;
+    const auto band_at = [&memory](int32_t row) { return memory.rows_from(row); };
+#include "band_loop.inc"
+}
+
+struct DeleteResizer {
+    void operator()(tavu_irsz_t *rsz) const { tavu_irsz_delete(rsz); }
+};
+using Resizer = std::unique_ptr<tavu_irsz_t, DeleteResizer>;
+
+// Resizes by a driver; source and target end at unreadable pages. Returns nothing if the resizer was
+// not created or wrote before the target.
+inline Bytes resize_by(tavu_irsz_fn driver, const Reference &r, bool *complete = nullptr) {
+    GuardedBytes dst(r.target_size());
+    const tavu_irsz_param param = r.param(dst.data());
+    const Resizer rsz(tavu_irsz_create(&param, nullptr));
+    if (rsz == nullptr || rsz->rsz_func != r.f.variants[0].driver) return {};
+    rsz->rsz_func = driver;
+    // A whole image ignores the arguments for rows.
+    const auto any_rows = [&] {
+        return tavu_irsz(rsz.get(), GuardedBytes(r.plane).data(), 3 - r.src.w, r.dst.w % 9 - 4);
+    };
+    if (r.band_h > 0) run_bands(rsz.get(), r);
+    if (r.band_h == 0 && any_rows() != 0) return {};
+    if (complete != nullptr) *complete = rsz->out_row == r.dst.h && rsz->pending == 0;
+    return dst.front_is_intact() ? dst.bytes() : Bytes();
+}
+
+// Resizes a whole image by a kernel.
+inline Bytes resize_by(tavu_irsz_full_t *full, const Reference &r) {
+    GuardedBytes src(r.plane), dst(r.target_size());
+    const tavu_irsz_param p = r.param(dst.data());
+    int32_t x, y;
+    bilinear_rsz_step_size(p.src_w, p.src_h, p.dst_w, p.dst_h, &x, &y);
+    full(src.data(), r.src_line() / r.f.line_unit, p.dst_w, p.dst_h,
+         p.dst_s * r.f.dst_bytes / r.f.line_unit, static_cast<uint8_t *>(p.dst), x, y);
+    return dst.front_is_intact() ? dst.bytes() : Bytes();
+}
+
 inline std::ostream &operator<<(std::ostream &s, const Reference &r) {
-    return s << r.f.fmt << ": " << r.src.w << 'x' << r.src.h << '+' << r.src.gap << " to "
+    return s << r.f.format << ": " << r.src.w << 'x' << r.src.h << '+' << r.src.gap << " to "
              << r.dst.w << 'x' << r.dst.h << '+' << r.dst.gap << " by " << r.band_h;
 }
 

@@ -6,11 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "block_call.h"
 #include "content.h"
 #include "memory.h"
-#include "metric_kernels.h"
 #include "tavu.h"
-#include "variants.h"
 
 namespace {
 
@@ -66,37 +65,6 @@ int sum_of(int width, int height, Block &a, Block &b, Function f) {
         for (int x = 0; x < width; x++) sum += f(a(x, y) - b(x, y));
     }
     return sum;
-}
-
-int sad_of(int width, int height, Block &a, Block &b) {
-    return sum_of(width, height, a, b, [](int d) { return std::abs(d); });
-}
-
-TEST_P(Metric, SadOfFixedSizes) {
-    for (const auto &k : block_kernels()) {
-        if (std::string(k.name).find("sad") != 0) continue;
-        const auto sad = k.variants[GetParam()].run;
-        for_each_pair(k.width, k.height, [&](Block &a, Block &b) {
-            ASSERT_EQ(sad(a.at(), b.at(), a.stride, b.stride), sad_of(k.width, k.height, a, b))
-                << k.name;
-        });
-        const Bytes black(64 * 64 + 4, 0), white(64 * 64 + 4, 255);
-        EXPECT_EQ(sad(white.data(), black.data(), 64, 64), 255 * k.width * k.height);
-    }
-}
-
-TEST_P(Metric, SadTreatsEveryWidthExceptEightAsSixteen) {
-    for (const int width : {8, 0, 4, 12, 16, 32, -8}) {
-        EXPECT_EQ(get<tavu_sad>()(width, 0, nullptr, nullptr, 0, 0), 0);
-        for (const int height : {4, 8, 12, 16, 20, 256}) {
-            const int columns = width == 8 ? 8 : 16;
-            if (columns == 16 && height % 8 != 0) continue;
-            for_each_pair(columns, height, [&](Block &a, Block &b) {
-                ASSERT_EQ(get<tavu_sad>()(width, height, a.at(), b.at(), a.stride, b.stride),
-                          sad_of(columns, height, a, b));
-            });
-        }
-    }
 }
 
 // Ten rows: two groups of four, and two more rows.
@@ -169,31 +137,6 @@ TEST_P(Metric, DiffWritesOnlyTheDifferences) {
     }
 }
 
-// The SSD of 64 columns and `rows` rows whose samples all differ by 255.
-int32_t largest_ssd(tavu_metric_area_t *ssd, int rows) {
-    const Bytes white(64, 255), black(64, 0);
-    return ssd(64, rows, white.data(), black.data(), 0, 0);
-}
-
-TEST_P(Metric, SsdTreatsOtherWidthsAs64) {
-    for (const int width : {4, 8, 16, 32, 64, 0, 5, 7, 9, 15, 17, 31, 33, -4}) {
-        const bool known = width == 4 || width == 8 || width == 16 || width == 32;
-        const int columns = known ? width : 64, unit = columns == 64 ? 1 : columns == 32 ? 2 : 4;
-        EXPECT_EQ(get<tavu_ssd>()(width, 0, nullptr, nullptr, 0, 0), 0);
-        for (const int height : {1, 2, 3, 4, 6, 7, 8, 10, 16, 64}) {
-            if (height % unit != 0) continue;
-            for_each_pair(columns, height, [&](Block &a, Block &b) {
-                ASSERT_EQ(get<tavu_ssd>()(width, height, a.at(), b.at(), a.stride, b.stride),
-                          sum_of(columns, height, a, b, [](int d) { return d * d; }));
-            });
-        }
-    }
-    EXPECT_EQ(largest_ssd(get<tavu_ssd>(), 64), 266342400);
-    EXPECT_EQ(largest_ssd(get<tavu_ssd>(), 516), 2147385600);   // 33,024 samples
-    EXPECT_EQ(largest_ssd(get<tavu_ssd>(), 520), -2130935296);  // wraps
-    EXPECT_EQ(static_cast<uint32_t>(largest_ssd(get<tavu_ssd>(), 1032)), 66048U * 65025);
-}
-
 // Sums of magnitudes of each horizontal frequency, computed with the transform's sign matrix.
 std::vector<int> magnitudes(int size, Block &a, Block &b, int x0, int y0) {
     const auto sign = [](int u, int x) {
@@ -231,16 +174,83 @@ int satd_of(int size, int width, int height, Block &a, Block &b) {
     return sum;
 }
 
-TEST_P(Metric, SatdIsTheMagnitudeOfTheTransform) {
+// The expected result: the definition of the metric's family, found by name, else its model.
+template <class Kernel>
+int definition(const Kernel &kernel, const Area &area, Block &a, Block &b, const BlockCall &call) {
+    const std::string name = kernel.name;
+    const auto sum = [&](auto f) { return sum_of(area.columns, area.rows, a, b, f); };
+    if (name.find("satd") == 0) {
+        const bool tiles8 = name == "satd2" || name == "satd8x8";
+        return satd_of(tiles8 ? 8 : 4, area.width, area.height, a, b);
+    }
+    if (name.find("ssd") == 0) return sum([](int d) { return d * d; });
+    if (name.find("sad") == 0) return sum([](int d) { return std::abs(d); });
+    return call.run(kernel.model);
+}
+
+template <class Kernel>
+void expect_definition(const Kernel &kernel, const Area &area) {
+    for_each_pair(area.columns, area.rows, [&](Block &a, Block &b) {
+        const BlockCall call{a.at(), b.at(), a.stride, b.stride, area.width, area.height};
+        const int expected = definition(kernel, area, a, b, call);
+        ASSERT_EQ(call.run(kernel.model), expected) << kernel.name;
+        for (const auto &variant : kernel.variants) {
+            ASSERT_EQ(call.run(variant.run), expected)
+                << kernel.name << ' ' << variant.level << ", " << area.width << 'x' << area.height;
+        }
+    });
+}
+
+TEST(MetricTable, BlocksEqualTheirDefinition) {
+    const Bytes black(64 * 64 + 4, 0), white(64 * 64 + 4, 255);
+    for (const auto &k : block_kernels()) {
+        expect_definition(k, {k.width, k.height, k.width, k.height});
+        if (std::string(k.name).find("sad") != 0) continue;
+        for (const auto &variant : k.variants) {
+            EXPECT_EQ(variant.run(white.data(), black.data(), 64, 64), 255 * k.width * k.height);
+        }
+    }
+}
+
+// For SAD and SSD, which replace most widths, all kinds of widths; for SATD, partial tiles.
+std::vector<std::pair<int, int>> sizes_of(const std::string &name) {
+    if (name.find("satd") == 0) {
+        return {{4, 4}, {16, 8}, {8, 16}, {12, 20}, {9, 5}, {1, 1}, {20, 68}, {396, 66}};
+    }
+    std::vector<std::pair<int, int>> sizes;
+    for (const int width : {-8, -4, 0, 4, 5, 7, 8, 9, 12, 15, 16, 17, 31, 32, 33, 64}) {
+        for (const int height : {1, 2, 3, 4, 6, 7, 8, 10, 12, 16, 20, 64, 256}) {
+            sizes.emplace_back(width, height);
+        }
+    }
+    return sizes;
+}
+
+TEST(MetricTable, AreasEqualTheirDefinition) {
+    for (const auto &k : area_kernels()) {
+        for (const auto &[width, height] : sizes_of(k.name)) {
+            expect_definition(k, k.fit(width, height));
+            for (const auto &variant : k.variants) {
+                EXPECT_EQ(variant.run(width, 0, nullptr, nullptr, 0, 0), 0) << k.name;
+            }
+        }
+    }
+}
+
+TEST_P(Metric, SatdOfNoColumnsOrRowsIsZero) {
+    for (tavu_metric_area_t *metric : {get<tavu_satd1>(), get<tavu_satd2>()}) {
+        for (const int none : {0, -1, -5}) {
+            EXPECT_EQ(metric(24, none, nullptr, nullptr, 0, 0), 0);
+            EXPECT_EQ(metric(none, 8, nullptr, nullptr, 0, 0), 0);
+        }
+    }
+}
+
+TEST_P(Metric, HadamardOfResiduals) {
     for_each_pair(4, 4, [](Block &a, Block &b) {
-        const int expected = satd_of(4, 4, 4, a, b);
-        ASSERT_EQ(get<tavu_satd4x4>()(a.at(), b.at(), a.stride, b.stride), expected);
         int16_t residual[16];
         get<tavu_diff4x4>()(a.at(), b.at(), a.stride, b.stride, 4, residual);
-        ASSERT_EQ(get<tavu_hadamard4x4>()(residual), expected);
-    });
-    for_each_pair(8, 8, [](Block &a, Block &b) {
-        ASSERT_EQ(get<tavu_satd8x8>()(a.at(), b.at(), a.stride, b.stride), satd_of(8, 8, 8, a, b));
+        ASSERT_EQ(get<tavu_hadamard4x4>()(residual), satd_of(4, 4, 4, a, b));
     });
     for (const int d : {1, -1, 5, 255, -255, 2047, -2047}) {
         int16_t flat[16], single[16] = {static_cast<int16_t>(d)};
@@ -256,28 +266,17 @@ TEST_P(Metric, SatdIsTheMagnitudeOfTheTransform) {
     EXPECT_EQ(get<tavu_hadamard4x4>()(largest), 65504);
 }
 
-TEST_P(Metric, SatdOfAnAreaIsTheSumOfItsTiles) {
-    const int sizes[][2] = {{4, 4}, {16, 8}, {8, 16},  {12, 20},
-                            {9, 5}, {1, 1},  {20, 68}, {396, 66}};
-    for (const auto &[w, h] : sizes) {
-        const int width = w, height = h;
-        for_each_pair((w + 7) / 8 * 8, (h + 7) / 8 * 8, [&](Block &a, Block &b) {
-            const auto run = [&](tavu_metric_area_t *metric) {
-                return metric(width, height, a.at(), b.at(), a.stride, b.stride);
-            };
-            ASSERT_EQ(run(get<tavu_satd1>()), satd_of(4, width, height, a, b));
-            ASSERT_EQ(run(get<tavu_satd2>()), satd_of(8, width, height, a, b));
-            if (width % 4 == 0 && height % 4 == 0) {
-                ASSERT_EQ(run(get<tavu_satd>()), satd_of(4, width, height, a, b));
-            }
-        });
-    }
-    for (tavu_metric_area_t *metric : {get<tavu_satd1>(), get<tavu_satd2>()}) {
-        for (const int none : {0, -1, -5}) {
-            EXPECT_EQ(metric(24, none, nullptr, nullptr, 0, 0), 0);
-            EXPECT_EQ(metric(none, 8, nullptr, nullptr, 0, 0), 0);
-        }
-    }
+// The SSD of 64 columns and `rows` rows whose samples all differ by 255.
+int32_t largest_ssd(tavu_metric_area_t *ssd, int rows) {
+    const Bytes white(64, 255), black(64, 0);
+    return ssd(64, rows, white.data(), black.data(), 0, 0);
+}
+
+TEST_P(Metric, SsdWrapsIn32Bits) {
+    EXPECT_EQ(largest_ssd(get<tavu_ssd>(), 64), 266342400);
+    EXPECT_EQ(largest_ssd(get<tavu_ssd>(), 516), 2147385600);   // 33,024 samples
+    EXPECT_EQ(largest_ssd(get<tavu_ssd>(), 520), -2130935296);  // wraps
+    EXPECT_EQ(static_cast<uint32_t>(largest_ssd(get<tavu_ssd>(), 1032)), 66048U * 65025);
 }
 
 // For residuals 255 s(y) t(x) with signs s and t, the coefficients of one u may sum to more than 15

@@ -5,10 +5,8 @@
 #include <array>
 #include <type_traits>
 
-#include "kernels.h"
 #include "memory.h"
-#include "metric_kernels.h"
-#include "resize_kernels.h"
+#include "picture.h"
 
 namespace {
 
@@ -79,6 +77,12 @@ class Registers : public testing::Test {
     const uint8_t *a = source.data(), *b = target.data();
 };
 
+// The exported routine of a kernel, with these arguments.
+template <class Kernel, class... Arguments>
+void expect_kept(const Kernel &kernel, Arguments... arguments) {
+    EXPECT_TRUE(keeps_registers(kernel.variants[0].run, arguments...)) << kernel.name;
+}
+
 NAKED void spoil_r7() { __asm__("mov r7, #0\n bx lr\n"); }
 NAKED void spoil_d11() { __asm__("vmov.i8 d11, #0\n bx lr\n"); }
 
@@ -90,16 +94,12 @@ TEST_F(Registers, ChangedOnesAreDetected) {
 TEST_F(Registers, KeptByConversions) {
     for (const auto &kernels : {csc_kernels(), csc_rsz_kernels()}) {
         for (const CscKernel &kernel : kernels) {
-            uint8_t *src[4], *dst[4];
-            int32_t stride[4] = {STRIDE, STRIDE, STRIDE, STRIDE};
-            for (int p = 0; p < 4; p++) {
-                src[p] = source.data() + p * 8 * STRIDE;
-                dst[p] = target.data() + p * 16 * STRIDE;
-            }
             for (const int32_t code : kernel.codes) {
-                EXPECT_TRUE(keeps_registers(kernel.variants[0].run, src, W, H, stride, 13, dst,
-                                            W - 4, H + 1, stride, code))
-                    << kernel.name;
+                PicturePlanes p(kernel, code, W, H, W - 4, H + 1);
+                p.set_sources(0, PlaneAllocator{source.data()});
+                p.set_targets(0, PlaneAllocator{target.data()});
+                expect_kept(kernel, p.src, W, H, p.src_stride, 13, p.dst, p.dst_w, p.dst_h,
+                            p.dst_stride, code);
             }
         }
     }
@@ -123,34 +123,27 @@ TEST_F(Registers, KeptByResizes) {
 }
 
 TEST_F(Registers, KeptByMetrics) {
-    for (const auto &k : block_kernels()) {
-        EXPECT_TRUE(keeps_registers(k.variants[0].run, a, b, STRIDE, STRIDE)) << k.name;
-    }
-    for (auto *metric : {tavu_sad, tavu_ssd, tavu_satd, tavu_satd1, tavu_satd2}) {
-        for (const int width : {4, 8, 16, 32, 64}) {
-            EXPECT_TRUE(keeps_registers(metric, width, 16, a, b, STRIDE, STRIDE)) << width;
+    std::array<int16_t, STRIDE * 64> residual{};
+    int16_t *const out = residual.data();
+    for (const auto &k : block_kernels()) expect_kept(k, a, b, STRIDE, STRIDE);
+    for (const int width : {4, 8, 16, 20, 32, 64}) {
+        for (const auto &k : area_kernels()) expect_kept(k, width, 16, a, b, STRIDE, STRIDE);
+        for (const auto &k : early_skip_kernels()) {
+            expect_kept(k, width, 16, a, b, STRIDE, STRIDE, INT32_MAX);
         }
     }
-    EXPECT_TRUE(keeps_registers(tavu_sad_eskip, 64, 16, a, b, STRIDE, STRIDE, INT32_MAX));
-    std::array<int16_t, STRIDE * 64> residual{};
-    EXPECT_TRUE(keeps_registers(tavu_hadamard4x4, residual.data()));
-    for (const auto &k : diff_block_kernels()) {
-        EXPECT_TRUE(
-            keeps_registers(k.variants[0].run, a, b, STRIDE, STRIDE, STRIDE, residual.data()))
-            << k.name;
+    for (const auto &k : hadamard_kernels()) expect_kept(k, out);
+    for (const auto &k : diff_block_kernels()) expect_kept(k, a, b, STRIDE, STRIDE, STRIDE, out);
+    for (const auto &k : diff_area_kernels()) {
+        expect_kept(k, W, H, a, b, STRIDE, STRIDE, STRIDE, out);
     }
-    EXPECT_TRUE(keeps_registers(tavu_diff, W, H, a, b, STRIDE, STRIDE, STRIDE, residual.data()));
 }
 
 TEST_F(Registers, KeptByFillsCopiesAndBorders) {
     uint8_t *dst = target.data();
-    constexpr int SIZE = 1000;  // multiple of 8 only
-    for (auto *fill : {tavu_mset_x128, tavu_mset_x32, tavu_mset_x32ax4}) {
-        EXPECT_TRUE(keeps_registers(fill, dst, 0x01020304U, SIZE));
-    }
-    EXPECT_TRUE(keeps_registers(tavu_mset_x64, dst, 7, SIZE));
-    EXPECT_TRUE(keeps_registers(tavu_mset_x64a, dst, 7, SIZE + 3));
-    EXPECT_TRUE(keeps_registers(tavu_mclr_x64, dst, 128));
+    constexpr int32_t size = 1003;
+#define FILL(name, pattern, ...) EXPECT_TRUE(keeps_registers(name, dst, __VA_ARGS__)) << #name;
+#include "kernels.def"
     EXPECT_TRUE(keeps_registers(tavu_mcpy_pic, dst, a, STRIDE, STRIDE, W, H));
     EXPECT_TRUE(keeps_registers(tavu_mcpy_pic, dst, a, W, W, W, H));
     for (const int width : {2, 4, 6, 8, 12, 16, 24}) {
