@@ -194,6 +194,7 @@ class Documents(unittest.TestCase):
         cmake = text_of("CMakeLists.txt", "*/CMakeLists.txt", "cmake/*.cmake")
         known = set(re.findall(r"\w+", text_of("include/tavu.h") + cmake))
         known |= set(re.findall(r"\bTAVU_\w+", text_of("src/**/*.h")))
+        known |= {name for _, name in found(r"^TAVU_API .*\b(tavu_\w+);")}  # added by an example
         self.assert_all(lambda _, name: "".join(name) in functions,
                         found(r"\b((?:tavu|bilinear)_\w+)\(\)|^\.Fn (\w+)"))
         self.assert_all(lambda _, name: name in known or name.endswith("_") and any(
