@@ -5,6 +5,7 @@
 #include <cstring>
 #include <type_traits>
 
+#include "simd/resample.h"
 #include "simd/row_loop.h"
 #include "simd/satd.h"
 #include "simd/scan.h"
@@ -345,6 +346,86 @@ bool row_loop(const uint8_t *r) {
     return covered == width && outside == 0;
 }
 
+// A bilinear sum of two samples of each of two rows.
+int lerp(const uint8_t *upper, const uint8_t *lower, int left, int right, int a, int b) {
+    return (8 - b) * ((8 - a) * upper[left] + a * upper[right]) +
+           b * ((8 - a) * lower[left] + a * lower[right]);
+}
+
+U16x8 lanes8(const uint8_t *r, int below) {
+    U16x8 v{};
+    for (int i = 0; i < 8; i++) v[i] = static_cast<uint16_t>(r[i] % below);
+    return v;
+}
+
+// Each group of 8 outputs has an offset of its own.
+template <int WINDOWS>
+bool gathers(const uint8_t *r) {
+    constexpr int SPAN = WINDOWS * WINDOW;
+    Gather<WINDOWS> gather;
+    const uint8_t *const row = r + 500;
+    for (int g = 0; g < OUTPUTS / 8; g++) {
+        const uint8_t *const at = r + 24 * g;
+        gather.offset[g] = at[0] - 128;
+        set_positions(gather, g, lanes8(at, SPAN), lanes8(at + 8, SPAN));
+        set_weights(gather.weight + 16 * g, lanes8(at + 16, 8));
+    }
+    return is<uint16_t>(lerp_columns<WINDOWS>(row, load_gather(gather)), [&](int i) {
+        const uint8_t *const at = r + i / 8 * 24 + i % 8, *const from = row + gather.offset[i / 8];
+        return lerp(from, from, at[0] % SPAN, at[8] % SPAN, at[16] % 8, 0) / 8;
+    });
+}
+
+bool vertical_lerp(const uint8_t *r) {
+    const U16 x = load_as<U16>(r) % 2041, y = load_as<U16>(r + LANES) % 2041;
+    const auto upper = lanes_of<uint16_t>(x), lower = lanes_of<uint16_t>(y);
+    const auto b = static_cast<uint16_t>(r[0] % 9);
+    const U16 sum = lerp_rows(x, y, b);
+    uint16_t stored[LANES / 2];
+    store16(stored, sum);
+    const auto signed_lanes = lanes_of<int16_t>(load_as<I16>(r));
+    const Wide wide = widen(load_as<U8>(r));
+    const UWide sums = {reinterpret_cast<U16>(wide.lo * 64 + 63),
+                        reinterpret_cast<U16>(wide.hi * 64 + 63)};
+    return is<uint16_t>(sum, [&](int i) { return (8 - b) * upper.at[i] + b * lower.at[i]; }) &&
+           lanes_of<uint16_t>(load16(stored)) == lanes_of<uint16_t>(sum) &&
+           is<int16_t>(round_shift8(load_as<I16>(r)),
+                       [&](int i) { return (signed_lanes.at[i] + 128) >> 8; }) &&
+           is<uint8_t>(narrow6(sums), [r](int i) { return r[i]; });
+}
+
+// Two blocks of squares.
+bool squares(const uint8_t *r) {
+    const uint8_t *const fractions = r + 1000, *upper = r, *lower = r + 8 * LANES;
+    const int b = 1 + r[0] % 7;
+    Weights2x2 weights[2], scaled[2];
+    auto *const bytes = reinterpret_cast<uint8_t *>(weights);
+    for (int block = 0; block < 2; block++) {
+        uint8_t columns[2 * LANES];
+        for (int i = 0; i < LANES; i += 8) {
+            set_weights(columns + 2 * i, lanes8(fractions + block * LANES + i, 8));
+        }
+        for (int i = 0; i < 4 * LANES; i++) {
+            const int weight = columns[i % (2 * LANES)] * (i < 2 * LANES ? 8 - b : b);
+            bytes[4 * LANES * block + i] = static_cast<uint8_t>(weight);
+        }
+        for (int i = 0; i < 2; i++) {
+            scaled[block].upper[i] = weights[block].upper[i] * ROW_SCALE_2X2;
+            scaled[block].lower[i] = weights[block].lower[i] * ROW_SCALE_2X2;
+        }
+    }
+    uint8_t out[2 * LANES];
+    const Weights2x2 *next = scaled;
+    lerp_row_2x2(upper, lower, next, 2, 64, out);
+    const auto meaning = [&](int i) {
+        return lerp(r, r + 8 * LANES, 2 * i, 2 * i + 1, fractions[i] % 8, b) >> 6;
+    };
+    const UWide first = lerp_next_2x2(upper, lower, weights[0]);
+    return is<uint8_t>(load_as<Array<uint8_t, 2 * LANES>>(out), meaning) &&
+           is<uint8_t>(narrow6(first), meaning) && upper == r + 2 * LANES &&
+           lower == r + 10 * LANES;
+}
+
 // For registers of 16, 32 and 64 bytes, as far as the level has them.
 template <class Check>
 bool for_widths(Check check) {
@@ -367,6 +448,10 @@ constexpr Operation OPERATIONS[] = {
     {"load_next_interleaved of 4", load_four},
     {"for_each_block", row_loop},
     {"lesser, zero_lanes, first_lane", lesser_and_zeros},
+    {"set_positions, set_weights, load_gather, lerp_columns",
+     [](const uint8_t *r) { return gathers<1>(r) && gathers<2>(r) && gathers<4>(r); }},
+    {"lerp_rows, narrow6, round_shift8, load16, store16", vertical_lerp},
+    {"lerp_next_2x2, lerp_row_2x2", squares},
     {"load_next_rows of 4", rows_of<16, 4>},
     {"load_next_rows of 8",
      [](const uint8_t *r) {
