@@ -45,6 +45,9 @@ bool is(const V &v, Meaning meaning) {
     return expected == lanes_of<T>(v);
 }
 
+// The widths of registers that have operations of their own.
+constexpr int WIDE = LANES < 32 ? LANES : 32;
+
 int clamp(int x) { return x < 0 ? 0 : x > 255 ? 255 : x; }
 int abs_of(int x) { return x < 0 ? -x : x; }
 
@@ -93,64 +96,34 @@ bool from_rgb(const uint8_t *r) {
 bool terms_of_chroma(const uint8_t *r) {
     const uint8_t *const at = r, *const end = r + LANES;
     const ChromaTerms t = chroma_terms(load_as<U8>(at), load_as<U8>(end));
+    const auto grey = static_cast<int16_t>(r[0]);
     const auto is_term = [&](Wide term, int from_u, int from_v) {
-        for (int grey = 0; grey < 256; grey += 51) {
-            const Wide w = {term.lo + static_cast<int16_t>(grey),
-                            term.hi + static_cast<int16_t>(grey)};
-            if (!is<uint8_t>(narrow(w), [&](int i) {
-                    const int u = at[i] - 128, v = end[i] - 128;
-                    return clamp(grey + ((from_u * u + from_v * v + 128) >> 8));
-                })) {
-                return false;
-            }
-        }
-        return true;
+        return is<uint8_t>(narrow({term.lo + grey, term.hi + grey}), [&](int i) {
+            return clamp(grey + ((from_u * (at[i] - 128) + from_v * (end[i] - 128) + 128) >> 8));
+        });
     };
     return is_term(t.r, 0, 359) && is_term(t.g, 88, 183) && is_term(t.b, 454, 0);
 }
 
-template <int CHANNELS, class Store>
-bool stores_interleaved(const uint8_t *r, Store store_channels) {
+template <size_t... CHANNEL>
+bool stores_interleaved(const uint8_t *r) {
+    constexpr int CHANNELS = sizeof...(CHANNEL);
     uint8_t bytes[size_t{CHANNELS * LANES + 1}] = {}, *out = bytes;
-    U8 v[size_t{CHANNELS}];
-    for (int c = 0; c < CHANNELS; c++) v[c] = load_as<U8>(r + c * LANES);
-    store_channels(out, v);
+    store_next_interleaved(out, load_as<U8>(r + CHANNEL * LANES)...);
     for (int i = 0; i < CHANNELS * LANES; i++) {
         if (bytes[i] != r[i % CHANNELS * LANES + i / CHANNELS]) return false;
     }
     return out == bytes + CHANNELS * LANES && bytes[CHANNELS * LANES] == 0;
 }
 
-template <int CHANNELS, class Load>
-bool loads_interleaved(const uint8_t *r, Load load_channels) {
+template <size_t... CHANNEL>
+bool loads_interleaved(const uint8_t *r) {
+    constexpr int CHANNELS = sizeof...(CHANNEL);
     const uint8_t *in = r;
-    U8 v[4];
-    load_channels(in, v);
-    for (int c = 0; c < CHANNELS; c++) {
-        if (!is<uint8_t>(v[c], [=](int i) { return r[CHANNELS * i + c]; })) return false;
-    }
-    return in == r + CHANNELS * LANES;
-}
-
-bool store_two(const uint8_t *r) {
-    return stores_interleaved<2>(r,
-                                 [](uint8_t *&p, U8 *v) { store_next_interleaved(p, v[0], v[1]); });
-}
-bool store_three(const uint8_t *r) {
-    return stores_interleaved<3>(
-        r, [](uint8_t *&p, U8 *v) { store_next_interleaved(p, v[0], v[1], v[2]); });
-}
-bool store_four(const uint8_t *r) {
-    return stores_interleaved<4>(
-        r, [](uint8_t *&p, U8 *v) { store_next_interleaved(p, v[0], v[1], v[2], v[3]); });
-}
-bool load_three(const uint8_t *r) {
-    return loads_interleaved<3>(
-        r, [](const uint8_t *&p, U8 *v) { load_next_interleaved(p, &v[0], &v[1], &v[2]); });
-}
-bool load_four(const uint8_t *r) {
-    return loads_interleaved<4>(
-        r, [](const uint8_t *&p, U8 *v) { load_next_interleaved(p, &v[0], &v[1], &v[2], &v[3]); });
+    U8 v[size_t{CHANNELS}];
+    load_next_interleaved(in, &v[CHANNEL]...);
+    return in == r + CHANNELS * LANES &&
+           (is<uint8_t>(v[CHANNEL], [r](int i) { return r[CHANNELS * i + int{CHANNEL}]; }) && ...);
 }
 
 bool lesser_and_zeros(const uint8_t *r) {
@@ -426,13 +399,9 @@ bool squares(const uint8_t *r) {
            lower == r + 10 * LANES;
 }
 
-// For registers of 16, 32 and 64 bytes, as far as the level has them.
-template <class Check>
-bool for_widths(Check check) {
-    constexpr std::integral_constant<int, 16> narrow;
-    constexpr std::integral_constant<int, (LANES < 32 ? LANES : 32)> wide;
-    constexpr std::integral_constant<int, LANES> widest;
-    return check(narrow) && check(wide) && check(widest);
+template <bool (*...Check)(const uint8_t *)>
+bool every(const uint8_t *r) {
+    return (Check(r) && ...);
 }
 
 constexpr Operation OPERATIONS[] = {
@@ -441,43 +410,30 @@ constexpr Operation OPERATIONS[] = {
     {"widen, narrow", widen_and_narrow},
     {"rgb_to_yuv", from_rgb},
     {"chroma_terms", terms_of_chroma},
-    {"store_next_interleaved of 2", store_two},
-    {"store_next_interleaved of 3", store_three},
-    {"store_next_interleaved of 4", store_four},
-    {"load_next_interleaved of 3", load_three},
-    {"load_next_interleaved of 4", load_four},
+    {"store_next_interleaved of 2", stores_interleaved<0, 1>},
+    {"store_next_interleaved of 3", stores_interleaved<0, 1, 2>},
+    {"store_next_interleaved of 4", stores_interleaved<0, 1, 2, 3>},
+    {"load_next_interleaved of 3", loads_interleaved<0, 1, 2>},
+    {"load_next_interleaved of 4", loads_interleaved<0, 1, 2, 3>},
     {"for_each_block", row_loop},
     {"lesser, zero_lanes, first_lane", lesser_and_zeros},
     {"set_positions, set_weights, load_gather, lerp_columns",
-     [](const uint8_t *r) { return gathers<1>(r) && gathers<2>(r) && gathers<4>(r); }},
+     every<gathers<1>, gathers<2>, gathers<4>>},
     {"lerp_rows, narrow6, round_shift8, load16, store16", vertical_lerp},
     {"lerp_next_2x2, lerp_row_2x2", squares},
-    {"load_next_rows of 4", rows_of<16, 4>},
-    {"load_next_rows of 8",
-     [](const uint8_t *r) {
-         return rows_of<16, 8>(r) && rows_of<(LANES < 32 ? LANES : 32), 8>(r);
-     }},
-    {"load_next_rows of 16",
-     [](const uint8_t *r) {
-         return rows_of<16, 16>(r) && rows_of<(LANES < 32 ? LANES : 32), 16>(r);
-     }},
-    {"load_next_rows of whole registers",
-     [](const uint8_t *r) { return for_widths([r](auto n) { return rows_of<n, n>(r); }); }},
-    {"load_start",
-     [](const uint8_t *r) { return start_of<4>(r) && start_of<8>(r) && start_of<16>(r); }},
+    {"load_next_rows", every<rows_of<16, 4>, rows_of<16, 8>, rows_of<WIDE, 8>, rows_of<16, 16>,
+                             rows_of<WIDE, 16>, rows_of<WIDE, WIDE>, rows_of<LANES, LANES>>},
+    {"load_start", every<start_of<4>, start_of<8>, start_of<16>>},
     {"store_difference, load_next_difference",
-     [](const uint8_t *r) { return for_widths([r](auto n) { return differences<n>(r); }); }},
-    {"AbsSum, SquareSum, load, load_next",
-     [](const uint8_t *r) { return for_widths([r](auto n) { return sums<n>(r); }); }},
+     every<differences<16>, differences<WIDE>, differences<LANES>>},
+    {"AbsSum, SquareSum, load, load_next", every<sums<16>, sums<WIDE>, sums<LANES>>},
     {"add, butterfly, butterfly_abs, larger, zip",
-     [](const uint8_t *r) { return for_widths([r](auto n) { return butterflies<n>(r); }); }},
+     every<butterflies<16>, butterflies<WIDE>, butterflies<LANES>>},
     {"load_next_butterflies",
-     [](const uint8_t *r) { return for_widths([r](auto n) { return column_butterflies<n>(r); }); }},
+     every<column_butterflies<16>, column_butterflies<WIDE>, column_butterflies<LANES>>},
     {"butterfly_difference", first_butterfly},
-    {"MagnitudeSum",
-     [](const uint8_t *r) { return for_widths([r](auto n) { return magnitude_sums<n>(r); }); }},
-    {"RoundedSum",
-     [](const uint8_t *r) { return for_widths([r](auto n) { return rounded_sums<n>(r); }); }},
+    {"MagnitudeSum", every<magnitude_sums<16>, magnitude_sums<WIDE>, magnitude_sums<LANES>>},
+    {"RoundedSum", every<rounded_sums<16>, rounded_sums<WIDE>, rounded_sums<LANES>>},
     {nullptr, nullptr}};
 
 }  // namespace
