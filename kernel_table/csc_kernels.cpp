@@ -50,14 +50,14 @@ CscKernel combined(const char *name, const Variants &variants) {
 
 std::vector<CscKernel> csc_kernels() {
     return {
-#define CONVERSION(name, ...) __VA_ARGS__(#name + strlen("tavu_csc_"), variants<name>()),
+#define CONVERSION(name, ...) __VA_ARGS__(&#name[strlen("tavu_csc_")], variants<name>()),
 #include "kernels.def"
     };
 }
 
 std::vector<CscKernel> csc_rsz_kernels() {
     return {
-#define COMBINED(name, ...) __VA_ARGS__(#name + strlen("tavu_csc_rsz_"), variants<name>()),
+#define COMBINED(name, ...) __VA_ARGS__(&#name[strlen("tavu_csc_rsz_")], variants<name>()),
 #include "kernels.def"
     };
 }

@@ -102,7 +102,7 @@ BlockKernel<Fill> fill_kernel(const char *name, uint32_t pattern, Call call) {
 std::vector<BlockKernel<tavu_metric_block_t *>> block_kernels() {
     return {
 #define BLOCK(name, columns, rows, ...) \
-    {#name + PREFIX, columns, rows, block_model<__VA_ARGS__>, variants<name>()},
+    {&#name[PREFIX], columns, rows, block_model<__VA_ARGS__>, variants<name>()},
 #include "kernels.def"
     };
 }
@@ -110,7 +110,7 @@ std::vector<BlockKernel<tavu_metric_block_t *>> block_kernels() {
 std::vector<AreaKernel> area_kernels() {
     return {
 #define AREA(name, columns, rows, fit, ...) \
-    {{#name + PREFIX, columns, rows, area_model<__VA_ARGS__>, variants<name>()}, fit},
+    {{&#name[PREFIX], columns, rows, area_model<__VA_ARGS__>, variants<name>()}, fit},
 #include "kernels.def"
     };
 }
@@ -118,7 +118,7 @@ std::vector<AreaKernel> area_kernels() {
 std::vector<BlockKernel<EarlySkip *>> early_skip_kernels() {
     return {
 #define EARLY_SKIP(name, columns, rows, ...) \
-    {#name + PREFIX, columns, rows, early_skip_model<__VA_ARGS__>, variants<name>()},
+    {&#name[PREFIX], columns, rows, early_skip_model<__VA_ARGS__>, variants<name>()},
 #include "kernels.def"
     };
 }
@@ -126,7 +126,7 @@ std::vector<BlockKernel<EarlySkip *>> early_skip_kernels() {
 std::vector<BlockKernel<tavu_diff_block_t *>> diff_block_kernels() {
     return {
 #define DIFF(name, size, ...) \
-    {#name + PREFIX, size, size, diff_model<__VA_ARGS__>, variants<name>()},
+    {&#name[PREFIX], size, size, diff_model<__VA_ARGS__>, variants<name>()},
 #include "kernels.def"
     };
 }
@@ -134,7 +134,7 @@ std::vector<BlockKernel<tavu_diff_block_t *>> diff_block_kernels() {
 std::vector<BlockKernel<DiffArea *>> diff_area_kernels() {
     return {
 #define DIFF_AREA(name, columns, rows, ...) \
-    {#name + PREFIX, columns, rows, diff_area_model<__VA_ARGS__>, variants<name>()},
+    {&#name[PREFIX], columns, rows, diff_area_model<__VA_ARGS__>, variants<name>()},
 #include "kernels.def"
     };
 }
@@ -142,7 +142,7 @@ std::vector<BlockKernel<DiffArea *>> diff_area_kernels() {
 std::vector<BlockKernel<Hadamard *>> hadamard_kernels() {
     return {
 #define HADAMARD(name, size, ...) \
-    {#name + PREFIX, size, size, hadamard_model<__VA_ARGS__>, variants<name>()},
+    {&#name[PREFIX], size, size, hadamard_model<__VA_ARGS__>, variants<name>()},
 #include "kernels.def"
     };
 }
@@ -150,7 +150,7 @@ std::vector<BlockKernel<Hadamard *>> hadamard_kernels() {
 std::vector<BlockKernel<Fill>> fill_kernels() {
     return {
 #define FILL(name, pattern, ...)               \
-    fill_kernel<name>(#name + PREFIX, pattern, \
+    fill_kernel<name>(&#name[PREFIX], pattern, \
                       [](auto *fill, void *dst, int32_t size) { fill(dst, __VA_ARGS__); }),
 #include "kernels.def"
     };
