@@ -17,7 +17,7 @@ struct Form {
 struct Case {
     size_t bytes = 0;  // that one call reads and writes
     std::vector<Form> forms;
-    std::vector<uint8_t> *target = nullptr;  // all that a call leaves behind
+    std::vector<uint8_t> *target = nullptr;  // all that a call writes
 };
 
 struct NamedCase {

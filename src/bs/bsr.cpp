@@ -130,68 +130,70 @@ int32_t read_tu(tavu_bsr_t *bs, int32_t max) {
 }  // namespace
 }  // namespace tavu
 
+using namespace tavu;
+
 void tavu_bsr_init(tavu_bsr_t *bs, const void *buf, int32_t size, tavu_bsr_flush_fn flush) {
-    tavu::set_buffer(bs, static_cast<const uint8_t *>(buf), size);
+    set_buffer(bs, static_cast<const uint8_t *>(buf), size);
     bs->code = 0;
     bs->leftbits = 0;
     bs->flush = flush != nullptr ? flush : tavu_bsr_flush;
 }
 
 int32_t tavu_bsr_flush(tavu_bsr_t *bs, int32_t bytes) {
-    const intptr_t left = tavu::remaining(bs);
-    if (bytes == tavu::CACHE_BYTES && left >= tavu::CACHE_BYTES) {
-        bs->code = tavu::load_word(bs->cur);
-        bs->leftbits = 8 * tavu::CACHE_BYTES;
-        bs->cur += tavu::CACHE_BYTES;
+    const intptr_t left = remaining(bs);
+    if (bytes == CACHE_BYTES && left >= CACHE_BYTES) {
+        bs->code = load_word(bs->cur);
+        bs->leftbits = 8 * CACHE_BYTES;
+        bs->cur += CACHE_BYTES;
         return 0;
     }
     const int32_t n = bytes < left ? bytes : static_cast<int32_t>(left);
     bs->code = 0;
     bs->leftbits = 0;
     if (n <= 0) return -1;
-    for (int32_t i = 0; i < n; i++) bs->code |= tavu::shift_left(bs->cur[i], 24 - 8 * i);
+    for (int32_t i = 0; i < n; i++) bs->code |= shift_left(bs->cur[i], 24 - 8 * i);
     bs->leftbits = 8 * n;
     bs->cur += n;
     return 0;
 }
 
-int32_t tavu_bsr_read(tavu_bsr_t *bs, int32_t size) { return tavu::read(bs, size); }
+int32_t tavu_bsr_read(tavu_bsr_t *bs, int32_t size) { return read(bs, size); }
 
-int32_t tavu_bsr_read1(tavu_bsr_t *bs) { return tavu::read1(bs); }
+int32_t tavu_bsr_read1(tavu_bsr_t *bs) { return read1(bs); }
 
 void tavu_bsr_skip(tavu_bsr_t *bs, int32_t size) {
     if (bs->leftbits < size) {
         size -= bs->leftbits;
-        if (tavu::refill(bs) != 0) return;
+        if (refill(bs) != 0) return;
     }
-    tavu::consume(bs, size);
+    consume(bs, size);
 }
 
-uint32_t tavu_bsr_peek(tavu_bsr_t *bs, int32_t size) { return tavu::peek(bs, size); }
+uint32_t tavu_bsr_peek(tavu_bsr_t *bs, int32_t size) { return peek(bs, size); }
 
 uint32_t tavu_bsr_skip_peek(tavu_bsr_t *bs, int32_t skip, int32_t size) {
     if (bs->leftbits < skip) {
         skip -= bs->leftbits;
-        if (tavu::refill(bs) != 0) return 0;
+        if (refill(bs) != 0) return 0;
     }
-    tavu::consume(bs, skip);
-    return tavu::peek(bs, size);
+    consume(bs, skip);
+    return peek(bs, size);
 }
 
-void tavu_bsr_skip_align8(tavu_bsr_t *bs) { tavu::consume(bs, bs->leftbits & 7); }
+void tavu_bsr_skip_align8(tavu_bsr_t *bs) { consume(bs, bs->leftbits & 7); }
 
 int32_t tavu_bsr_read_align8(tavu_bsr_t *bs, int32_t *bits) {
     const int32_t n = bs->leftbits & 7;
-    const uint32_t value = tavu::top_bits(bs->code, n);
-    tavu::consume(bs, n);
+    const uint32_t value = top_bits(bs->code, n);
+    consume(bs, n);
     if (bits != nullptr) *bits = n;
     return static_cast<int32_t>(value);
 }
 
-int32_t tavu_bsr_read_ue(tavu_bsr_t *bs) { return tavu::read_ue(bs); }
+int32_t tavu_bsr_read_ue(tavu_bsr_t *bs) { return read_ue(bs); }
 
 int32_t tavu_bsr_read_se(tavu_bsr_t *bs) {
-    const int32_t v = tavu::read_ue(bs);
+    const int32_t v = read_ue(bs);
     // For odd v: (v + 1) / 2. At the end of the data v is -2 and the result is +1.
     if (v & 1) return static_cast<int32_t>(static_cast<uint32_t>(v) + 1) >> 1;
     return -(v >> 1);
@@ -199,11 +201,11 @@ int32_t tavu_bsr_read_se(tavu_bsr_t *bs) {
 
 int32_t tavu_bsr_read_te(tavu_bsr_t *bs, int32_t range) {
     if (range < 1) return 0;
-    return range == 1 ? 1 - tavu::read1(bs) : tavu::read_ue(bs);
+    return range == 1 ? 1 - read1(bs) : read_ue(bs);
 }
 
-int32_t tavu_bsr_read_un(tavu_bsr_t *bs) { return tavu::read_un(bs); }
+int32_t tavu_bsr_read_un(tavu_bsr_t *bs) { return read_un(bs); }
 
-int32_t tavu_bsr_read_tu(tavu_bsr_t *bs, int32_t max) { return tavu::read_tu(bs, max); }
+int32_t tavu_bsr_read_tu(tavu_bsr_t *bs, int32_t max) { return read_tu(bs, max); }
 
-int32_t tavu_bsr_clz_in_code(uint32_t code) { return tavu::count_leading_zeros(code); }
+int32_t tavu_bsr_clz_in_code(uint32_t code) { return count_leading_zeros(code); }

@@ -76,39 +76,40 @@ int32_t size_ue(uint32_t value) { return 2 * floor_log2(value + 1) + 1; }
 }  // namespace
 }  // namespace tavu
 
+using namespace tavu;
+
 void tavu_bsw_init(tavu_bsw_t *bs, void *buf, int32_t size, tavu_bsw_flush_fn flush) {
-    tavu::set_buffer(bs, static_cast<uint8_t *>(buf), size);
+    set_buffer(bs, static_cast<uint8_t *>(buf), size);
     bs->code = 0;
     bs->leftbits = 32;
-    bs->flush = flush != nullptr ? flush : tavu::spill;
+    bs->flush = flush != nullptr ? flush : spill;
 }
 
-int32_t tavu_bsw_write1(tavu_bsw_t *bs, int32_t bit) { return tavu::write1(bs, bit); }
+int32_t tavu_bsw_write1(tavu_bsw_t *bs, int32_t bit) { return write1(bs, bit); }
 
 int32_t tavu_bsw_write(tavu_bsw_t *bs, uint32_t value, int32_t len) {
-    return tavu::write(bs, value, len);
+    return write(bs, value, len);
 }
 
-int32_t tavu_bsw_write_ue(tavu_bsw_t *bs, uint32_t value) { return tavu::write_ue(bs, value); }
+int32_t tavu_bsw_write_ue(tavu_bsw_t *bs, uint32_t value) { return write_ue(bs, value); }
 
 int32_t tavu_bsw_write_se(tavu_bsw_t *bs, int32_t value) {
-    return tavu::write_ue(bs, tavu::unsigned_of(value));
+    return write_ue(bs, unsigned_of(value));
 }
 
 int32_t tavu_bsw_write_te(tavu_bsw_t *bs, int32_t value, int32_t range) {
     if (range < 1) return 0;
-    return range == 1 ? tavu::write1(bs, 1 - value)
-                      : tavu::write_ue(bs, static_cast<uint32_t>(value));
+    return range == 1 ? write1(bs, 1 - value) : write_ue(bs, static_cast<uint32_t>(value));
 }
 
 int32_t tavu_bsw_sink(tavu_bsw_t *bs) {
-    if (tavu::remaining(bs) <= tavu::pending_bytes(bs)) return -1;
-    tavu::spill_all(bs);
+    if (remaining(bs) <= pending_bytes(bs)) return -1;
+    spill_all(bs);
     return 0;
 }
 
 int32_t tavu_bsw_deinit(tavu_bsw_t *bs) { return bs->flush(bs); }
 
-int32_t tavu_bsw_size_ue(uint32_t value) { return tavu::size_ue(value); }
+int32_t tavu_bsw_size_ue(uint32_t value) { return size_ue(value); }
 
-int32_t tavu_bsw_size_se(int32_t value) { return tavu::size_ue(tavu::unsigned_of(value)); }
+int32_t tavu_bsw_size_se(int32_t value) { return size_ue(unsigned_of(value)); }

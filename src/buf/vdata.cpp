@@ -20,13 +20,15 @@ int32_t set(tavu_vdata_t *vd, const void *src, int32_t len, int32_t type) {
 }  // namespace
 }  // namespace tavu
 
+using namespace tavu;
+
 int32_t tavu_vdata_set(tavu_vdata_t *vd, const void *src, int32_t len, int32_t type) {
-    return tavu::set(vd, src, len, type);
+    return set(vd, src, len, type);
 }
 
 int32_t tavu_vdata_cpy(tavu_vdata_t *dst, const tavu_vdata_t *src) {
     if (src == nullptr) return TAVU_ERR_INVALID_ARGUMENT;
-    return tavu::set(dst, src->data, src->len, src->type);
+    return set(dst, src->data, src->len, src->type);
 }
 
 void tavu_vdata_free(tavu_vdata_t *vd) {

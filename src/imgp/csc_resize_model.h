@@ -7,6 +7,7 @@
 #ifndef TAVU_IMGP_CSC_RESIZE_MODEL_H
 #define TAVU_IMGP_CSC_RESIZE_MODEL_H
 
+#include "core/integer.h"
 #include "imgp/bilinear.h"
 #include "imgp/color.h"
 #include "imgp/csc.h"

@@ -7,6 +7,7 @@
 #ifndef TAVU_IMGP_RESIZE_MODEL_H
 #define TAVU_IMGP_RESIZE_MODEL_H
 
+#include "core/integer.h"
 #include "imgp/resize.h"
 
 namespace tavu {

@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/integer.h"
 #include "imgp/resize.h"
 
 // The weights of the horizontal fraction a and the vertical fraction b in eighths: upper-left,

@@ -143,29 +143,31 @@ void update_rows(tavu_md5_t *md5, const tavu_imgb_t *imgb, int plane, int32_t fi
 }  // namespace
 }  // namespace tavu
 
-void tavu_md5_init(tavu_md5_t *md5) { tavu::init(md5); }
+using namespace tavu;
+
+void tavu_md5_init(tavu_md5_t *md5) { init(md5); }
 
 void tavu_md5_update(tavu_md5_t *md5, const void *data, uint32_t size) {
-    tavu::update(md5, static_cast<const uint8_t *>(data), size);
+    update(md5, static_cast<const uint8_t *>(data), size);
 }
 
-void tavu_md5_finish(tavu_md5_t *md5, uint8_t digest[16]) { tavu::finish(md5, digest); }
+void tavu_md5_finish(tavu_md5_t *md5, uint8_t digest[16]) { finish(md5, digest); }
 
 int32_t tavu_md5_imgb(const tavu_imgb_t *imgb, uint8_t digest[16]) {
     if (imgb == nullptr) return TAVU_ERR_INVALID_ARGUMENT;
     if (imgb->cs < 0 || imgb->cs > 99) return TAVU_ERR_UNSUPPORTED_CS;
     tavu_md5_t md5;
-    tavu::init(&md5);
+    init(&md5);
     // `x` shortens rows without moving their start; chroma is treated as 4:2:0 in every layout.
     // Callers rely on both. 64-bit arithmetic, because rounding up the largest sizes overflows 32.
     const int64_t width = int64_t{imgb->w} - imgb->x;
-    tavu::update_rows(&md5, imgb, 0, imgb->y, imgb->h, width);
+    update_rows(&md5, imgb, 0, imgb->y, imgb->h, width);
     if (imgb->cs != TAVU_CS_YUV400) {
         for (int plane = 1; plane <= 2; plane++) {
             const auto end = static_cast<int32_t>((int64_t{imgb->h} + 1) / 2);
-            tavu::update_rows(&md5, imgb, plane, imgb->y >> 1, end, (width + 1) / 2);
+            update_rows(&md5, imgb, plane, imgb->y >> 1, end, (width + 1) / 2);
         }
     }
-    tavu::finish(&md5, digest);
+    finish(&md5, digest);
     return TAVU_OK;
 }

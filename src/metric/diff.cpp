@@ -42,11 +42,13 @@ TAVU_VEC_INLINE void diff_block_kernel(const BlockPair &at, int32_t stride_diff,
 }  // namespace
 }  // namespace tavu
 
+using namespace tavu;
+
 #define TAVU_DIFF_BLOCK(name, ...)                                                       \
     TAVU_KERNEL(void, name,                                                              \
                 (const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, \
                  int32_t stride_diff, int16_t *diff)) {                                  \
-        tavu::__VA_ARGS__(tavu::BlockPair{a, b, stride_a, stride_b}, stride_diff, diff); \
+        __VA_ARGS__(BlockPair{a, b, stride_a, stride_b}, stride_diff, diff);             \
     }
 
 TAVU_DIFF_BLOCK(tavu_diff2x2, diff_block_kernel<2>)
@@ -59,5 +61,5 @@ TAVU_DIFF_BLOCK(tavu_diff64x64, diff_block_kernel<64>)
 TAVU_KERNEL(void, tavu_diff,
             (int32_t width, int32_t height, const uint8_t *a, const uint8_t *b, int32_t stride_a,
              int32_t stride_b, int32_t stride_diff, int16_t *diff)) {
-    tavu::diff_kernel(width, height, {a, b, stride_a, stride_b}, stride_diff, diff);
+    diff_kernel(width, height, {a, b, stride_a, stride_b}, stride_diff, diff);
 }

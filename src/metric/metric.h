@@ -11,15 +11,15 @@
 #define TAVU_METRIC_BLOCK(name, ...)                                                        \
     TAVU_KERNEL(int32_t, name,                                                              \
                 (const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b)) { \
-        return tavu::__VA_ARGS__(tavu::BlockPair{a, b, stride_a, stride_b});                \
+        return __VA_ARGS__(BlockPair{a, b, stride_a, stride_b});                            \
     }
 
 // The same for a function of a width, a height and the blocks.
-#define TAVU_METRIC_AREA(name, ...)                                                         \
-    TAVU_KERNEL(int32_t, name,                                                              \
-                (int32_t width, int32_t height, const uint8_t *a, const uint8_t *b,         \
-                 int32_t stride_a, int32_t stride_b)) {                                     \
-        return tavu::__VA_ARGS__(width, height, tavu::BlockPair{a, b, stride_a, stride_b}); \
+#define TAVU_METRIC_AREA(name, ...)                                                 \
+    TAVU_KERNEL(int32_t, name,                                                      \
+                (int32_t width, int32_t height, const uint8_t *a, const uint8_t *b, \
+                 int32_t stride_a, int32_t stride_b)) {                             \
+        return __VA_ARGS__(width, height, BlockPair{a, b, stride_a, stride_b});     \
     }
 
 #endif

@@ -130,6 +130,8 @@ int32_t sad_eskip_kernel(int32_t width, int32_t height, const uint8_t *a, const 
 }  // namespace
 }  // namespace tavu
 
+using namespace tavu;
+
 TAVU_METRIC_BLOCK(tavu_sad2x2, sad_kernel<2, 2>)
 TAVU_METRIC_BLOCK(tavu_sad2x4, sad_kernel<2, 4>)
 TAVU_METRIC_BLOCK(tavu_sad4x2, sad_kernel<4, 2>)
@@ -151,5 +153,5 @@ TAVU_METRIC_AREA(tavu_sad, sad_area_kernel)
 TAVU_KERNEL(int32_t, tavu_sad_eskip,
             (int32_t width, int32_t height, const uint8_t *a, const uint8_t *b, int32_t stride_a,
              int32_t stride_b, int32_t threshold)) {
-    return tavu::sad_eskip_kernel(width, height, a, b, stride_a, stride_b, threshold);
+    return sad_eskip_kernel(width, height, a, b, stride_a, stride_b, threshold);
 }

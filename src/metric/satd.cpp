@@ -134,12 +134,12 @@ int32_t satd_area_kernel(int32_t width, int32_t height, const BlockPair &at) {
 }  // namespace
 }  // namespace tavu
 
+using namespace tavu;
+
 TAVU_METRIC_BLOCK(tavu_satd4x4, satd_kernel<4>)
 TAVU_METRIC_BLOCK(tavu_satd8x8, satd_kernel<8>)
 TAVU_METRIC_AREA(tavu_satd, satd_area_kernel<4>)
 TAVU_METRIC_AREA(tavu_satd1, satd_area_kernel<4>)
 TAVU_METRIC_AREA(tavu_satd2, satd_area_kernel<8>)
 
-TAVU_KERNEL(int32_t, tavu_hadamard4x4, (const int16_t *block)) {
-    return tavu::hadamard4x4_kernel(block);
-}
+TAVU_KERNEL(int32_t, tavu_hadamard4x4, (const int16_t *block)) { return hadamard4x4_kernel(block); }

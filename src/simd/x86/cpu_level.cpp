@@ -2,11 +2,12 @@
 
 #include "simd/x86/level_choice.h"
 
+namespace tavu {
 namespace {
 
 struct ThisProcessor {
-    TAVU_UNINSTRUMENTED tavu::CpuidResult cpuid(unsigned leaf) const {
-        tavu::CpuidResult r;
+    TAVU_UNINSTRUMENTED CpuidResult cpuid(unsigned leaf) const {
+        CpuidResult r;
         // Not by the functions of cpuid.h, which would be instrumented.
         __cpuid_count(leaf, 0, r.eax, r.ebx, r.ecx, r.edx);
         return r;
@@ -26,11 +27,14 @@ struct ThisProcessor {
 int known_level = 0;
 
 }  // namespace
+}  // namespace tavu
+
+using namespace tavu;
 
 TAVU_UNINSTRUMENTED int tavu_cpu_level() {
     int level = __atomic_load_n(&known_level, __ATOMIC_RELAXED);
     if (level == 0) {
-        level = tavu::level_of(ThisProcessor());
+        level = level_of(ThisProcessor());
         __atomic_store_n(&known_level, level, __ATOMIC_RELAXED);
     }
     return level;
