@@ -53,6 +53,8 @@ TAVU_KERNEL(int32_t, tavu_ssd,
 
 #else
 
+using namespace tavu;
+
 TAVU_METRIC_AREA(tavu_ssd, ssd_area)
 
 #endif
