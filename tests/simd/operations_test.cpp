@@ -25,12 +25,12 @@ void expect_right(const Operation *operations, const char *level) {
 }
 
 TEST(VectorLayer, OperationsHaveTheirScalarMeaning) {
-#if defined(__x86_64__)
+#if defined(__ARM_NEON)
+    expect_right(operations_level1(), "NEON");
+#else
     expect_right(operations_level2(), "v2");
     if (__builtin_cpu_supports("avx2")) expect_right(operations_level3(), "v3");
     if (__builtin_cpu_supports("avx512vbmi")) expect_right(operations_level4(), "v4");
-#else
-    expect_right(operations_level1(), "NEON");
 #endif
 }
 
