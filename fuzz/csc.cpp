@@ -13,9 +13,10 @@ PicturePlanes pick_planes(const CscKernel &kernel, Input *in) {
 }
 
 // Returns the targets, including the bytes between their rows.
-std::vector<Block> run(PicturePlanes *planes, int32_t dst_gap, tavu_fn_csc_t routine) {
-    std::vector<Block> targets;
-    planes->set_targets(dst_gap, [&](size_t size) { return targets.emplace_back(size).data(); });
+std::vector<Bytes> run(PicturePlanes *planes, int32_t dst_gap, tavu_fn_csc_t routine) {
+    std::vector<Bytes> targets;
+    planes->set_targets(
+        dst_gap, [&](size_t size) { return targets.emplace_back(size, uint8_t{0xA5}).data(); });
     planes->convert(routine);
     return targets;
 }
@@ -31,10 +32,9 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
         index < same_size.size() ? same_size[index] : resizing[index - same_size.size()];
     PicturePlanes planes = pick_planes(kernel, &in);
     const int32_t dst_gap = 2 * in.range(0, 5), src_gap = in.range(0, 5);
-    std::vector<Block> sources;
+    std::vector<Bytes> sources;
     const auto allocate = [&](size_t bytes) {
-        sources.emplace_back(bytes).fill(&in);
-        return sources.back().data();
+        return sources.emplace_back(pick_content(bytes, &in)).data();
     };
     planes.set_sources(src_gap, allocate, kernel.resizes);  // each resized plane has its own stride
     const auto &variant = kernel.variants[choice / all % kernel.variants.size()];

@@ -1,4 +1,4 @@
-// Shared by the fuzz targets: heap blocks of exact size, and a check.
+// Shared by the fuzz targets: contents of blocks, and a check.
 #ifndef TAVU_FUZZ_INPUT_H
 #define TAVU_FUZZ_INPUT_H
 
@@ -6,8 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
-#include <memory>
 
 #include "content.h"
 #include "values.h"
@@ -19,30 +17,13 @@ inline void require(bool ok) {
     if (!ok) abort();
 }
 
-// A heap block of exact size, so that sanitizers detect accesses past its end.
-class Block {
-  public:
-    explicit Block(size_t size, uint8_t value = 0xA5) : size_(size), data_(new uint8_t[size]) {
-        if (size > 0) memset(data(), value, size);
-    }
-    Block(const uint8_t *from, size_t size) : size_(size), data_(new uint8_t[size]) {
-        if (size > 0) memcpy(data(), from, size);
-    }
-    uint8_t *data() const { return data_.get(); }
-    char *text() const { return reinterpret_cast<char *>(data()); }
-    size_t size() const { return size_; }
-    bool operator==(const Block &other) const {
-        return size_ == other.size_ && (size_ == 0 || memcmp(data(), other.data(), size_) == 0);
-    }
-    void fill(Input *in) {
-        const int kind = in->byte() % CONTENTS;
-        const Bytes content = make_content(kind, size_, in->byte());
-        std::copy(content.begin(), content.end(), data());
-    }
+// Content that the input chooses. A vector of this size is a heap block of exact size, so that
+// sanitizers detect accesses past its end.
+inline Bytes pick_content(size_t size, Input *in) {
+    const int kind = in->byte() % CONTENTS;
+    return make_content(kind, size, in->byte());
+}
 
-  private:
-    size_t size_;
-    std::unique_ptr<uint8_t[]> data_;
-};
+inline char *text_of(Bytes &bytes) { return reinterpret_cast<char *>(bytes.data()); }
 
 #endif

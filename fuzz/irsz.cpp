@@ -17,8 +17,7 @@ Reference pick(const ResizeKernel &kernel, int32_t band, Input *in) {
     if (kind % 8 == 3) src_h = std::min(dst_h * (kind / 8), 60) + 1;
     if (kind % 8 == 4) dst_w *= 8;
     Reference r(kernel, {src_w, src_h, src_gap}, {dst_w, dst_h, dst_gap}, band, kind);
-    const int content = in->byte() % CONTENTS;
-    r.plane = make_content(content, r.plane.size(), in->byte());
+    r.plane = pick_content(r.plane.size(), in);
     return r;
 }
 

@@ -18,13 +18,11 @@ Sample *first_row(Sample *memory, int stride, int rows) {
 struct Picture {
     Picture(int columns, int rows, int choice, Input *in)
         : stride((choice / 80 % 2 ? -1 : 1) * (columns + choice % 40)),
-          memory(static_cast<size_t>((columns + choice % 40) * (rows - 1) + columns + choice % 16)),
-          at(first_row(memory.data() + choice % 16, stride, rows)) {
-        memory.fill(in);
-    }
+          memory(pick_content(plane_size(std::abs(stride), rows, columns + choice % 16), in)),
+          at(first_row(memory.data() + choice % 16, stride, rows)) {}
 
     int stride;
-    Block memory;
+    Bytes memory;
     const uint8_t *at;
 };
 
@@ -37,12 +35,11 @@ void check_kernel(const Kernel &kernel, const Area &area, size_t level, Input *i
     const Picture b(area.columns, area.rows, in->byte(), in);
     const int choice = in->byte(), step = area.width + choice % 21;
     const auto threshold = static_cast<int32_t>(in->word() % 200000) - 1;
-    const Block residuals[2] = {Block(plane_size(2 * step, area.rows, 2 * area.width)),
-                                Block(plane_size(2 * step, area.rows, 2 * area.width))};
+    Bytes residual(plane_size(2 * step, area.rows, 2 * area.width), 0xA5), wanted = residual;
     BlockCall call{a.at,       b.at,        a.stride,  b.stride,
                    area.width, area.height, threshold, choice & 64 ? -step : step};
-    const auto run = [&](auto *routine, const Block &residual) {
-        auto *samples = static_cast<int16_t *>(static_cast<void *>(residual.data()));
+    const auto run = [&](auto *routine, Bytes &diff) {
+        auto *samples = static_cast<int16_t *>(static_cast<void *>(diff.data()));
         call.diff = first_row(samples, call.stride_diff, area.rows);
         if constexpr (std::is_void_v<decltype(call.run(routine))>) {
             call.run(routine);
@@ -52,8 +49,8 @@ void check_kernel(const Kernel &kernel, const Area &area, size_t level, Input *i
         }
     };
     const auto &variant = kernel.variants[level % kernel.variants.size()];
-    require(run(variant.run, residuals[0]) == run(kernel.model, residuals[1]));
-    require(residuals[0] == residuals[1]);
+    require(run(variant.run, residual) == run(kernel.model, wanted));
+    require(residual == wanted);
 }
 
 template <class Kernel>

@@ -28,11 +28,11 @@ inline int replay(const std::vector<uint8_t> &pack) {
         size = pack[at] + size_t{256} * pack[at + 1];
         at += 2;
         require(size <= pack.size() - at);
-        const Block input(pack.data() + at, size);
+        Bytes input(pack.data() + at, pack.data() + at + size);
         LLVMFuzzerTestOneInput(input.data(), size);
         for (int i = 0; i < VARIANTS * static_cast<int>(size > 0); i++) {
             for (auto n = random() % 3 + 1; n > 0; n--) {
-                input.data()[random() % size] = static_cast<uint8_t>(random());
+                input[random() % size] = static_cast<uint8_t>(random());
             }
             LLVMFuzzerTestOneInput(input.data(), size);
         }

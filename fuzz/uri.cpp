@@ -1,5 +1,5 @@
 // URI parts and escaping, with buffers of exactly the size that the header requires.
-#include <vector>
+#include <array>
 
 #include "input.h"
 #include "tavu.h"
@@ -34,37 +34,38 @@ Parts split(Text text) {
     return parts;
 }
 
-void check_parts(const char *uri, Text text) {
+void check_parts(Text text) {
     const Parts wanted = split(text);
-    const Block parts[4] = {Block(text.size() + 2), Block(text.size() + 2), Block(text.size() + 2),
-                            Block(text.size() + 2)};
+    const char *const uri = text.data();
+    const Bytes out(text.size() + 2, 0xA5);
+    std::array<Bytes, 4> parts = {out, out, out, out};
     const char *rest = uri;
-    require(tavu_str_parse_uri(uri, parts[0].text(), parts[1].text(), parts[2].text(),
-                               parts[3].text(), &rest) == wanted.status);
-    for (int i = 0; i < 4; i++) {
+    require(tavu_str_parse_uri(uri, text_of(parts[0]), text_of(parts[1]), text_of(parts[2]),
+                               text_of(parts[3]), &rest) == wanted.status);
+    for (size_t i = 0; i < 4; i++) {
         const bool slash = i == 3 && wanted.slash_before;
-        require(!slash || *parts[i].text() == '/');
-        require(Text(parts[i].text() + slash) == wanted.part[i]);
+        require(!slash || parts[i][0] == '/');
+        require(Text(text_of(parts[i]) + slash) == wanted.part[i]);
     }
     require(rest == (wanted.rest == NONE ? nullptr : uri + wanted.rest));
 }
 
-void check_escaping(const char *src, Text text) {
+void check_escaping(Text text) {
     std::vector<char> wanted;
     for (const char c : text) {
         const Text coded = c == ' ' ? Text("%20") : Text(&c, 1);
         wanted.insert(wanted.end(), coded.begin(), coded.end());
     }
-    const Block escaped(3 * text.size() + 1);
-    const auto len = static_cast<size_t>(tavu_str_conv_a2uri(src, escaped.text()));
+    Bytes escaped(3 * text.size() + 1, 0xA5);
+    const auto len = static_cast<size_t>(tavu_str_conv_a2uri(text.data(), text_of(escaped)));
     wanted.push_back(0);
-    require(Text(escaped.text(), len + 1) == Text(wanted.data(), wanted.size()));
+    require(Text(text_of(escaped), len + 1) == Text(wanted.data(), wanted.size()));
 }
 
-// `src` has a byte after the zero if the text ends in "%".
-void check_unescaping(const Block &src, Text text) {
+// The zero is followed by a byte if the text ends in "%".
+void check_unescaping(Text text) {
     const auto digit = [&](size_t i) {
-        const uint8_t c = src.data()[i];
+        const char c = text.data()[i];
         return c >= '0' && c <= '9' ? c - '0' : 0;
     };
     std::vector<char> wanted;
@@ -74,9 +75,9 @@ void check_unescaping(const Block &src, Text text) {
         i += code ? 2 : 0;
     }
     wanted.push_back(0);
-    const Block plain(text.size() + 1);
-    const auto len = static_cast<size_t>(tavu_str_conv_uri2a(src.text(), plain.text()));
-    require(Text(plain.text(), len + 1) == Text(wanted.data(), wanted.size()));
+    Bytes plain(text.size() + 1, 0xA5);
+    const auto len = static_cast<size_t>(tavu_str_conv_uri2a(text.data(), text_of(plain)));
+    require(Text(text_of(plain), len + 1) == Text(wanted.data(), wanted.size()));
 }
 
 }  // namespace
@@ -84,12 +85,12 @@ void check_unescaping(const Block &src, Text text) {
 int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const auto length = static_cast<size_t>(std::find(data, data + size, 0) - data);
     const bool percent = length > 0 && data[length - 1] == '%';
-    Block src(length + (percent ? 2 : 1), '7');
+    Bytes src(length + (percent ? 2 : 1), '7');
     std::copy(data, data + length, src.data());
-    src.data()[length] = 0;
-    const Text text(src.text());
-    check_parts(src.text(), text);
-    check_escaping(src.text(), text);
-    check_unescaping(src, text);
+    src[length] = 0;
+    const Text text(text_of(src));
+    check_parts(text);
+    check_escaping(text);
+    check_unescaping(text);
     return 0;
 }

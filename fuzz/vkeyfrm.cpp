@@ -32,13 +32,13 @@ int hevc(const uint8_t *p, int n) {
     return type == 19 || type == 20;
 }
 
-int scan(int (*look)(const uint8_t *, int), const Block &unit, int n) {
+int scan(int (*look)(const uint8_t *, int), const Bytes &unit, int n) {
     int found = -1;
     for (int i = 0; i < n && found < 0; i++) found = look(unit.data() + i, n - i);
     return std::max(found, 0);
 }
 
-int expected(int32_t codec, const Block &unit, int n) {
+int expected(int32_t codec, const Bytes &unit, int n) {
     switch (codec) {
         case TAVU_MT_VID_MPEG4: return scan(mpeg4, unit, n);
         case TAVU_MT_VID_H263:
@@ -46,8 +46,8 @@ int expected(int32_t codec, const Block &unit, int n) {
         case TAVU_MT_VID_H264: return scan(h264, unit, n);
         case TAVU_MT_VID_HEVC: return scan(hevc, unit, n);
         case TAVU_MT_VID_WMV1:
-        case TAVU_MT_VID_DIV3: return unit.data()[0] < 64;
-        case TAVU_MT_VID_WMV2: return unit.data()[0] < 128;
+        case TAVU_MT_VID_DIV3: return unit[0] < 64;
+        case TAVU_MT_VID_WMV2: return unit[0] < 128;
         default: return codec == TAVU_MT_VID_HFYU;
     }
 }
@@ -63,8 +63,8 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     // Some codecs read a byte past the size.
     const bool h263 = codec == TAVU_MT_VID_H263 || codec == TAVU_MT_VID_H263X;
     const size_t n = lead + length, extra = h263 || n == 0 ? 1 : 0;
-    const Block unit(n + extra, static_cast<uint8_t>(lead % 2));
-    if (length > 0) memcpy(unit.data() + lead, content, length);
+    Bytes unit(n + extra, static_cast<uint8_t>(lead % 2));
+    std::copy_n(content, length, unit.data() + lead);
     const int wanted = expected(codec, unit, static_cast<int>(n));
     for (const auto &side : sides) {
         require(side.run(codec, unit.data(), static_cast<int32_t>(n)) == wanted);

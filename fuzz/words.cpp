@@ -7,12 +7,6 @@ namespace {
 
 constexpr Text WHITE = " \t\r\n";
 
-// Converts a scanner's results to a cut; `next` points into the string.
-Cut found(const char *str, int32_t status, int32_t len, const char *next) {
-    return {status, static_cast<size_t>(len),
-            next == nullptr ? NONE : static_cast<size_t>(next - str)};
-}
-
 size_t end_of_word(Text text) {
     const size_t word = text.find_first_not_of(WHITE);
     if (text.size() == 1) return 0;
@@ -35,11 +29,11 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const auto delim = static_cast<char>(in.byte());
     const auto [head, head_size] = in.bytes(in.byte() % 4);
     const auto [body, body_size] = in.bytes(1000);
-    Block delims(head_size + 1, 0), copy(body_size + 1, 0);
-    memcpy(delims.data(), head, head_size);
-    memcpy(copy.data(), body, body_size);
-    const char *str = copy.text();
-    const Text text(str), word_delim(delims.text());
+    Bytes delims(head_size + 1), copy(body_size + 1);
+    std::copy_n(head, head_size, delims.data());
+    std::copy_n(body, body_size, copy.data());
+    const char *const str = text_of(copy);
+    const Text text(str), word_delim(text_of(delims));
     const auto at = [str](const char *p) {
         return p == nullptr ? NONE : static_cast<size_t>(p - str);
     };
@@ -51,11 +45,12 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     require(at(tavu_str_move_to_nextl(str)) == end_of_line(text));
     int32_t len = 0;
     const char *next = nullptr;
-    int32_t status = tavu_str_parse_by_ctok(str, delim, &len, &next);
-    require(found(str, status, len, next) == cut_by_byte(text, delim));
-    status = tavu_str_parse_by_stok(str, delims.text(), &len, &next);
-    require(found(str, status, len, next) == cut_by_string(text, word_delim));
-    status = tavu_str_parse_one_line(str, &len, &next);
-    require(found(str, status, len, next) == cut_line(text));
+    const auto piece = [&](int32_t status) {
+        return Cut{status, static_cast<size_t>(len), at(next)};
+    };
+    require(piece(tavu_str_parse_by_ctok(str, delim, &len, &next)) == cut_by_byte(text, delim));
+    require(piece(tavu_str_parse_by_stok(str, text_of(delims), &len, &next)) ==
+            cut_by_string(text, word_delim));
+    require(piece(tavu_str_parse_one_line(str, &len, &next)) == cut_line(text));
     return 0;
 }

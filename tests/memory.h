@@ -69,15 +69,15 @@ class GuardedBytes {
 
 // While an object exists, allocation number `fail_at` (from 0) by malloc or calloc returns null. It
 // counts all allocations and those not freed, and records the size of the last one.
-class FailingAllocations {
-  public:
-    explicit FailingAllocations(int fail_at);
+struct FailingAllocations {
+    explicit FailingAllocations(int number) : fail_at(number) { active = this; }
     FailingAllocations(const FailingAllocations &) = delete;
     FailingAllocations &operator=(const FailingAllocations &) = delete;
-    ~FailingAllocations();
-    int count() const;
-    int kept() const;
-    uint64_t bytes() const;
+    ~FailingAllocations() { active = nullptr; }
+
+    int fail_at, count = 0, kept = 0;
+    uint64_t bytes = 0;
+    inline static FailingAllocations *active = nullptr;
 };
 
 #endif

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <initializer_list>
+#include <string>
 
 #include "memory.h"
 #include "tavu.h"
@@ -19,74 +19,54 @@ int32_t is_key(int32_t codec, const Bytes &unit) {
     return key;
 }
 
-struct Case {
-    Bytes unit;
-    int32_t key;
-};
-
-void expect(int32_t codec, std::initializer_list<Case> cases) {
-    int i = 0;
-    for (const Case &c : cases) EXPECT_EQ(is_key(codec, c.unit), c.key) << "case " << i++;
+Bytes from_hex(const std::string &text) {
+    Bytes bytes(text.size() / 2);
+    for (size_t i = 0; i < bytes.size(); i++) {
+        bytes[i] = static_cast<uint8_t>(std::stoi(text.substr(2 * i, 2), nullptr, 16));
+    }
+    return bytes;
 }
 
+using Units = std::initializer_list<std::string>;
+
+void expect(int32_t codec, const Units &key, const Units &other) {
+    for (const std::string &unit : key) EXPECT_EQ(is_key(codec, from_hex(unit)), 1) << unit;
+    for (const std::string &unit : other) EXPECT_EQ(is_key(codec, from_hex(unit)), 0) << unit;
+}
+
+// Bit 7 of the byte after a start code is not part of the type.
 TEST(Vkeyfrm, H264FindsTheFirstSlice) {
-    expect(TAVU_MT_VID_H264, {{{0, 0, 1, 0x67, 9, 0, 0, 1, 0x68, 9, 0, 0, 1, 0x65}, 1},
-                              {{0, 0, 0, 1, 0x09, 0x10, 0, 0, 0, 1, 0x25}, 1},
-                              {{0, 0, 1, 0x41}, 0},
-                              {{0, 0, 1, 0x85}, 1},  // bit 7 is not part of the type
-                              {{0, 0, 1, 0xE1, 0, 0, 1, 0x65}, 0},
-                              {{0, 0, 1, 0x41, 0, 0, 1, 0x65}, 0},
-                              {{0, 0, 1, 0x67, 0, 0, 2, 0x65, 0, 1, 0x65}, 0},
-                              {{}, 0}});
+    expect(TAVU_MT_VID_H264, {"0000016709000001680900000165", "0000000109100000000125", "00000185"},
+           {"00000141", "000001E100000165", "0000014100000165", "0000016700000265000165", ""});
 }
 
 TEST(Vkeyfrm, HevcIsDecidedByTheFirstUnitEvenAParameterSet) {
-    expect(TAVU_MT_VID_HEVC, {{{9, 0, 0, 0, 1, 0x28}, 1},
-                              {{0, 0, 1, 0x24}, 0},
-                              {{0, 0, 1, 0x2A}, 0},
-                              {{0, 0, 1, 0xA6}, 1},
-                              {{0, 0, 1, 0x40, 1, 0, 0, 1, 0x26, 1}, 0}});
+    expect(TAVU_MT_VID_HEVC, {"090000000128", "000001A6"},
+           {"00000124", "0000012A", "00000140010000012601"});
 }
 
+// A short header of extended type is skipped.
 TEST(Vkeyfrm, Mpeg4LooksForAVopOrAShortHeader) {
-    expect(TAVU_MT_VID_MPEG4, {{{0, 0, 1, 0xB6, 0x50}, 0},
-                               {{0, 0, 1, 0xB6, 0x90}, 0},
-                               {{0, 0, 1, 0xB0, 1, 0, 0, 1, 0xB6, 0x3F}, 1},
-                               {{0, 0, 1, 0xB6, 0x50, 0, 0, 1, 0xB6, 0x10}, 0},
-                               {{0, 0, 0x80, 2, 0x08}, 1},
-                               {{0, 0, 0x83, 2, 0x0A}, 0},
-                               {{0, 0, 0x80, 1, 0x08}, 0},
-                               {{0, 0, 0x84, 2, 0x08}, 0},
-                               // A short header of extended type is skipped.
-                               {{0, 0, 0x80, 2, 0x1E, 0, 0, 1, 0xB6, 0x10}, 1}});
+    expect(TAVU_MT_VID_MPEG4, {"000001B001000001B63F", "0000800208", "000080021E000001B610"},
+           {"000001B650", "000001B690", "000001B650000001B610", "000083020A", "0000800108",
+            "0000840208"});
 }
 
 TEST(Vkeyfrm, H263ReadsThePictureType) {
     for (int32_t codec : {TAVU_MT_VID_H263, TAVU_MT_VID_H263X}) {
-        expect(codec, {{{0, 0, 0x80, 2, 0x0A, 0, 0}, 0},
-                       {{0, 0, 0x82, 3, 0x08, 0, 0}, 0},
-                       {{7, 0, 0, 0x81, 6, 0x08, 0, 0}, 1},
-                       {{0, 0, 0x84, 2, 0x08, 0, 0}, 0},
-                       // Extended types: update indicator 0, 1 (bit 7 of the sixth byte) and 2.
-                       {{0, 0, 0x80, 2, 0x1C, 0x0F, 0, 0x1C}, 1},
-                       {{0, 0, 0x80, 2, 0x1C, 0x10, 0, 0}, 0},
-                       {{0, 0, 0x80, 2, 0x1C, 0x40, 0, 0}, 0},
-                       {{0, 0, 0x80, 2, 0x1C, 0xF0, 0, 0xE3}, 1},
-                       {{0, 0, 0x80, 2, 0x1C, 0x80, 0, 0x04}, 0},
-                       {{0, 0, 0x80, 2, 0x1C, 0x80, 0, 0x10}, 0},
-                       {{0, 0, 0x80, 2, 0x1D, 0x0F, 0, 0x1C}, 1},
-                       {{0, 0, 0x80, 2, 0x1D, 0x80, 0, 0x1C}, 1}});
+        expect(codec, {"0700008106080000"}, {"000080020A0000", "00008203080000", "00008402080000"});
+        // Extended types: update indicator 0, 1 (bit 7 of the sixth byte) and 2.
+        expect(codec,
+               {"000080021C0F001C", "000080021CF000E3", "000080021D0F001C", "000080021D80001C"},
+               {"000080021C100000", "000080021C400000", "000080021C800004", "000080021C800010"});
     }
     // With the optional part the picture type may be one byte past the end of a 7-byte unit.
-    const uint8_t unit[] = {0, 0, 0x80, 2, 0x1C, 0x80, 0, 0x04};
-    EXPECT_EQ(tavu_is_vkeyfrm(TAVU_MT_VID_H263, unit, 7), 0);
+    EXPECT_EQ(tavu_is_vkeyfrm(TAVU_MT_VID_H263, from_hex("000080021C800004").data(), 7), 0);
 }
 
 TEST(Vkeyfrm, PictureTypeInTheFirstByte) {
-    for (int32_t codec : {TAVU_MT_VID_WMV1, TAVU_MT_VID_DIV3}) {
-        expect(codec, {{{63}, 1}, {{64}, 0}, {{0xFF}, 0}});
-    }
-    expect(TAVU_MT_VID_WMV2, {{{127}, 1}, {{128}, 0}});
+    for (int32_t codec : {TAVU_MT_VID_WMV1, TAVU_MT_VID_DIV3}) expect(codec, {"3F"}, {"40", "FF"});
+    expect(TAVU_MT_VID_WMV2, {"7F"}, {"80"});
 }
 
 TEST(Vkeyfrm, CodecsAndSizesThatAreAlwaysOrNeverKeys) {
