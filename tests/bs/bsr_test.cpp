@@ -11,72 +11,67 @@
 namespace {
 
 struct Call {
-    int op, n, most;
+    int op, n;
     int64_t value;
     int left;  // bits in the cache afterwards
+    int most = 0;
 };
-struct Example {
-    const char *what;
-    Bytes data;  // fills its heap block, so that sanitizers see a read past the end
-    std::vector<Call> calls;
-};
-
-// The limit of a truncated run is twice `n`.
-const Example EXAMPLES[] = {
-    {"Nothing to read",
-     {},
-     {{READ, 1, 0, -1, 0}, {UE, 0, 0, -2, 0}, {SE, 0, 0, 1, 0}, {UN, 0, 0, 0, -1}}},
-    {"Missing bits read as zeros and are owed; the next read that needs a refill fails",
-     {0xAB},
-     {{READ, 12, 0, 0xAB0, -4}, {READ1, 0, 0, 0, -5}, {READ, 1, 0, -1, 0}}},
-    {"A whole word", {0x12, 0x34, 0x56, 0x78}, {{READ, 32, 0, 0x12345678, 0}, {READ, 1, 0, -1, 0}}},
-    {"A peek borrows from the next byte without loading it",
-     {0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC},
-     {{SKIP, 4, 0, 0, 28}, {PEEK, 32, 0, 0x23456789, 28}, {READ, 32, 0, 0x23456789, 12}}},
-    {"A peek that finds no next byte leaves the cache as it was",
-     {0xF1},
-     {{SKIP, 4, 0, 0, 4}, {PEEK, 8, 0, 0x10, 4}, {READ, 4, 0, 1, 0}}},
-    {"Alignment drops the rest of a byte, or returns it and its length",
-     {0xFF, 0x80, 0x01},
-     {{SKIP, 5, 0, 0, 19},
-      {READ_ALIGN8, 0, 0, 0x307, 16},
-      {SKIP, 1, 0, 0, 15},
-      {ALIGN8, 0, 0, 0, 8}}},
-    {"Truncated Exp-Golomb codes of small ranges",
-     {0x40},
-     {{TE, 0, 0, 0, 0}, {TE, 0, -1, 0, 0}, {TE, 0, 1, 1, 7}, {TE, 0, 1, 0, 6}}},
-    {"Unary runs",
-     {0x5B, 0xFE, 0x80},
-     {{UN, 0, 0, 0, 23}, {UN, 0, 0, 1, 21}, {UN, 0, 0, 2, 18}, {UN, 0, 0, 9, 8}}},
-    {"A run that fills the cache takes its 0 from the empty position after it",
-     {0, 0, 0, 3, 0xE0, 0, 0, 0, 0},
-     {{SKIP, 30, 0, 0, 2}, {UN, 0, 0, 2, -1}, {READ, 4, 0, 0x1C, 27}}},
-    {"A full cache is dropped and counted as 32 ones, whatever it holds",
-     {0, 0, 0, 0, 0xC0},
-     {{PEEK, 32, 0, 0, 32}, {UN, 0, 0, 34, 5}}},
-    {"Truncated unary runs",
-     {0xF7, 0xC0, 0x40},
-     {{TU, 2, 0, 4, 19}, {TU, 2, 0, 4, 15}, {TU, 2, 0, 1, 13}, {TU, 2, 0, 0, 12}}},
-    {"A full cache that holds the limit is consumed unexamined",
-     {0, 0, 0, 0, 0xF0, 0, 0, 0},
-     {{PEEK, 32, 0, 0, 32}, {TU, 2, 0, 4, 28}, {TU, 0, 0, 0, 28}}},
-    {"A full cache that does not counts as ones",
-     {0, 0, 0, 0, 0xF0, 0, 0, 0},
-     {{PEEK, 32, 0, 0, 32}, {TU, 20, 0, 36, 27}}},
-    {"With more ones than the limit, as many bits of the new cache are consumed",
-     {0, 0, 0, 0, 0xFF, 0xFF, 0, 0},
-     {{PEEK, 32, 0, 0, 32}, {TU, 17, 0, 34, -2}}}};
-
-TEST(Bsr, WorkedExamples) {
-    for (const Example &e : EXAMPLES) {
-        tavu_bsr_t r;
-        tavu_bsr_init(&r, e.data.data(), static_cast<int32_t>(e.data.size()), nullptr);
-        for (const Call &c : e.calls) {
-            const auto value = static_cast<uint32_t>(c.value);
-            EXPECT_EQ(operate(&r, c.op, c.n, c.most), value) << e.what << ": " << c.op;
-            EXPECT_EQ(r.leftbits, c.left) << e.what << ": " << c.op;
-        }
+// Checks calls on a reader. The data fills its heap block, so that sanitizers see a read past the end.
+void expect_calls(const Bytes &data, const std::vector<Call> &calls) {
+    SCOPED_TRACE(testing::PrintToString(data));
+    tavu_bsr_t r;
+    tavu_bsr_init(&r, data.data(), static_cast<int32_t>(data.size()), nullptr);
+    for (const Call &c : calls) {
+        EXPECT_EQ(operate(&r, c.op, c.n, c.most), static_cast<uint32_t>(c.value)) << c.op;
+        EXPECT_EQ(r.leftbits, c.left) << c.op;
     }
+}
+
+TEST(Bsr, MissingBits) {
+    expect_calls({}, {{READ, 1, -1, 0}, {UE, 0, -2, 0}, {SE, 0, 1, 0}, {UN, 0, 0, -1}});
+    // They read as zeros and are owed; the next read that needs a refill fails.
+    expect_calls({0xAB}, {{READ, 12, 0xAB0, -4}, {READ1, 0, 0, -5}, {READ, 1, -1, 0}});
+    expect_calls({0x12, 0x34, 0x56, 0x78}, {{READ, 32, 0x12345678, 0}, {READ, 1, -1, 0}});
+}
+
+TEST(Bsr, PeekBorrowsFromTheNextByteWithoutLoadingIt) {
+    expect_calls({0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC},
+                 {{SKIP, 4, 0, 28}, {PEEK, 32, 0x23456789, 28}, {READ, 32, 0x23456789, 12}});
+    // If there is no next byte, the cache stays as it was.
+    expect_calls({0xF1}, {{SKIP, 4, 0, 4}, {PEEK, 8, 0x10, 4}, {READ, 4, 1, 0}});
+}
+
+TEST(Bsr, AlignmentDropsTheRestOfAByteOrReturnsItAndItsLength) {
+    expect_calls(
+        {0xFF, 0x80, 0x01},
+        {{SKIP, 5, 0, 19}, {READ_ALIGN8, 0, 0x307, 16}, {SKIP, 1, 0, 15}, {ALIGN8, 0, 0, 8}});
+}
+
+TEST(Bsr, TruncatedExpGolombCodesOfSmallRanges) {
+    expect_calls({0x40}, {{TE, 0, 0, 0}, {TE, 0, 0, 0, -1}, {TE, 0, 1, 7, 1}, {TE, 0, 0, 6, 1}});
+}
+
+TEST(Bsr, UnaryRuns) {
+    expect_calls({0x5B, 0xFE, 0x80},
+                 {{UN, 0, 0, 23}, {UN, 0, 1, 21}, {UN, 0, 2, 18}, {UN, 0, 9, 8}});
+    // A run that fills the cache takes its 0 from the empty position after it.
+    expect_calls({0, 0, 0, 3, 0xE0, 0, 0, 0, 0},
+                 {{SKIP, 30, 0, 2}, {UN, 0, 2, -1}, {READ, 4, 0x1C, 27}});
+    // A full cache is dropped and counted as 32 ones, whatever it holds.
+    expect_calls({0, 0, 0, 0, 0xC0}, {{PEEK, 32, 0, 32}, {UN, 0, 34, 5}});
+}
+
+// The limit is twice `n`.
+TEST(Bsr, TruncatedUnaryRuns) {
+    expect_calls({0xF7, 0xC0, 0x40},
+                 {{TU, 2, 4, 19}, {TU, 2, 4, 15}, {TU, 2, 1, 13}, {TU, 2, 0, 12}});
+    // A full cache that holds the limit is consumed unexamined.
+    const Bytes ones_at_32 = {0, 0, 0, 0, 0xF0, 0, 0, 0};
+    expect_calls(ones_at_32, {{PEEK, 32, 0, 32}, {TU, 2, 4, 28}, {TU, 0, 0, 28}});
+    // A full cache that does not counts as ones.
+    expect_calls(ones_at_32, {{PEEK, 32, 0, 32}, {TU, 20, 36, 27}});
+    // With more ones than the limit, as many bits of the new cache are consumed.
+    expect_calls({0, 0, 0, 0, 0xFF, 0xFF, 0, 0}, {{PEEK, 32, 0, 32}, {TU, 17, 34, -2}});
 }
 
 // A peek also requests the bytes of the owed bits (a negative leftbits): 8 after a code of zeros,

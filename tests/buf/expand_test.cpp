@@ -10,13 +10,9 @@ namespace {
 
 // A w x h picture with `pad` samples of padding on every side, all random.
 struct Plane {
-    Plane(int32_t width, int32_t height, int32_t padding)
-        : w(width),
-          h(height),
-          pad(padding),
-          stride(w + 2 * pad),
-          before(random_bytes(static_cast<size_t>(stride * (h + 2 * pad)), 3)),
-          memory(before) {}
+    int32_t w, h, pad, stride = w + 2 * pad;
+    Bytes before = random_bytes(static_cast<size_t>(stride * (h + 2 * pad)), 3);
+    GuardedBytes memory{before};
 
     // The expected result: every sample is the nearest one of the picture.
     Bytes replicated() const {
@@ -28,10 +24,6 @@ struct Plane {
         }
         return bytes;
     }
-
-    int32_t w, h, pad, stride;
-    Bytes before;
-    GuardedBytes memory;
 };
 
 // Chroma is treated as 4:2:0 in every layout, so the strips of larger chroma planes are inside the
