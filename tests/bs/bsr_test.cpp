@@ -16,14 +16,19 @@ struct Call {
     int left;  // bits in the cache afterwards
     int most = 0;
 };
-// Checks calls on a reader. The data fills its heap block, so that sanitizers see a read past the end.
+// Checks calls on a reader and on the model. The data fills its heap block, so that sanitizers see a
+// read past the end.
 void expect_calls(const Bytes &data, const std::vector<Call> &calls) {
     SCOPED_TRACE(testing::PrintToString(data));
     tavu_bsr_t r;
-    tavu_bsr_init(&r, data.data(), static_cast<int32_t>(data.size()), nullptr);
+    ReaderModel m{data.data(), static_cast<int>(data.size()), nullptr};
+    tavu_bsr_init(&r, m.data, m.size, nullptr);
     for (const Call &c : calls) {
-        EXPECT_EQ(operate(&r, c.op, c.n, c.most), static_cast<uint32_t>(c.value)) << c.op;
+        const auto value = static_cast<uint32_t>(c.value);
+        EXPECT_EQ(operate(&r, c.op, c.n, c.most), value) << c.op;
+        EXPECT_EQ(operate(&m, c.op, c.n, c.most), value) << c.op;
         EXPECT_EQ(r.leftbits, c.left) << c.op;
+        EXPECT_EQ(r.cur - r.beg, m.loaded) << c.op;
     }
 }
 
@@ -98,46 +103,35 @@ TEST(Bsr, HostileBytesRaiseThePeekRequestWithoutBound) {
 
 // A run of ones to the end of the first word leaves the first bit of the second one owed.
 TEST(Bsr, OwedBitsAffectEachFunctionAsDocumented) {
-    struct {
-        uint32_t word;
-        int op, n, most;
-        uint32_t value;
-        int moved;  // number of bits of the second word that are consumed
-    } const cases[] = {
-        {0x60000000, READ, 4, 0, 0xC, 5},  // the owed bit is above the requested ones
-        {0xE0000000, READ, 4, 0, 0x1C, 5},
-        {0xE0000000, READ, 0, 0, 1, 1},
-        {0xE0000001, READ, 31, 0, 0xE0000001, 32},
-        {0xE0000001, READ, 32, 0, 0, 33},  // more than a word, so its value is lost
-        {0xE0000000, READ1, 0, 0, 0, 2},   // the bit is not examined
-        {0x00000000, TE, 0, 1, 1, 2},
-        {0x60000000, SKIP, 0, 0, 0, 1},
-        {0x60000000, SKIP_PEEK, 3, 0, 6, 1},
-        {0x60000000, SKIP_PEEK, 3, 1, 4, 2},
-        {0xFFFFFFFF, PEEK, 8, 0, 0, 1},  // the word becomes zeros
-        {0xFFFFFFFF, ALIGN8, 0, 0, 0, 8},
-        {0xFFFFFFFF, READ_ALIGN8, 0, 0, 7 * 256, 8},
-        {0x20000000, UE, 0, 0, 1, 4},  // correct if the owed bit and the next are 0
-        {0x10000000, SE, 0, 0, 2, 6},
-        {0x60000000, UE, 0, 0, 0, 1},           // the code is not consumed
-        {0xA0000000, UE, 0, 0, UINT32_MAX, 0},  // nothing is consumed
-        {0xA0000000, SE, 0, 0, 0, 0},
-        {0xD0000000, UN, 0, 0, 1, 3},  // correct if the owed bit is 1
-        {0x60000000, UN, 0, 0, UINT32_MAX, 1},
-        {0xD0000000, TU, 1, 0, 1, 3},
-        {0x60000000, TU, 1, 0, UINT32_MAX, 1},
-        {0xF8000000, TU, 1, 0, 2, 2},  // the owed bit counts as one of `max`
+    const std::pair<uint32_t, Call> cases[] = {
+        {0x60000000, {READ, 4, 0xC, 27}},  // the owed bit is above the requested ones
+        {0xE0000000, {READ, 4, 0x1C, 27}},
+        {0xE0000000, {READ, 0, 1, 31}},
+        {0xE0000001, {READ, 31, 0xE0000001, 0}},
+        {0xE0000001, {READ, 32, 0, -1}},  // more than a word, so its value is lost
+        {0xE0000000, {READ1, 0, 0, -2}},  // the bit is not examined
+        {0x00000000, {TE, 0, 1, -2, 1}},
+        {0x60000000, {SKIP, 0, 0, 31}},
+        {0x60000000, {SKIP_PEEK, 3, 6, 31}},
+        {0x60000000, {SKIP_PEEK, 3, 4, 30, 1}},
+        {0xFFFFFFFF, {PEEK, 8, 0, 31}},  // the word becomes zeros
+        {0xFFFFFFFF, {ALIGN8, 0, 0, -8}},
+        {0xFFFFFFFF, {READ_ALIGN8, 0, 7 * 256, -8}},
+        {0x20000000, {UE, 0, 1, 28}},  // correct if the owed bit and the next are 0
+        {0x10000000, {SE, 0, 2, 26}},
+        {0x60000000, {UE, 0, 0, 31}},           // the code is not consumed
+        {0xA0000000, {UE, 0, UINT32_MAX, 32}},  // nothing is consumed
+        {0xA0000000, {SE, 0, 0, 32}},
+        {0xD0000000, {UN, 0, 1, 29}},  // correct if the owed bit is 1
+        {0x60000000, {UN, 0, UINT32_MAX, 31}},
+        {0xD0000000, {TU, 1, 1, 29}},
+        {0x60000000, {TU, 1, UINT32_MAX, 31}},
+        {0xF8000000, {TU, 1, 2, 30}},  // the owed bit counts as one of the limit
     };
-    for (const auto &c : cases) {
+    for (const auto &[word, call] : cases) {
         Bytes data(12, 0xFF);
-        for (size_t i = 0; i < 4; i++) data[4 + i] = static_cast<uint8_t>(c.word >> (24 - 8 * i));
-        tavu_bsr_t r;
-        tavu_bsr_init(&r, data.data(), 12, nullptr);
-        tavu_bsr_read1(&r);
-        ASSERT_EQ(tavu_bsr_read_un(&r), 31);
-        ASSERT_EQ(r.leftbits, -1);
-        EXPECT_EQ(operate(&r, c.op, c.n, c.most), c.value) << c.op << ' ' << c.n;
-        EXPECT_EQ((r.cur - r.beg) * 8 - r.leftbits, 32 + c.moved) << c.op << ' ' << c.n;
+        for (size_t i = 0; i < 4; i++) data[4 + i] = static_cast<uint8_t>(word >> (24 - 8 * i));
+        expect_calls(data, {{READ1, 0, 1, 31}, {UN, 0, 31, -1}, call});
     }
 }
 

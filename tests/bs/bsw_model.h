@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 #include "bits.h"
@@ -61,6 +62,7 @@ struct WriterModel {
         free_bits = left;
         return 0;
     }
+    int write_code(uint32_t v) { return write(v + 1, static_cast<int>(exp_golomb(v).size())); }
     int write1(int bit) {
         free_bits--;
         insert(bit & 1, 1, 31 - (free_bits & 0xFF));
@@ -102,36 +104,25 @@ struct Code {
         const auto magnitude = static_cast<uint32_t>(std::abs(number()));
         return kind == SE ? 2 * magnitude - (number() > 0 ? 1 : 0) : value;
     }
-    int32_t write(tavu_bsw_t *w) const {
-        int32_t result = 0;
+    // Writes to both; returns both results.
+    std::pair<int32_t, int32_t> write(tavu_bsw_t *w, WriterModel *m) const {
         switch (kind) {
-            case FIXED: return tavu_bsw_write(w, value, length);
-            case UE: return tavu_bsw_write_ue(w, value);
-            case SE: return tavu_bsw_write_se(w, number());
-            case TE: return tavu_bsw_write_te(w, number(), range());
-            case SINK: return tavu_bsw_sink(w);
-            case DEINIT: return tavu_bsw_deinit(w);
-            default:
-                // Only bit 0 is written.
-                for (int i = 0; i < length; i++) result |= tavu_bsw_write1(w, number() + 2);
-                return result;
-        }
-    }
-    int32_t write(WriterModel *m) const {
-        int32_t result = 0;
-        switch (kind) {
-            case FIXED: return m->write(value, length);
-            case SINK: return m->sink();
-            case DEINIT: return m->spill();
-            case UE:
-            case SE:
+            case FIXED: return {tavu_bsw_write(w, value, length), m->write(value, length)};
+            case UE: return {tavu_bsw_write_ue(w, value), m->write_code(index())};
+            case SE: return {tavu_bsw_write_se(w, number()), m->write_code(index())};
             case TE:
-                if (kind == TE && value < 2) return m->write1(1 - number());
-                return m->write(index() + 1, static_cast<int>(exp_golomb(index()).size()));
-            default:
-                for (int i = 0; i < length; i++) result |= m->write1(number());
-                return result;
+                return {tavu_bsw_write_te(w, number(), range()),
+                        value < 2 ? m->write1(1 - number()) : m->write_code(index())};
+            case SINK: return {tavu_bsw_sink(w), m->sink()};
+            case DEINIT: return {tavu_bsw_deinit(w), m->spill()};
+            default: break;
         }
+        std::pair<int32_t, int32_t> results;
+        for (int i = 0; i < length; i++) {
+            results.first |= tavu_bsw_write1(w, number() + 2);  // only bit 0 is written
+            results.second |= m->write1(number());
+        }
+        return results;
     }
     bool read(tavu_bsr_t *r) const {
         bool same = true;
@@ -166,8 +157,8 @@ inline bool writer_equals_model(Input in) {
         const Code code = next_code(&codes);
         const size_t spilt = m.written.size() + static_cast<size_t>(std::max(m.pending(), 0));
         if (code.kind == Code::DEINIT && spilt > memory.size()) continue;
-        const int32_t result = code.write(&w);
-        if (result != code.write(&m) || !m.equals(w)) return false;
+        const auto [result, wanted] = code.write(&w, &m);
+        if (result != wanted || !m.equals(w)) return false;
         fits = fits && result == 0 && code.kind < Code::SINK;
     }
     m.written.resize(memory.size(), GuardedBytes::CANARY);

@@ -113,18 +113,15 @@ TEST(Expand, RowsAreRoundedUpToEightForNarrowColumns) {
 TEST(Expand, ColumnsOfAnyWidth) {
     for (const int32_t width : {-1, 0, 1, 8, 13, 16, 24, 32, 40, 80}) {
         for (const int32_t rows : {-1, 0, 1, 3, 4}) {
-            const int32_t w = std::max(width, 0), stride = w + 2;
-            const size_t size = rows < 1 ? 0 : static_cast<size_t>((rows - 1) * stride + w);
+            const auto w = static_cast<size_t>(std::max(width, 0)), stride = w + 2;
             const Bytes column = random_bytes(5 * 90, 6);
-            GuardedBytes dst(size);
+            GuardedBytes dst(rows < 1 ? 0 : static_cast<size_t>(rows - 1) * stride + w);
             Bytes expected = dst.bytes();
-            for (int32_t i = 0; i < static_cast<int32_t>(size); i++) {
-                if (i % stride < w) {
-                    expected[static_cast<size_t>(i)] =
-                        column[static_cast<size_t>(i / stride * stride)];
-                }
+            for (size_t i = 0; i < expected.size(); i++) {
+                if (i % stride < w) expected[i] = column[i / stride * stride];
             }
-            tavu_imgb_expand_ver(column.data(), dst.data(), rows, stride, width);
+            tavu_imgb_expand_ver(column.data(), dst.data(), rows, static_cast<int32_t>(stride),
+                                 width);
             EXPECT_EQ(dst.bytes(), expected) << width << ' ' << rows;
             EXPECT_TRUE(dst.front_is_intact());
         }

@@ -2,7 +2,6 @@
 
 #include <memory>
 
-#include "memory.h"
 #include "recorder.h"
 #include "tavu.h"
 

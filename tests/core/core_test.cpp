@@ -1,20 +1,17 @@
 #include <gtest/gtest.h>
 
-#include "memory.h"
-#include "tavu.h"
+#include <cstring>
 
-namespace {
+#include "tavu.h"
 
 TEST(Alloc, BlocksAreAlignedAndWhollyUsable) {
     for (uint32_t size = 0; size < 200; size++) {
-        auto *plain = static_cast<uint8_t *>(tavu_malloc_align32(size));
-        auto *fast = static_cast<uint8_t *>(tavu_malloc_fast_align32(size));
-        ASSERT_NE(plain, nullptr);
-        ASSERT_NE(fast, nullptr);
-        EXPECT_EQ(reinterpret_cast<uintptr_t>(plain) % 32, 0U);
-        EXPECT_EQ(reinterpret_cast<uintptr_t>(fast) % 32, 0U);
-        memset(plain, 0xFF, size);
-        memset(fast, 0xFF, size);
+        void *const plain = tavu_malloc_align32(size), *const fast = tavu_malloc_fast_align32(size);
+        for (void *const block : {plain, fast}) {
+            ASSERT_NE(block, nullptr);
+            EXPECT_EQ(reinterpret_cast<uintptr_t>(block) % 32, 0U);
+            memset(block, 0xFF, size);
+        }
         tavu_mfree_fast_align32(plain);  // the pairs are interchangeable
         tavu_mfree_align32(fast);
     }
@@ -56,5 +53,3 @@ TEST(Sync, WaitReturnsImmediatelyIfTheWordDecides) {
     EXPECT_EQ(tavu_sync_wake(&word, -1), 0);
     for (int32_t value : {7, -1}) EXPECT_EQ(tavu_sync_wait(&word, value), TAVU_ERR);
 }
-
-}  // namespace

@@ -4,8 +4,6 @@
 
 #include "tavu.h"
 
-namespace {
-
 TEST(Lookup, FindsExactlyTheSupportedPairs) {
     struct {
         int32_t src, dst;
@@ -54,5 +52,3 @@ TEST(Lookup, TablesHaveTheRoutinesThatTheLookupDoesNotReturn) {
               11);
     EXPECT_EQ(std::count(tavu_tbl_fn_csc_to_rgb, tavu_tbl_fn_csc_to_rgb + 40, nullptr), 20);
 }
-
-}  // namespace

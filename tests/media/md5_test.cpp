@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <memory>
 #include <string>
 
 #include "memory.h"
@@ -97,35 +98,33 @@ struct Region {
     int first, rows, bytes;
 };
 
-// An image buffer whose whole payload is filled, including the padding.
-struct Picture {
-    Picture(int w, int h, int cs, const uint32_t *pad = nullptr)
-        : image(tavu_imgb_create(w, h, cs, 0, nullptr, pad, nullptr, nullptr, nullptr)) {
-        for (int i = 0; i < image->size; i++) image->base[0][i] = static_cast<uint8_t>(i * 11 + 3);
-    }
-    ~Picture() { image->release(image); }
-    Picture(const Picture &) = delete;
-    Picture &operator=(const Picture &) = delete;
+using Image = std::unique_ptr<tavu_imgb_t, decltype(tavu_imgb_t::release)>;
 
-    std::string digest() const {
-        uint8_t out[16];
-        EXPECT_EQ(tavu_md5_imgb(image, out), TAVU_OK);
-        return hex(out);
-    }
-    // The bytes that should be hashed; both chroma planes have the same region.
-    std::string bytes(const Region &luma, const Region &chroma) const {
-        std::string text;
-        for (int plane = 0; plane < 3; plane++) {
-            const Region &region = plane == 0 ? luma : chroma;
-            for (int r = region.first; r < region.first + region.rows; r++) {
-                const auto *row = image->addr[plane] + r * image->stride[plane];
-                text.append(row, row + region.bytes);
-            }
+// An image buffer whose whole payload is filled, including the padding.
+Image picture(int w, int h, int cs, const uint32_t *pad = nullptr) {
+    tavu_imgb_t *image = tavu_imgb_create(w, h, cs, 0, nullptr, pad, nullptr, nullptr, nullptr);
+    for (int i = 0; i < image->size; i++) image->base[0][i] = static_cast<uint8_t>(i * 11 + 3);
+    return {image, image->release};
+}
+
+// The bytes that should be hashed; both chroma planes have the same region.
+std::string bytes(const Image &image, const Region &luma, const Region &chroma) {
+    std::string text;
+    for (int plane = 0; plane < 3; plane++) {
+        const Region &region = plane == 0 ? luma : chroma;
+        for (int r = region.first; r < region.first + region.rows; r++) {
+            const auto *row = image->addr[plane] + r * image->stride[plane];
+            text.append(row, row + region.bytes);
         }
-        return text;
     }
-    tavu_imgb_t *image;
-};
+    return text;
+}
+
+void expect_hashed(const Image &image, const Region &luma, const Region &chroma) {
+    uint8_t digest[16];
+    EXPECT_EQ(tavu_md5_imgb(image.get(), digest), TAVU_OK);
+    EXPECT_EQ(hex(digest), md5(bytes(image, luma, chroma)));
+}
 
 TEST(Md5Imgb, HashesOnlyTheVisibleRows) {
     constexpr uint32_t PAD = 5 << 16 | 4;
@@ -143,34 +142,35 @@ TEST(Md5Imgb, HashesOnlyTheVisibleRows) {
     };
     for (const auto &c : cases) {
         const uint32_t pad[] = {c.pad, c.pad, c.pad, c.pad};
-        const Picture p(c.w, c.h, c.cs, pad);
-        p.image->x = c.x;
-        p.image->y = c.y;
-        EXPECT_EQ(p.digest(), md5(p.bytes(c.luma, c.chroma))) << c.name;
+        SCOPED_TRACE(c.name);
+        const Image image = picture(c.w, c.h, c.cs, pad);
+        image->x = c.x;
+        image->y = c.y;
+        expect_hashed(image, c.luma, c.chroma);
     }
 }
 
 // The largest height plus 1 overflows 32 bits. A stride of 0 makes all rows the same.
 TEST(Md5Imgb, LargestHeight) {
-    const Picture p(5, 4, 11);
-    for (int32_t &stride : p.image->stride) stride = 0;
-    p.image->h = INT32_MAX;
-    p.image->y = INT32_MAX - 2;
-    EXPECT_EQ(p.digest(), md5(p.bytes({0, 2, 5}, {0, 2, 3})));
+    const Image image = picture(5, 4, 11);
+    for (int32_t &stride : image->stride) stride = 0;
+    image->h = INT32_MAX;
+    image->y = INT32_MAX - 2;
+    expect_hashed(image, {0, 2, 5}, {0, 2, 3});
 }
 
 TEST(Md5Imgb, RefusesPackedPictures) {
-    const Picture packed(4, 4, 300);
+    const Image packed = picture(4, 4, 300);
     uint8_t digest[16] = {1, 2, 3};
     for (int32_t cs : {300, -1, 100, INT32_MIN}) {
-        packed.image->cs = cs;
-        EXPECT_EQ(tavu_md5_imgb(packed.image, digest), TAVU_ERR_UNSUPPORTED_CS);
+        packed->cs = cs;
+        EXPECT_EQ(tavu_md5_imgb(packed.get(), digest), TAVU_ERR_UNSUPPORTED_CS);
     }
     EXPECT_EQ(tavu_md5_imgb(nullptr, digest), TAVU_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(digest[0] + digest[1] + digest[2], 6);
-    packed.image->cs = 99;
-    packed.image->addr[1] = packed.image->addr[2] = packed.image->addr[0];
-    EXPECT_EQ(tavu_md5_imgb(packed.image, digest), TAVU_OK);
+    packed->cs = 99;
+    packed->addr[1] = packed->addr[2] = packed->addr[0];
+    EXPECT_EQ(tavu_md5_imgb(packed.get(), digest), TAVU_OK);
 }
 
 }  // namespace

@@ -1,6 +1,10 @@
 // Two threads pass a word back and forth: no wake-up is lost, and earlier writes of the waker are
 // visible. Runs as many rounds as fit in a few seconds, because threads that share a core switch
 // only at the end of a time slice.
+#include <unistd.h>
+
+#include <chrono>
+
 #include "tavu.h"
 #include "threads.h"
 
@@ -13,10 +17,11 @@ bool in_time() {
     return std::chrono::steady_clock::now() < end;
 }
 
-void pass_back_and_forth(std::atomic<int> *progress) {
+// Returns the number of rounds. A lost wake-up ends the process after 30 seconds.
+int pass_back_and_forth() {
     int32_t word = 0;
     std::atomic<int> data{0};
-    const Watchdog watchdog(progress);
+    int rounds = 0;
     run_threads(2, [&](int side) {
         if (side == 1) {
             for (int i = 1; tavu_sync_wait(&word, i) == TAVU_OK; i += 2) {
@@ -28,24 +33,23 @@ void pass_back_and_forth(std::atomic<int> *progress) {
             }
             return;
         }
-        for (int i = 1; i < 2 * ROUNDS && (i < 2 * FEWEST || in_time()); i += 2) {
+        for (int i = 1; rounds < ROUNDS && (rounds < FEWEST || in_time()); i += 2, rounds++) {
+            alarm(30);
             data.store(i, std::memory_order_relaxed);
             tavu_sync_wake(&word, i);
             require(tavu_sync_wait(&word, i + 1) == TAVU_OK, "the wait for the answer succeeds");
             std::atomic_thread_fence(std::memory_order_acquire);
             require(data.load(std::memory_order_relaxed) == i + 1,
                     "the data is visible with the answer");
-            *progress = i / 2 + 1;
         }
         tavu_sync_wake(&word, -1);
     });
+    return rounds;
 }
 
 }  // namespace
 
 int main() {
-    std::atomic<int> rounds{0};
-    pass_back_and_forth(&rounds);
-    std::printf("%d rounds\n", rounds.load());
+    std::printf("%d rounds\n", pass_back_and_forth());
     return 0;
 }

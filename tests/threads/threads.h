@@ -1,9 +1,8 @@
-// Runs several threads at once, and limits the time without progress.
+// Runs several threads at once.
 #ifndef TAVU_TESTS_THREADS_THREADS_H
 #define TAVU_TESTS_THREADS_THREADS_H
 
 #include <atomic>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <thread>
@@ -30,33 +29,5 @@ void run_threads(int count, Work work) {
     }
     for (std::thread &t : threads) t.join();
 }
-
-// While an object exists, ends the process if `progress` does not change for 30 seconds.
-class Watchdog {
-  public:
-    explicit Watchdog(const std::atomic<int> *progress)
-        : thread_([this, progress] { watch(progress); }) {}
-    Watchdog(const Watchdog &) = delete;
-    Watchdog &operator=(const Watchdog &) = delete;
-    ~Watchdog() {
-        done_ = true;
-        thread_.join();
-    }
-
-  private:
-    void watch(const std::atomic<int> *progress) {
-        int last = -1;
-        for (int still = 0; !done_; still++) {
-            const int now = *progress;
-            if (now != last) still = 0;
-            last = now;
-            require(still < 3000, "no progress for 30 seconds");
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-    }
-
-    std::atomic<bool> done_{false};
-    std::thread thread_;
-};
 
 #endif
