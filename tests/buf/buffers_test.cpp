@@ -13,34 +13,32 @@ class Buffers : public testing::Test {
 };
 
 TEST_F(Buffers, AudioHasOneBlockOrOnePerChannel) {
-    struct {
-        int32_t format, channels, bits, blocks, bytes;
-    } const cases[] = {{1, 2, 16, 1, 400}, {99, 9, 12, 1, 1800}, {50, 0, 8, 1, 0},
-                       {0, 2, 12, 2, 200}, {100, 8, 8, 8, 100},  {-1, 1, 1, 1, 100},
-                       {0, 0, 24, 0, 0},   {7, 1, 24, 1, 300},   {0, 3, 0, 3, 0}};
+    const int32_t cases[][5] = {{1, 2, 16, 1, 400}, {99, 9, 12, 1, 1800}, {50, 0, 8, 1, 0},
+                                {0, 2, 12, 2, 200}, {100, 8, 8, 8, 100},  {-1, 1, 1, 1, 100},
+                                {0, 0, 24, 0, 0},   {7, 1, 24, 1, 300},   {0, 3, 0, 3, 0}};
     memory.step = 0x100;
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.format);
+    for (const auto &[format, channels, bits, blocks, bytes] : cases) {
+        SCOPED_TRACE(format);
         memory.allocated = memory.freed = 0;
         memory.second = 0x40;
         tavu_audb_t *audio =
-            tavu_audb_create(100, c.channels, c.bits, 77, c.format, 5, allocate, release, nullptr);
+            tavu_audb_create(100, channels, bits, 77, format, 5, allocate, release, nullptr);
         ASSERT_NE(audio, nullptr);
-        EXPECT_EQ(memory.allocated, c.blocks);
-        EXPECT_EQ(audio->interleaved, c.format == 0 || c.format == 100 || c.format < 0 ? 0 : 1);
+        EXPECT_EQ(memory.allocated, blocks);
+        EXPECT_EQ(audio->interleaved, format == 0 || format == 100 || format < 0 ? 0 : 1);
         for (int i = 0; i < 8; i++) {
-            const bool used = i < c.blocks;
+            const bool used = i < blocks;
             EXPECT_EQ(audio->samples[i], used ? 100 : 0);
-            EXPECT_EQ(audio->bytes[i], used ? c.bytes : 0);
+            EXPECT_EQ(audio->bytes[i], used ? bytes : 0);
             EXPECT_EQ(audio->addr[i] != nullptr, used);
             EXPECT_EQ(audio->paddr[i], used ? 0x40U + 0x100U * static_cast<uint32_t>(i) : 0U);
         }
-        EXPECT_EQ(audio->channels, c.channels);
-        EXPECT_EQ(audio->bits, c.bits);
+        EXPECT_EQ(audio->channels, channels);
+        EXPECT_EQ(audio->bits, bits);
         EXPECT_EQ(audio->value, 77);
-        EXPECT_EQ(audio->format, c.format);
+        EXPECT_EQ(audio->format, format);
         EXPECT_EQ(audio->release(audio), 0);
-        EXPECT_EQ(memory.freed, c.blocks);
+        EXPECT_EQ(memory.freed, blocks);
         EXPECT_EQ(memory.mismatched, 0);
     }
     tavu_audb_t *aligned = tavu_audb_create(3, 2, 8, 0, 0, 0, nullptr, nullptr, nullptr);

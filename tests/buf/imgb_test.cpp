@@ -27,22 +27,20 @@ constexpr uint32_t pair(uint32_t horizontal, uint32_t vertical) {
 }
 
 TEST_F(Imgb, LaysPlanesOutByColourSpace) {
-    struct {
-        int cs, planes, stride, chroma_stride, chroma_rows;
-    } const cases[] = {{10, 1, 5, 0, 0},   {11, 3, 5, 3, 2},   {12, 3, 5, 3, 3},
-                       {13, 3, 5, 5, 3},   {18, 3, 5, 5, 2},   {43, 4, 5, 5, 3},
-                       {100, 1, 10, 0, 0}, {299, 1, 10, 0, 0}, {300, 1, 20, 0, 0},
-                       {399, 1, 20, 0, 0}, {400, 1, 15, 0, 0}, {499, 1, 15, 0, 0},
-                       {500, 1, 20, 0, 0}, {599, 1, 20, 0, 0}};
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.cs);
-        const Image image = create(5, 3, c.cs);
+    const int cases[][5] = {{10, 1, 5, 0, 0},   {11, 3, 5, 3, 2},   {12, 3, 5, 3, 3},
+                            {13, 3, 5, 5, 3},   {18, 3, 5, 5, 2},   {43, 4, 5, 5, 3},
+                            {100, 1, 10, 0, 0}, {299, 1, 10, 0, 0}, {300, 1, 20, 0, 0},
+                            {399, 1, 20, 0, 0}, {400, 1, 15, 0, 0}, {499, 1, 15, 0, 0},
+                            {500, 1, 20, 0, 0}, {599, 1, 20, 0, 0}};
+    for (const auto &[cs, planes, stride, chroma_stride, chroma_rows] : cases) {
+        SCOPED_TRACE(cs);
+        const Image image = create(5, 3, cs);
         ASSERT_NE(image, nullptr);
         int offset = 0;
         for (int p = 0; p < 4; p++) {
-            const bool exists = p < c.planes;
-            EXPECT_EQ(image->stride[p], !exists ? 0 : p == 0 ? c.stride : c.chroma_stride);
-            EXPECT_EQ(image->rows[p], !exists ? 0 : p == 0 ? 3 : c.chroma_rows);
+            const bool exists = p < planes;
+            EXPECT_EQ(image->stride[p], !exists ? 0 : p == 0 ? stride : chroma_stride);
+            EXPECT_EQ(image->rows[p], !exists ? 0 : p == 0 ? 3 : chroma_rows);
             EXPECT_EQ(image->addr[p], exists ? image->base[0] + offset : nullptr);
             EXPECT_EQ(image->base[p], image->addr[p]);
             EXPECT_EQ(image->pbase[p], exists ? static_cast<uint32_t>(offset) : 0U);
@@ -158,15 +156,13 @@ TEST_F(Imgb, FreesThePayloadWithTheLastReference) {
 
 // The record equals that of a new image with the same payload.
 TEST_F(Imgb, RebirthChangesTheLayoutOfThePayload) {
-    struct {
-        int32_t w, h, cs;
-    } const cases[] = {{8, 4, TAVU_CS_YUV444}, {176, 1, TAVU_CS_YUV400}};
+    const int32_t cases[][3] = {{8, 4, TAVU_CS_YUV444}, {176, 1, TAVU_CS_YUV400}};
     const uint32_t pad[] = {pair(4, 0), 0, 0};
     memory.second = 0x100;
     const Image image = create(16, 8, TAVU_CS_YUV420);
-    for (const auto &c : cases) {
+    for (const auto &[w, h, cs] : cases) {
         const int32_t opt = TAVU_IMGB_OPT_CLEAR_PAD;
-        const Image fresh = create(c.w, c.h, c.cs, opt, nullptr, pad);
+        const Image fresh = create(w, h, cs, opt, nullptr, pad);
         tavu_imgb_t expected = *fresh;
         expected.size = 192;
         for (int p = 0; p < 4 && fresh->base[p] != nullptr; p++) {
@@ -175,7 +171,7 @@ TEST_F(Imgb, RebirthChangesTheLayoutOfThePayload) {
         }
         image->x = image->y = 2;
         memset(image->base[0], 0xFF, 192);
-        EXPECT_EQ(tavu_imgb_rebirth(image.get(), c.w, c.h, c.cs, opt, nullptr, pad), TAVU_OK);
+        EXPECT_EQ(tavu_imgb_rebirth(image.get(), w, h, cs, opt, nullptr, pad), TAVU_OK);
         EXPECT_EQ(memcmp(&expected, image.get(), sizeof expected), 0);  // NOLINT: padding is zero
         EXPECT_EQ(memcmp(fresh->base[0], image->base[0], static_cast<size_t>(fresh->size)), 0);
     }

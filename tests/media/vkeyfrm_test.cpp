@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "memory.h"
 #include "tavu.h"
@@ -81,14 +82,11 @@ TEST(Vkeyfrm, CodecsAndSizesThatAreAlwaysOrNeverKeys) {
 
 // The units end at an unreadable page and contain bytes that are almost start codes.
 TEST(Vkeyfrm, FindsOnlyCompleteCodesAtEveryPosition) {
-    struct {
-        int32_t codec;
-        Bytes code;
-    } const codes[] = {{TAVU_MT_VID_H264, {0, 0, 1, 0x65}},
-                       {TAVU_MT_VID_HEVC, {0, 0, 1, 0x26}},
-                       {TAVU_MT_VID_MPEG4, {0, 0, 1, 0xB6, 0x10}},
-                       {TAVU_MT_VID_MPEG4, {0, 0, 0x83, 2, 0x08}},
-                       {TAVU_MT_VID_H263, {0, 0, 0x80, 2, 0x08, 0, 0}}};
+    const std::pair<int32_t, Bytes> codes[] = {{TAVU_MT_VID_H264, {0, 0, 1, 0x65}},
+                                               {TAVU_MT_VID_HEVC, {0, 0, 1, 0x26}},
+                                               {TAVU_MT_VID_MPEG4, {0, 0, 1, 0xB6, 0x10}},
+                                               {TAVU_MT_VID_MPEG4, {0, 0, 0x83, 2, 0x08}},
+                                               {TAVU_MT_VID_H263, {0, 0, 0x80, 2, 0x08, 0, 0}}};
     for (const auto &[codec, code] : codes) {
         for (const Bytes &between : {Bytes{0}, {0, 0, 2}, {0, 0, 0x84}, {0, 1, 0x80}, {0xFF}}) {
             for (const size_t size : {3U, 7U, 8U, 63U, 64U, 70U, 130U, 267U}) {
