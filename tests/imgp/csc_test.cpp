@@ -108,8 +108,8 @@ TEST(To565, TruncatesTheEightBitResult) {
         if (grey) src.at[1] = src.at[2] = nullptr;
         // The padding of a row of 5-6-5 pixels counts twice.
         constexpr int STRIDES[4] = {2 * W + 8, 40}, ROW = 2 * STRIDES[0] - 2 * W;
-        GuardedBytes units(ROW + 2 * W),
-            alpha(static_cast<size_t>(40 + (W - 1) * c.alpha_step + 1));
+        GuardedBytes units(ROW + 2 * W);
+        GuardedBytes alpha(static_cast<size_t>(40 + (W - 1) * c.alpha_step + 1));
         uint8_t *dst[4] = {units.data(), c.alpha == NONE ? nullptr : alpha.data()};
         Bytes expected_units = units.bytes(), expected_alpha = alpha.bytes();
         c.routine(src.at, W, 2, src.stride, 0, dst, 0, 0, STRIDES, 0);
