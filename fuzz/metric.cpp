@@ -26,8 +26,8 @@ struct Picture {
     const uint8_t *at;
 };
 
-// Compares one level of a kernel with its model: the result, and the residual with its gaps in memory
-// of exact size.
+// Compares one level of a kernel with its model: the result, and the residual with its gaps in
+// memory of exact size.
 template <class Kernel>
 void check_kernel(const Kernel &kernel, const Area &area, size_t level, Input *in,
                   uint8_t alignment = 1) {

@@ -243,8 +243,9 @@ bool drop(Object *object, void (*free_object)(Object *)) {
     return made;
 }
 
-// make() creates and frees an object and returns whether that succeeded. Lets each of its allocations
-// fail in turn: `statuses` has the results, TAVU_OK if the function has no status.
+// Calls make() with each of its allocations failing in turn, then with none. It creates and frees
+// an object and returns whether that succeeded. `statuses` has the status after each failure,
+// TAVU_OK for functions without a status.
 void expect_failures(const char *name, const std::vector<int32_t> &statuses,
                      bool (*make)(int32_t *status)) {
     SCOPED_TRACE(name);

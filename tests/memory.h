@@ -60,8 +60,8 @@ class GuardedBytes {
 
   private:
     static constexpr size_t MARGIN = 64;
-    // The address of a thread's first mapping, reused as a hint. Without it the ARM emulator uses new
-    // addresses each time and finally some that the sanitizer does not track.
+    // The address of a thread's first mapping, reused as a hint. Without it the ARM emulator uses
+    // new addresses each time and finally some that the sanitizer does not track.
     inline static thread_local void *near_ = nullptr;
     size_t size_, mapped_;
     uint8_t *map_, *usable_, *end_;

@@ -16,8 +16,9 @@ struct Call {
     int left;  // bits in the cache afterwards
     int most = 0;
 };
-// Checks calls on a reader and on the model. The data fills its heap block, so that sanitizers see a
-// read past the end.
+
+// Checks calls on a reader and on the model. The data fills its heap block, so that sanitizers see
+// a read past the end.
 void expect_calls(const Bytes &data, const std::vector<Call> &calls) {
     SCOPED_TRACE(testing::PrintToString(data));
     tavu_bsr_t r;

@@ -138,8 +138,8 @@ struct Code {
     }
 };
 
-// Compares fields, results and every byte of the memory, also after a full buffer refused bits. If all
-// codes fit, the reader must read them back.
+// Compares fields, results and every byte of the memory, also after a full buffer refused bits. If
+// all codes fit, the reader must read them back.
 inline bool writer_equals_model(Input in) {
     const auto next_code = [](Input *from) {
         const int kind = from->byte() % Code::KINDS;
