@@ -2,7 +2,6 @@
 
 import csv
 import io
-import json
 import re
 
 from tool_case import PROJECT, Case, read
@@ -26,7 +25,7 @@ class Bench(Case):
                 "diff4": {"diff4x4": 64}, "mset_x32": {"mset_x32": 16384, "mset_x32ax4": 16384},
                 "line_565": {"resize_line_565": 2 * 2 * 1920 + 2 * 1280},
                 "csc_r8g8b8_to_rgb565": {"csc_r8g8b8_to_rgb565": (3 + 2) * pixels}}.items():
-            kernels = json.loads(self.ok("bench", pattern, "--json"))["kernels"]
+            kernels = self.json("bench", pattern)["kernels"]
             self.assertEqual({k["kernel"]: k["bytes"] for k in kernels}, bytes_of)
             rows = list(csv.DictReader(io.StringIO(self.ok("bench", pattern, "--csv"))))
             head, *text = self.ok("bench", pattern).splitlines()

@@ -6,7 +6,7 @@ import random
 import re
 import subprocess
 
-from tool_case import Case, decoded, ffmpeg, ffprobe, needs_ffmpeg, read, sample
+from tool_case import Case, decoded, ffmpeg, needs_ffmpeg, read, sample, stream
 
 
 def ratio(ssd, samples):
@@ -99,7 +99,7 @@ class Compare(Case):
         self.ok("compare", self.clip("a.y4m", w, h, first), self.clip("b.y4m", w, h, second),
                 "-o", self.path("heat.png"))
         rgb = decoded(self.path("heat.png"))
-        line = ffprobe(self.path("heat.png"), "stream=width")["streams"][0]["width"]
+        line = stream(self.path("heat.png"), "width")["width"]
         warmth = lambda x, y: rgb[3 * (y * line + x)] - rgb[3 * (y * line + x) + 2]
         self.assertGreater(warmth(16, 8), 50)
         self.assertLess(warmth(43, 29), -20)

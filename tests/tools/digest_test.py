@@ -3,7 +3,7 @@
 import hashlib
 import re
 
-from tool_case import YUV420, Case, ffmpeg, ffprobe, needs_ffmpeg, sample
+from tool_case import YUV420, Case, ffmpeg, needs_ffmpeg, sample, stream
 
 
 def frame_digests(path):
@@ -16,18 +16,14 @@ class Digest(Case):
     def test_digests_times_and_sizes_equal_ffmpegs(self):
         for name in YUV420:
             with self.subTest(name):
-                head, *rows = self.ok("digest", sample(name)).splitlines()
-                self.assertEqual(head[0], "#")
-                rows = [row.split(",") for row in rows]
-                self.assertEqual([row[3] for row in rows], frame_digests(sample(name)))
-                self.assertEqual([int(row[0]) for row in rows], list(range(len(rows))))
-                stream = ffprobe(sample(name), "stream=width,height,avg_frame_rate")["streams"][0]
-                self.assertEqual({row[2] for row in rows},
-                                 {"{width}x{height}".format(**stream)})
-                times = [float(row[1]) for row in rows]
+                indices, times, sizes, digests = zip(*self.digests(sample(name)))
+                self.assertEqual(list(digests), frame_digests(sample(name)))
+                self.assertEqual(indices, tuple(map(str, range(len(indices)))))
+                size = "{width}x{height}".format(**stream(sample(name), "width,height"))
+                self.assertEqual(set(sizes), {size})
                 rate = 20 if name.startswith("h264") else 10
                 for index, time in enumerate(times):
-                    self.assertAlmostEqual(time - times[0], index / rate, delta=0.002)
+                    self.assertAlmostEqual(float(time) - float(times[0]), index / rate, delta=0.002)
 
     def test_other_layouts(self):
         """The upper half of the chroma of YUV 4:2:2; grey."""
@@ -35,10 +31,8 @@ class Digest(Case):
         expected = [hashlib.md5(frame[:area] + frame[area:][:area // 4] +
                                 frame[area * 3 // 2:][:area // 4]).hexdigest()
                     for frame in (raw[at:at + 2 * area] for at in range(0, len(raw), 2 * area))]
-        rows = self.ok("digest", sample("huffyuv.avi")).splitlines()[1:]
-        self.assertEqual([row.split(",")[3] for row in rows], expected)
+        self.assertEqual([row[3] for row in self.digests(sample("huffyuv.avi"))], expected)
         grey = self.made("grey.mkv", "64x48", "-c:v", "ffv1", "-pix_fmt", "gray")
-        self.assertEqual([row.split(",")[3] for row in self.ok("digest", grey).splitlines()[1:]],
-                         frame_digests(grey))
+        self.assertEqual([row[3] for row in self.digests(grey)], frame_digests(grey))
         deep = self.made("deep.mkv", "64x48", "-c:v", "ffv1", "-pix_fmt", "yuv420p10le")
         self.fails("digest", deep, says="yuv420p10le")

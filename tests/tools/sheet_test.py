@@ -1,6 +1,6 @@
 """tavu sheet: its pictures, read back and compared with ffmpeg's."""
 
-from tool_case import Case, decoded, ffmpeg, ffprobe, needs_ffmpeg, read, sample
+from tool_case import CLIP, Case, decoded, ffmpeg, needs_ffmpeg, read, sample, stream
 
 AS_PPM = ["-f", "image2pipe", "-c:v", "ppm", "-"]
 
@@ -52,8 +52,7 @@ class Sheet(Case):
 
     def references(self, path, w, h, select):
         """ffmpeg's pictures in RGB, scaled to the library's sample positions."""
-        stream = ffprobe(path, "stream=width,height")["streams"][0]
-        sw, sh = stream["width"], stream["height"]
+        sw, sh = stream(path, "width,height").values()
         raw = decoded(path, "-map", "0:v", "-fps_mode", "passthrough", "-vf",
                       f"select={select},scale=flags=bilinear+full_chroma_int+accurate_rnd")
         return [scaled(raw[i:i + 3 * sw * sh], sw, sh, w, h)
@@ -169,7 +168,7 @@ class Sheet(Case):
         self.assertEqual(self.sheet(wide, 64).height, 2 * 4 + 24 + 15)
         small, large = (self.made(f"{size}.m4v", size, "-f", "m4v") for size in ("64x48", "130x76"))
         both = self.written("both.m4v", read(small) + read(large))
-        sizes = [row.split(",")[2] for row in self.ok("digest", both).splitlines()[1:]]
+        sizes = [row[2] for row in self.digests(both)]
         self.assertEqual(sizes, ["64x48"] * 10 + ["130x76"] * 10)
         sheet = self.sheet(both, 64, "--every", 10)
         for index, path in enumerate((small, large)):

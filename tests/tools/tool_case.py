@@ -31,12 +31,15 @@ def sample(name):
     return os.path.join(SAMPLES, name)
 
 
+CLIP = sample("h264.mp4")
+
+
 def read(path):
     return pathlib.Path(path).read_bytes()
 
 
 def run(*args, **options):
-    options = {"capture_output": True, "text": True, **options}
+    options = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, "text": True, **options}
     return subprocess.run([TAVU, *map(str, args)], **options)
 
 
@@ -50,14 +53,18 @@ def decoded(path, *args, layout="rgb24"):
     return ffmpeg("-i", path, *args, "-f", "rawvideo", "-pix_fmt", layout, "-")
 
 
-def ffprobe(path, entries, *args):
+def ffprobe(path, section, entries):
     command = ["ffprobe", "-v", "error", "-select_streams", "v", "-of", "json", "-show_entries",
-               entries, *args, path]
-    return json.loads(subprocess.run(command, capture_output=True, check=True).stdout)
+               f"{section}={entries}", path]
+    return json.loads(subprocess.check_output(command))[section + "s"]
+
+
+def stream(path, entries):
+    return ffprobe(path, "stream", entries)[0]
 
 
 def packets(path):
-    return ffprobe(path, "packet=flags,size,pts_time,pos")["packets"]
+    return ffprobe(path, "packet", "flags,size,pts_time,pos")
 
 
 def png_head(width, height):
@@ -96,6 +103,9 @@ class Case(unittest.TestCase):
         self.assertEqual((result.returncode, result.stderr), (0, ""))
         return result.stdout
 
+    def json(self, *args):
+        return json.loads(self.ok(*args, "--json"))
+
     def fails(self, *args, status=1, says="", **options):
         """Runs a command that fails with one line containing `says`."""
         result = run(*args, **options)
@@ -105,5 +115,11 @@ class Case(unittest.TestCase):
         return result.stdout
 
     def video(self, path):
-        tracks = json.loads(self.ok("probe", path, "--json"))["tracks"]
+        tracks = self.json("probe", path)["tracks"]
         return next(track for track in tracks if track["kind"] == "video")
+
+    def digests(self, path):
+        """The columns of each row: index, time, size and digest."""
+        head, *rows = self.ok("digest", path).splitlines()
+        self.assertEqual(head[0], "#")
+        return [row.split(",") for row in rows]
