@@ -81,5 +81,4 @@ class PublicApi(unittest.TestCase):
                              {name for _, name in symbols("--undefined-only")})
 
 
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])
+unittest.main(argv=sys.argv[:1])

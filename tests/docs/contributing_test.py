@@ -73,5 +73,4 @@ class Example(unittest.TestCase):
         self.assertRegex(self.run_test_of_table().stdout, r"\bsad24x24 v2\b")
 
 
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])
+unittest.main(argv=sys.argv[:1])

@@ -10,6 +10,7 @@ of a function, unless it begins with a declaration; it is only compiled.
 
 import fnmatch
 import glob
+import itertools
 import os
 import re
 import shlex
@@ -21,7 +22,6 @@ import unittest
 ROOT, LIBRARY, EMULATOR = sys.argv[1:4]
 COMPILE = [*sys.argv[4:], "-std=c99", "-pedantic", "-Wall", "-Wextra", "-Werror"]
 BLOCK = re.compile(r"^```(\w+)\n(.*?)^```$", flags=re.M | re.S)
-MANUAL = f"{ROOT}/docs/man/libtavu.3"
 # Declarations that the code in the header assumes.
 GIVEN = """
 extern tavu_irsz_t *rsz;
@@ -36,10 +36,6 @@ NUMBERS = ("one two three four five six seven eight nine ten").split()
 def read(path):
     with open(path, encoding="utf-8") as file:
         return file.read()
-
-
-def pages():
-    return sorted(glob.glob(f"{ROOT}/*.md") + glob.glob(f"{ROOT}/docs/*.md"))
 
 
 def text_of(*patterns):
@@ -79,9 +75,8 @@ def named_files(text):
 
 
 def exported_names():
-    text = re.sub(r"/\*.*?\*/|^#.*?$", "", read(f"{ROOT}/include/tavu.h"), flags=re.S | re.M)
-    return {re.search(r"(\w+)\s*(\(|\[|$)", declaration).group(1)
-            for declaration in re.findall(r"TAVU_API\s([^;]*);", text)}
+    symbols = subprocess.check_output(["nm", "-D", "--defined-only", LIBRARY], text=True)
+    return set(re.findall(r" [^A] (\w+)@@", symbols))
 
 
 def anchors(path):
@@ -89,14 +84,11 @@ def anchors(path):
     return {re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-") for heading in headings}
 
 
-def count_kept_inputs():
-    count = 0
+def kept_inputs():
     for path in PACKS:
         with open(path, "rb") as file:
             while size := file.read(2):
-                file.seek(int.from_bytes(size, "little"), os.SEEK_CUR)
-                count += 1
-    return count
+                yield path, file.seek(int.from_bytes(size, "little"), os.SEEK_CUR)
 
 
 def count_cells():
@@ -106,14 +98,14 @@ def count_cells():
 
 
 def count_thread_programs():
-    replays = re.search(r"foreach\(target ([^)]*)\)[^)]*threads_", text_of("fuzz/CMakeLists.txt"))
+    replays = re.search(r"foreach\(target ([^)]*)\)\s+\w+\(threads_", text_of("fuzz/CMakeLists.txt"))
     return len(replays.group(1).split()) + len(glob.glob(f"{ROOT}/tests/threads/*_test.cpp"))
 
 
 COUNTS = {
     r"(\d[\d,]*) exported names": lambda: len(exported_names()),
     r"(\d[\d,]*) targets under AddressSanitizer": lambda: len(PACKS),
-    r"(\d[\d,]*) kept inputs": count_kept_inputs,
+    r"(\d[\d,]*) kept inputs": lambda: len(list(kept_inputs())),
     r"(\d[\d,]*) cells from": count_cells,
     r"(\d[\d,]*) programs under ThreadSanitizer": count_thread_programs,
     r"(\w+) programs in `examples/`": lambda: len(glob.glob(f"{ROOT}/examples/*.c")),
@@ -126,15 +118,14 @@ COUNTS = {
 
 def programs():
     """(page and number, source, expected output or None) of every program."""
-    for page in pages():
-        blocks = BLOCK.findall(read(page))
-        for i, (language, text) in enumerate(blocks):
+    for page, text in DOCUMENTS:
+        blocks = itertools.pairwise([*BLOCK.findall(text), ("", None)])
+        for i, ((language, source), (after, output)) in enumerate(blocks, 1):
             if language == "c":
-                after = blocks[i + 1] if i + 1 < len(blocks) else ("", None)
-                yield f"{os.path.basename(page)}, block {i + 1}", text, \
-                    after[1] if after[0] == "output" else None
-    for text in re.findall(r"^\.Bd -literal.*?\n(.*?)^\.Ed", read(MANUAL), flags=re.M | re.S):
-        yield "libtavu.3", text, None
+                yield f"{page}, block {i}", source, output if after == "output" else None
+    manual = text_of("docs/man/libtavu.3")
+    for source in re.findall(r"^\.Bd -literal.*?\n(.*?)^\.Ed", manual, flags=re.M | re.S):
+        yield "libtavu.3", source, None
 
 
 def complete(source):
@@ -144,11 +135,20 @@ def complete(source):
     return f"{includes}int main(void) {{\n{re.sub('^#include.*', '', source, flags=re.M)}return 0;\n}}\n"
 
 
-def run(command, **options):
-    return subprocess.run(command, capture_output=True, text=True, **options)
-
-
 class Documents(unittest.TestCase):
+    def run_well(self, *command, **options):
+        result = subprocess.run(command, capture_output=True, text=True, **options)
+        self.assertEqual((result.returncode, result.stderr), (0, ""), options)
+        return result.stdout
+
+    def check(self, folder, source, expected):
+        program = f"{folder}/program"
+        self.run_well(*COMPILE, f"-I{ROOT}/include", "-xc", "-", "-xnone", LIBRARY,
+                      f"-Wl,-rpath,{os.path.dirname(LIBRARY)}", "-o", program, input=source)
+        output = self.run_well(*shlex.split(EMULATOR.replace(";", " ")), program)
+        if expected is not None:
+            self.assertEqual(output, expected)
+
     def test_programs(self):
         self.assertGreaterEqual(len(list(programs())), 10)
         with tempfile.TemporaryDirectory() as folder:
@@ -161,10 +161,8 @@ class Documents(unittest.TestCase):
             code = re.sub(r"^ *\* ?", "", code, flags=re.M)
             if not re.match(r"static|struct|typedef|int main", code):
                 code = f"void f(void);\nvoid f(void) {{\n{code}}}\n"
-            source = f"#include <tavu.h>\n{GIVEN}{code}"
-            result = run([*COMPILE, "-Wno-unused-function", f"-I{ROOT}/include", "-fsyntax-only", "-xc",
-                          "-"], input=source)
-            self.assertEqual((result.returncode, result.stderr), (0, ""), source)
+            self.run_well(*COMPILE, "-Wno-unused-function", f"-I{ROOT}/include", "-fsyntax-only",
+                          "-xc", "-", input=f"#include <tavu.h>\n{GIVEN}{code}")
 
     def assert_all(self, good, pairs):
         """Asserts good(page, name) for all (page, name) pairs."""
@@ -218,16 +216,5 @@ class Documents(unittest.TestCase):
             spelt = {str(number), *NUMBERS[number - 1:number]}
             self.assertTrue(stated and set(stated) <= spelt, f"{pattern}: {stated}, not {number}")
 
-    def check(self, folder, source, expected):
-        program = f"{folder}/program"
-        built = run([*COMPILE, f"-I{ROOT}/include", "-xc", "-", "-xnone", LIBRARY,
-                     f"-Wl,-rpath,{os.path.dirname(LIBRARY)}", "-o", program], input=source)
-        self.assertEqual((built.returncode, built.stderr), (0, ""))
-        result = run([*shlex.split(EMULATOR.replace(";", " ")), program])
-        self.assertEqual((result.returncode, result.stderr), (0, ""))
-        if expected is not None:
-            self.assertEqual(result.stdout, expected)
 
-
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])
+unittest.main(argv=sys.argv[:1])

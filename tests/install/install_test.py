@@ -215,5 +215,4 @@ class Version(Installed):
             self.assertEqual(self.output(self.prefix / "bin/tavu", "--version").split()[1], version)
 
 
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])
+unittest.main(argv=sys.argv[:1])

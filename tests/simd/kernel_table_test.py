@@ -42,5 +42,4 @@ class KernelTable(unittest.TestCase):
         self.assertLessEqual(levels, {name for _, name in self.table})
 
 
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])
+unittest.main(argv=sys.argv[:1])

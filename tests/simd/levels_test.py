@@ -35,5 +35,4 @@ class Levels(unittest.TestCase):
             self.assertEqual(weak_symbols(unit), [], unit["file"])
 
 
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])
+unittest.main(argv=sys.argv[:1])
