@@ -1,8 +1,5 @@
 """The example of CONTRIBUTING.md, applied to a copy of the sources: it compiles without a warning, and the
-test of the table runs the new kernel at every level.
-
-usage: contributing_test.py ROOT BUILD COMPILER LIBRARY...
-"""
+test of the table runs the new kernel at every level."""
 
 import json
 import re

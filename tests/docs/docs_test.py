@@ -1,12 +1,5 @@
 """Checks the documents by the source tree: their programs compile without warnings, run, and print
-the given output; the files, functions, macros and presets in them exist; their numbers are right.
-
-usage: docs_test.py ROOT LIBRARY EMULATOR COMPILER [FLAGS]
-
-A block marked c without a main() is the body of one. A block marked output is the output of the
-program before it. The manual page also has a program. A block marked @code in the header is the body
-of a function, unless it begins with a declaration; it is only compiled.
-"""
+the given output; the files, functions, macros and presets in them exist; their numbers are right."""
 
 import fnmatch
 import glob
@@ -116,6 +109,7 @@ COUNTS = {
 }
 
 
+# A block marked output is the output of the program before it. The manual page also has a program.
 def programs():
     """(page and number, source, expected output or None) of every program."""
     for page, text in DOCUMENTS:
@@ -128,6 +122,7 @@ def programs():
         yield "libtavu.3", source, None
 
 
+# A block marked c without a main() is the body of one.
 def complete(source):
     if re.search(r"\bint main\b", source):
         return source
@@ -156,6 +151,7 @@ class Documents(unittest.TestCase):
                 with self.subTest(name):
                     self.check(folder, complete(source), expected)
 
+    # It is only compiled, as the body of a function unless it begins with a declaration.
     def test_code_in_the_header(self):
         for code in re.findall(r"@code.*?\n(.*?)@endcode", text_of("include/tavu.h"), flags=re.S):
             code = re.sub(r"^ *\* ?", "", code, flags=re.M)

@@ -1,9 +1,4 @@
-"""The table of kernels against the symbols of the library: a kernel without a row would not be tested.
-
-usage: kernel_table_test.py NM LIBRARY TABLE SOURCE...
-
-LIBRARY and TABLE are static libraries; SOURCES are the files of kernels with vector forms.
-"""
+"""The table of kernels against the symbols of the library: a kernel without a row would not be tested."""
 
 import re
 import subprocess
@@ -11,13 +6,14 @@ import sys
 import unittest
 from pathlib import Path
 
-NM, LIBRARY, TABLE = sys.argv[1:4]
-FILES = {Path(source).stem for source in sys.argv[4:]}
+# The library and the table are static libraries; the sources are those of kernels with vector forms.
+NM, LIBRARY, TABLE, *SOURCES = sys.argv[1:]
+FILES = {Path(source).stem for source in SOURCES}
 
 
 def symbols(archive):
     """(file, kind, name) of the symbols that begin with tavu_."""
-    names = subprocess.run([NM, "-A", archive], check=True, capture_output=True, text=True).stdout
+    names = subprocess.check_output([NM, "-A", archive], text=True)
     return re.findall(r"(\w+)\.cpp\.o:.* (\w) (tavu_\w+)$", names, flags=re.M)
 
 

@@ -1,8 +1,4 @@
-"""Levels share no code. The linker keeps one body of each weak symbol, and code for v2 must not use
-a body compiled for v3. The names of weak symbols of kernel files therefore contain their level.
-
-usage: levels_test.py COMPILE_COMMANDS
-"""
+"""Levels share no code: the names of weak symbols of kernel files contain their level."""
 
 import json
 import re
@@ -13,6 +9,7 @@ import tempfile
 import unittest
 
 
+# The linker keeps one body of each weak symbol, and code for v2 must not use a body compiled for v3.
 def weak_symbols(unit):
     """The weak symbols of a file's object whose names do not contain the level."""
     level = re.search(r"-march=x86-64-v(\d)", unit["command"]).group(1)
@@ -27,8 +24,8 @@ def weak_symbols(unit):
 
 class Levels(unittest.TestCase):
     def test_nothing_can_be_merged_across_levels(self):
-        with open(sys.argv[1], encoding="utf-8") as file:
-            units = [unit for unit in json.load(file)
+        with open(sys.argv[1], encoding="utf-8") as commands:
+            units = [unit for unit in json.load(commands)
                      if re.search("-DTAVU_TOP_LEVEL.*-march=x86-64-v[34]", unit["command"])]
         self.assertGreater(len(units), 10)
         for unit in units:

@@ -83,13 +83,12 @@ class Python(unittest.TestCase):
         self.assertEqual(tavu.satd(a, b), ((sums + 2) // 4).sum())
 
     def test_invalid_arguments_are_refused(self):
-        for call in [lambda: tavu.Image(5, 0, tavu.YUV420), lambda: tavu.Image(5, 5, 99),
-                     lambda: tavu.Image(8, 8, tavu.YUV420).converted(tavu.RGB888),
-                     lambda: tavu.resized(noise(4, 4, 2), 8, 8),
-                     lambda: tavu.resized(noise(4, 4), 0, 8),
-                     lambda: tavu.satd(noise(8, 8), noise(8, 16)),
-                     lambda: tavu.satd(noise(8, 9), noise(8, 9))]:
-            self.assertRaises(tavu.Error, call)
+        for call, *args in [
+                (tavu.Image, 5, 0, tavu.YUV420), (tavu.Image, 5, 5, 99),
+                (tavu.Image(8, 8, tavu.YUV420).converted, tavu.RGB888),
+                (tavu.resized, noise(4, 4, 2), 8, 8), (tavu.resized, noise(4, 4), 0, 8),
+                (tavu.satd, noise(8, 8), noise(8, 16)), (tavu.satd, noise(8, 9), noise(8, 9))]:
+            self.assertRaises(tavu.Error, call, *args)
 
     def test_demo(self):
         result = subprocess.run([sys.executable, "-B", os.path.join(FOLDER, "demo.py")],

@@ -1,5 +1,7 @@
 """tavu sheet: its pictures, read back and compared with ffmpeg's."""
 
+import itertools
+
 from tool_case import CLIP, Case, decoded, ffmpeg, needs_ffmpeg, read, sample, stream
 
 AS_PPM = ["-f", "image2pipe", "-c:v", "ppm", "-"]
@@ -15,15 +17,13 @@ class Picture:
         self.label = min(max(width // 14, 15), 40)
         self.columns = (self.width - self.gap) // (width + self.gap)
 
-    def cut(self, x, y, w, h):
-        rows = [3 * (self.width * row + x) for row in range(y, y + h)]
-        return b"".join(self.rgb[row:row + 3 * w] for row in rows)
-
     def cell(self, index, w, h):
         """The picture and its caption."""
         x = self.gap + index % self.columns * (w + self.gap)
         y = self.gap + index // self.columns * (h + self.label + self.gap)
-        return self.cut(x, y, w, h), self.cut(x, y + h, w, self.label)
+        starts = [3 * (self.width * row + x) for row in range(y, y + h + self.label)]
+        rows = [self.rgb[at:at + 3 * w] for at in starts]
+        return b"".join(rows[:h]), b"".join(rows[h:])
 
 
 def scaled(rgb, sw, sh, w, h):
@@ -58,20 +58,25 @@ class Sheet(Case):
         return [scaled(raw[i:i + 3 * sw * sh], sw, sh, w, h)
                 for i in range(0, len(raw), 3 * sw * sh)]
 
+    def check_pictures(self, sheet, columns, path, h, select):
+        """The sheet has ffmpeg's pictures in order."""
+        expected = self.references(path, 160, h, select)
+        rows = -(-len(expected) // columns)
+        self.assertEqual((sheet.columns, sheet.height),
+                         (columns, sheet.gap + rows * (h + sheet.label + sheet.gap)))
+        for index, own in enumerate(expected):
+            picture, _ = sheet.cell(index, 160, h)
+            self.assertLess(difference(picture, own), 7)
+            if path == CLIP:
+                others = [difference(picture, other) for other in expected if other != own]
+                self.assertGreater(min(others), 20)
+        return len(expected)
+
     def test_key_frames_equal_ffmpegs_in_order(self):
         for name, h in {"h264.mp4": 90, "hevc.mp4": 96, "mpeg4.avi": 89, "h263.3gp": 131}.items():
             with self.subTest(name):
-                expected = self.references(sample(name), 160, h, "key")
                 sheet = self.sheet(sample(name), 160)
-                rows = (len(expected) + 3) // 4
-                self.assertEqual((sheet.columns, sheet.height),
-                                 (4, sheet.gap + rows * (h + sheet.label + sheet.gap)))
-                for index, own in enumerate(expected):
-                    picture, _ = sheet.cell(index, 160, h)
-                    self.assertLess(difference(picture, own), 7)
-                    if name == "h264.mp4":
-                        others = [difference(picture, other) for other in expected if other != own]
-                        self.assertGreater(min(others), 20)
+                self.check_pictures(sheet, 4, sample(name), h, "key")
 
     def ink(self, label, width):
         """The number of columns from the first to the last with ink."""
@@ -79,16 +84,12 @@ class Sheet(Case):
         return max(inked) - min(inked)
 
     def test_every_columns_and_labels(self):
-        sheet = self.sheet(sample("h264.mp4"), 160, "--every", 45, "--columns", 5)
-        self.assertEqual((sheet.columns, sheet.height),
-                         (5, sheet.gap + 2 * (90 + sheet.label + sheet.gap)))
-        expected = self.references(sample("h264.mp4"), 160, 90, r"not(mod(n\,45))")
-        self.assertEqual(len(expected), 6)
-        cells = [sheet.cell(index, 160, 90) for index in range(6)]
-        for (picture, label), own in zip(cells, expected):
-            self.assertLess(difference(picture, own), 7)
-            self.assertGreater(max(label), 150)
-        self.assertEqual(len({label for _, label in cells}), 6)
+        sheet = self.sheet(CLIP, 160, "--every", 45, "--columns", 5)
+        self.assertEqual(self.check_pictures(sheet, 5, CLIP, 90, r"not(mod(n\,45))"), 6)
+        labels = {sheet.cell(index, 160, 90)[1] for index in range(6)}
+        self.assertEqual(len(labels), 6)
+        self.assertGreater(min(map(max, labels)), 150)
+        self.assertEqual(set(sheet.cell(6, 160, 90)[0]), {sheet.rgb[0]})
         counting = self.sheet(sample("mpeg4.avi"), 64, "--every", 1)
         self.assertEqual(len({counting.cell(index, 64, 36)[1] for index in range(30)}), 30)
         late = self.made("late.mkv", "64x48", "-c:v", "ffv1", "-fps_mode", "passthrough",
@@ -96,8 +97,7 @@ class Sheet(Case):
         hours = self.sheet(late, 160, "--every", 1)
         short, long = (self.ink(hours.cell(index, 160, 120)[1], 160) for index in (0, 1))
         self.assertGreater(long, 1.2 * short)
-        self.assertEqual(set(sheet.cell(6, 160, 90)[0]), {sheet.rgb[0]})
-        self.assertEqual(self.sheet(sample("h264.mp4"), 64, "--columns", 100).columns, 8)
+        self.assertEqual(self.sheet(CLIP, 64, "--columns", 100).columns, 8)
 
     def test_colours_of_every_source_format(self):
         """Flat pictures, coded by the defining equations: matrix, range, depth, subsampling."""
@@ -108,39 +108,28 @@ class Sheet(Case):
                    "gray10le": (0, 0, 10), "gray16le": (0, 0, 16)}
         colours = [(200, 50, 100), (20, 180, 60), (255, 255, 255), (0, 0, 0), (30, 60, 220),
                    (75, 0, 61), (0, 0, 224), (255, 200, 0)]
-        spans = [(matrix, extent) for matrix in matrices for extent in ("pc", "tv")]
-        for layout, (across, down, bits) in formats.items():
+        for layout, matrix, extent in itertools.product(formats, matrices, ("pc", "tv")):
+            (across, down, bits), (kr, kb) = formats[layout], matrices[matrix]
             top, unit, area = 2 ** bits - 1, 2 ** (bits - 8), 32 * 32
             chroma = area // across // down if across else 0
-            raw, shown, clips = b"", [], []
-            for at, (matrix, extent) in enumerate(spans):
-                kr, kb = matrices[matrix]
-                for rgb in colours:
-                    r, g, b = (c / 255 for c in rgb)
-                    y = kr * r + (1 - kr - kb) * g + kb * b
-                    u, v = (b - y) / (2 - 2 * kb), (r - y) / (2 - 2 * kr)
-                    coded = ([y * top, u * top + 128 * unit, v * top + 128 * unit]
-                             if extent == "pc" else
-                             [unit * c for c in (16 + 219 * y, 128 + 224 * u, 128 + 224 * v)])
-                    shown.append(rgb if chroma else (255 * y,) * 3)
-                    for value, count in zip(coded, (area, chroma, chroma)):
-                        value = min(round(value), top)
-                        raw += value.to_bytes((bits + 7) // 8, "little") * count
-                # ffmpeg converts frames unless their tags equal those of the file.
-                clips += ["-vf", f"trim=start_frame={at * 8}:end_frame={at * 8 + 8},setpts=N/25/TB,"
-                          f"setparams=range={extent}:colorspace={matrix}", "-c:v", "ffv1",
-                          "-strict", "-2", "-colorspace", matrix, "-color_range", extent,
-                          self.path(f"{at}.mkv")]
-            ffmpeg("-f", "rawvideo", "-pix_fmt", layout, "-s", "32x32", "-i", "-", *clips,
-                   stdin=raw)
-            for at in range(8):
-                self.ok("sheet", self.path(f"{at}.mkv"), "-o", self.path(f"{at}.png"),
-                        "--width", 32, "--every", 1)
-            sheets = ffmpeg("-i", self.path("%d.png"), *AS_PPM)
+            raw, shown = b"", []
+            for rgb in colours:
+                r, g, b = (c / 255 for c in rgb)
+                y = kr * r + (1 - kr - kb) * g + kb * b
+                u, v = (b - y) / (2 - 2 * kb), (r - y) / (2 - 2 * kr)
+                coded = ([y * top, u * top + 128 * unit, v * top + 128 * unit] if extent == "pc"
+                         else [unit * c for c in (16 + 219 * y, 128 + 224 * u, 128 + 224 * v)])
+                shown.append(rgb if chroma else (255 * y,) * 3)
+                for value, count in zip(coded, (area, chroma, chroma)):
+                    raw += min(round(value), top).to_bytes((bits + 7) // 8, "little") * count
+            # ffmpeg converts frames unless their tags equal those of the file.
+            ffmpeg("-f", "rawvideo", "-pix_fmt", layout, "-s", "32x32", "-i", "-", "-vf",
+                   f"setparams=range={extent}:colorspace={matrix}", "-c:v", "ffv1", "-strict", "-2",
+                   "-colorspace", matrix, "-color_range", extent, self.path("x.mkv"), stdin=raw)
+            sheet = self.sheet(self.path("x.mkv"), 32, "--every", 1)
             for at, rgb in enumerate(shown):
-                sheet = Picture(sheets[at // 8 * (len(sheets) // 8):], 32)
-                middle = sheet.cell(at % 8, 32, 32)[0][3 * 32 * 16 + 48:][:3]
-                with self.subTest(layout=layout, span=spans[at // 8], rgb=rgb):
+                middle = sheet.cell(at, 32, 32)[0][3 * 32 * 16 + 48:][:3]
+                with self.subTest(layout=layout, matrix=matrix, extent=extent, rgb=rgb):
                     self.assertLessEqual(max(abs(a - b) for a, b in zip(middle, rgb)), 2)
 
     def test_pictures_are_upright(self):
@@ -156,9 +145,9 @@ class Sheet(Case):
             raw = decoded(path)
             self.assertEqual(len(raw), 3 * w * h)
             picture = self.sheet(path, w).cell(0, w, h)[0]
-            flat = lambda step: [c for x in range(w * h)[::step] for c in raw[3 * x:3 * x + 3]]
-            upright, inverted = (difference(picture, scaled(flat(step), w, h, w, h))
-                                 for step in (1, -1))
+            turned = b"".join(raw[at:at + 3] for at in range(0, len(raw), 3)[::-1])
+            upright, inverted = (difference(picture, scaled(rgb, w, h, w, h))
+                                 for rgb in (raw, turned))
             # Sample positions differ by up to a pixel.
             self.assertLess(2.5 * upright, inverted, turns)
 

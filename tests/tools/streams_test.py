@@ -1,5 +1,6 @@
 """Standard streams, terminals and signals."""
 
+import functools
 import json
 import os
 import pty
@@ -9,7 +10,7 @@ import signal
 import subprocess
 import time
 
-from tool_case import TAVU, Case, read, run, sample
+from tool_case import CLIP, COMMANDS, TAVU, Case, read, run, sample
 
 # By default these do not end a program, or cannot be caught; sanitizers handle the last four.
 SURVIVED = {signal.SIGCHLD, signal.SIGCONT, signal.SIGSTOP, signal.SIGTSTP, signal.SIGTTIN,
@@ -30,29 +31,24 @@ class Streams(Case):
                 self.assertEqual(self.piped(command, "-", source=sample(name)), expected)
                 with open(sample(name)) as file:
                     self.assertEqual(run(command, "-", stdin=file, text=False).stdout, expected)
-        clip = sample("h264.mp4")
-        total = self.piped("compare", clip, "-", source=clip).split()[-4:]
+        total = self.piped("compare", CLIP, "-", source=CLIP).split()[-4:]
         self.assertEqual(total, [b"0", b"0", b"inf", b"0"])
         self.fails("probe", "-", says="standard input: not a media", stdin=subprocess.DEVNULL)
 
     def test_standard_output_gets_the_same_bytes(self):
-        clip = sample("h264.mp4")
-        for args, option in (["sheet", clip], ["-o"]), (["convert", clip], []), \
-                (["compare", clip, sample("h264.h264")], ["-o"]), (["probe", clip], ["--plot"]):
-            self.assertEqual(self.ok(*args, *option, self.path("out.bin"), "--quiet"), "")
-            self.assertEqual(self.piped(*args, *option, "-", source=clip),
-                             read(self.path("out.bin")), args)
-            self.fails(*args, *option, "-", "--json", status=2)
+        for args in ["sheet", CLIP, "-o"], ["convert", CLIP], ["probe", CLIP, "--plot"], \
+                ["compare", CLIP, sample("h264.h264"), "-o"]:
+            self.assertEqual(self.ok(*args, self.path("out.bin"), "--quiet"), "")
+            self.assertEqual(self.piped(*args, "-", source=CLIP), read(self.path("out.bin")), args)
+            self.fails(*args, "-", "--json", status=2)
         self.assertEqual(self.files(), ["out.bin"])
 
     def test_quiet(self):
-        clip = sample("mpeg4.avi")
-        for args in ["probe", clip], ["digest", clip], ["compare", clip, clip], \
-                ["sheet", clip, "-o", self.path("a.png")], ["convert", clip, self.path("b.png")], \
-                ["bench", "sad2x2"]:
-            self.assertEqual(self.ok(*args, "-q"), "")
-            self.assertGreater(len(self.ok(*args)), 10)
-            quiet, loud = (json.loads(self.ok(*args, *option, "--json")) for option in (["-q"], []))
+        for command, args in COMMANDS.items():
+            call = functools.partial(self.ok, command, *args, cwd=self.directory)
+            self.assertEqual(call("-q"), "")
+            self.assertGreater(len(call()), 10)
+            quiet, loud = json.loads(call("-q", "--json")), json.loads(call("--json"))
             self.assertEqual(list(quiet), list(loud))
 
 
@@ -76,12 +72,10 @@ class Signals(Case):
             self.assertEqual(self.files(), ["endless.yuv", "out.rgb"])
 
     def test_reader_that_closes_the_pipe(self):
-        clip = sample("h264.mp4")
         read, write = os.pipe()
         os.close(read)
-        for args in ["probe", clip], ["compare", clip, clip, "-o", self.path("heat.png")]:
-            self.assertEqual(run(*args, capture_output=False, stdout=write).returncode,
-                             -signal.SIGPIPE)
+        for args in ["probe", CLIP], ["compare", CLIP, CLIP, "-o", self.path("heat.png")]:
+            self.assertEqual(run(*args, stdout=write).returncode, -signal.SIGPIPE)
         self.assertEqual(self.files(), ["endless.yuv"])
 
     def on_terminal(self, *args, until, seconds=60, **variables):
@@ -114,6 +108,6 @@ class Signals(Case):
             self.assertIn("\033[", self.on_terminal("probe", path, until=until))
             for variables in {"NO_COLOR": "1"}, {"TERM": "dumb"}:
                 self.assertNotIn("\033", self.on_terminal("probe", path, until=until, **variables))
-        self.assertRegex(self.on_terminal("sheet", sample("h264.mp4"), "-o", "-", until="\n"),
+        self.assertRegex(self.on_terminal("sheet", CLIP, "-o", "-", until="\n"),
                          "tavu:.* standard output: cannot write: it is a terminal")
         self.assertRegex(self.on_terminal("probe", "-", until="\n"), "standard input: it is a term")

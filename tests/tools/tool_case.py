@@ -17,7 +17,6 @@ HAVE_FFMPEG = shutil.which("ffmpeg") and shutil.which("ffprobe")
 NAMES = ["h264.mp4", "h264.h264", "hevc.mp4", "mpeg4.avi", "mpeg4.mp4", "h263.3gp", "wmv1.wmv",
          "wmv2.avi", "div3.avi", "huffyuv.avi"]
 YUV420 = [name for name in NAMES if name != "huffyuv.avi"]
-COMMANDS = ["probe", "sheet", "digest", "compare", "convert", "bench"]
 PLAYLISTS = {"list.m3u8": "#EXTM3U\n#EXT-X-TARGETDURATION:9\n#EXTINF:9,\n{}\n#EXT-X-ENDLIST\n",
              "list.ffconcat": "ffconcat version 1.0\nfile '{}'\n",
              "list.mpd": '<?xml version="1.0"?><MPD profiles="urn:mpeg:dash:profile:isoff-live:2011"'
@@ -32,6 +31,9 @@ def sample(name):
 
 
 CLIP = sample("h264.mp4")
+# Arguments for every command.
+COMMANDS = {"probe": [CLIP], "sheet": [CLIP, "-o", "out.png"], "digest": [CLIP],
+            "compare": [CLIP, CLIP], "convert": [CLIP, "out.png"], "bench": ["sad2x2"]}
 
 
 def read(path):
@@ -98,20 +100,20 @@ class Case(unittest.TestCase):
     def files(self):
         return sorted(os.listdir(self.directory))
 
-    def ok(self, *args):
-        result = run(*args)
-        self.assertEqual((result.returncode, result.stderr), (0, ""))
+    def ok(self, *args, **options):
+        result = run(*args, **options)
+        self.assertEqual((result.returncode, result.stderr), (0, ""), args)
         return result.stdout
 
-    def json(self, *args):
-        return json.loads(self.ok(*args, "--json"))
+    def json(self, *args, **options):
+        return json.loads(self.ok(*args, "--json", **options))
 
     def fails(self, *args, status=1, says="", **options):
         """Runs a command that fails with one line containing `says`."""
         result = run(*args, **options)
-        self.assertEqual(result.returncode, status, result.stderr)
-        self.assertRegex(result.stderr, r"\Atavu: [^\n]+\n\Z")
-        self.assertIn(says, result.stderr)
+        self.assertEqual(result.returncode, status, (args, result.stderr))
+        self.assertRegex(result.stderr, r"\Atavu: [^\n]+\n\Z", args)
+        self.assertIn(says, result.stderr, args)
         return result.stdout
 
     def video(self, path):
