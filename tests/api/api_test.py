@@ -61,17 +61,15 @@ class PublicApi(unittest.TestCase):
     def test_depends_only_on_the_c_library(self):
         needed = re.findall(r"\(NEEDED\).*\[(.*)\]", run("readelf", "-dW", LIBRARY))
         # The loader is part of the C library.
-        self.assertEqual([name for name in needed if not name.startswith("ld-linux")], ["libc.so.6"])
+        self.assertEqual({name for name in needed if not name.startswith("ld-")}, {"libc.so.6"})
         self.assertFalse([name for _, name in symbols("--undefined-only") if FORBIDDEN.match(name)])
 
     def test_dynamic_section_and_segments(self):
-        dynamic = run("readelf", "-dW", LIBRARY)
-        self.assertIn("Library soname: [libtavu.so.1]", dynamic)
-        self.assertRegex(dynamic, r"\(FLAGS(_1)?\).*NOW")
-        self.assertNotIn("TEXTREL", dynamic)
-        segments = run("readelf", "-lW", LIBRARY)
-        self.assertIn("GNU_RELRO", segments)
-        self.assertRegex(segments, r"GNU_STACK.* RW ")
+        text = run("readelf", "-dlW", LIBRARY)
+        for pattern in (r"Library soname: \[libtavu\.so\.1\]", r"\(FLAGS(_1)?\).*NOW", "GNU_RELRO",
+                        r"GNU_STACK.* RW "):
+            self.assertRegex(text, pattern)
+        self.assertNotIn("TEXTREL", text)
 
     @unittest.skipUnless(HARDENED, "built without hardening")
     def test_stack_and_buffers_are_checked(self):

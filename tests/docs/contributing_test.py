@@ -1,5 +1,5 @@
-"""The example of CONTRIBUTING.md, applied to a copy of the sources: it compiles without a warning, and the
-test of the table runs the new kernel at every level."""
+"""The example of CONTRIBUTING.md, applied to a copy of the sources: it compiles without a warning,
+and the test of the table runs the new kernel at every level."""
 
 import json
 import re

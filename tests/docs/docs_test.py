@@ -1,5 +1,6 @@
 """Checks the documents by the source tree: their programs compile without warnings, run, and print
-the given output; the files, functions, macros and presets in them exist; their numbers are right."""
+the given output; the files, functions, macros and presets in them exist; their numbers are right.
+"""
 
 import fnmatch
 import glob
@@ -39,11 +40,9 @@ def text_of(*patterns):
 
 def tree():
     """Paths of all files and folders, without build output."""
-    paths = []
     for folder, folders, files in os.walk(ROOT):
         folders[:] = [name for name in folders if name not in ("build", ".git", "__pycache__")]
-        paths += [os.path.relpath(f"{folder}/{name}", ROOT) for name in folders + files]
-    return paths
+        yield from (os.path.relpath(f"{folder}/{name}", ROOT) for name in folders + files)
 
 
 # (path, text) of every page and manual page.
@@ -91,7 +90,7 @@ def count_cells():
 
 
 def count_thread_programs():
-    replays = re.search(r"foreach\(target ([^)]*)\)\s+\w+\(threads_", text_of("fuzz/CMakeLists.txt"))
+    replays = re.search(r"foreach\(target ([^)]*)\)\s+\w+\(thr", text_of("fuzz/CMakeLists.txt"))
     return len(replays.group(1).split()) + len(glob.glob(f"{ROOT}/tests/threads/*_test.cpp"))
 
 
@@ -136,20 +135,17 @@ class Documents(unittest.TestCase):
         self.assertEqual((result.returncode, result.stderr), (0, ""), options)
         return result.stdout
 
-    def check(self, folder, source, expected):
-        program = f"{folder}/program"
-        self.run_well(*COMPILE, f"-I{ROOT}/include", "-xc", "-", "-xnone", LIBRARY,
-                      f"-Wl,-rpath,{os.path.dirname(LIBRARY)}", "-o", program, input=source)
-        output = self.run_well(*shlex.split(EMULATOR.replace(";", " ")), program)
-        if expected is not None:
-            self.assertEqual(output, expected)
-
     def test_programs(self):
         self.assertGreaterEqual(len(list(programs())), 10)
-        with tempfile.TemporaryDirectory() as folder:
-            for name, source, expected in programs():
-                with self.subTest(name):
-                    self.check(folder, complete(source), expected)
+        program = self.enterContext(tempfile.TemporaryDirectory()) + "/program"
+        rpath = f"-Wl,-rpath,{os.path.dirname(LIBRARY)}"
+        for name, source, expected in programs():
+            with self.subTest(name):
+                self.run_well(*COMPILE, f"-I{ROOT}/include", "-xc", "-", "-xnone", LIBRARY, rpath,
+                              "-o", program, input=complete(source))
+                output = self.run_well(*shlex.split(EMULATOR.replace(";", " ")), program)
+                if expected is not None:
+                    self.assertEqual(output, expected)
 
     # It is only compiled, as the body of a function unless it begins with a declaration.
     def test_code_in_the_header(self):
@@ -167,7 +163,7 @@ class Documents(unittest.TestCase):
         self.assertEqual(sorted(pair for pair in pairs if not good(*pair)), [])
 
     def test_files_exist(self):
-        paths = tree()
+        paths = list(tree())
 
         def exists(_, name):
             pattern = re.sub(r"(?<![A-Za-z])X(?![A-Za-z])", "*", name)  # a placeholder

@@ -19,24 +19,19 @@ FLAGS_OF_THE_LIBRARY = re.compile(r"-fno-|-fvisibility|-fstack|-fcf|_FORTIFY|-ma
 RUN_TIME_OF_CPP = re.compile(r"libstdc\+\+|libgcc_s|libm\.so")
 
 
-def command_line():
-    parser = argparse.ArgumentParser(usage=__doc__.split("usage: ", 1)[1])
-    for name in ("build", "prefix", "source", "toolchain"):
-        parser.add_argument("--" + name, type=lambda path: path and pathlib.Path(path).resolve())
-    for name, default in (("cc", "cc"), ("cxx", "c++"), ("emulator", "")):
-        parser.add_argument("--" + name, type=lambda text: text.replace(";", " ").split(),
-                            default=[default] if default else [])
-    return parser.parse_args()
-
-
-ARGUMENTS = command_line()
+PARSER = argparse.ArgumentParser(usage=__doc__.split("usage: ", 1)[1])
+for option in ("--build", "--prefix", "--source", "--toolchain"):
+    PARSER.add_argument(option, type=lambda path: path and pathlib.Path(path).resolve())
+for option, default in (("--cc", "cc"), ("--cxx", "c++"), ("--emulator", "")):
+    PARSER.add_argument(option, type=lambda text: text.replace(";", " ").split(), default=default)
+ARGUMENTS = PARSER.parse_args()
 CONSUMER = pathlib.Path(__file__).parent.resolve() / "consumer"
 FROM_SOURCES = (f"-DTAVU_SOURCE={ARGUMENTS.source}", "-DTAVU_SIMD=OFF", "-DCMAKE_BUILD_TYPE=Debug")
 
 
 def run(*command, **environment):
     done = subprocess.run([str(word) for word in command], capture_output=True, text=True,
-                          env=dict(os.environ, **environment), check=False)
+                          env=os.environ | environment, check=False)
     if done.returncode:
         raise AssertionError(f"{command} ended with {done.returncode}\n{done.stdout}{done.stderr}")
     return done.stdout
@@ -196,15 +191,13 @@ class Plugin(Installed):
 
 class Version(Installed):
     def test_one_version_everywhere(self):
-        version = re.search(r"project\(tavu VERSION (\S+)",
-                            (ARGUMENTS.source / "CMakeLists.txt").read_text()).group(1)
+        source = lambda name: (ARGUMENTS.source / name).read_text()
+        version = re.search(r"project\(tavu VERSION (\S+)", source("CMakeLists.txt"))[1]
         major = version.split(".", maxsplit=1)[0]
-        debian, changes = ((ARGUMENTS.source / name).read_text()
-                           for name in ("debian/changelog", "CHANGELOG.md"))
-        self.assertTrue(debian.startswith(f"libtavu ({version}) "))
-        self.assertEqual(re.search(r"^## (\S+)", changes, flags=re.M).group(1), version)
-        self.assertIn(f"libtavu.so.{major} libtavu{major} ",
-                      (ARGUMENTS.source / f"debian/libtavu{major}.symbols").read_text())
+        self.assertTrue(source("debian/changelog").startswith(f"libtavu ({version}) "))
+        self.assertEqual(re.search(r"^## (\S+)", source("CHANGELOG.md"), flags=re.M)[1], version)
+        symbols = source(f"debian/libtavu{major}.symbols")
+        self.assertIn(f"libtavu.so.{major} libtavu{major} ", symbols)
         header = (self.prefix / "include/tavu.h").read_text()
         macros = re.findall(r"^#define TAVU_VERSION_(\w+) (\d+)\b", header, flags=re.M)
         self.assertEqual(macros, list(zip(("MAJOR", "MINOR", "PATCH"), version.split("."))))

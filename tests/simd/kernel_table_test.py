@@ -1,4 +1,4 @@
-"""The table of kernels against the symbols of the library: a kernel without a row would not be tested."""
+"""The table of kernels has the symbols of the library; kernels without a row would not be tested."""
 
 import re
 import subprocess
@@ -6,7 +6,7 @@ import sys
 import unittest
 from pathlib import Path
 
-# The library and the table are static libraries; the sources are those of kernels with vector forms.
+# Two static libraries, and the files of kernels with vector forms.
 NM, LIBRARY, TABLE, *SOURCES = sys.argv[1:]
 FILES = {Path(source).stem for source in SOURCES}
 

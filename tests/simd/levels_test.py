@@ -9,7 +9,7 @@ import tempfile
 import unittest
 
 
-# The linker keeps one body of each weak symbol, and code for v2 must not use a body compiled for v3.
+# The linker keeps one body of each weak symbol. Code for v2 must not use a body compiled for v3.
 def weak_symbols(unit):
     """The weak symbols of a file's object whose names do not contain the level."""
     level = re.search(r"-march=x86-64-v(\d)", unit["command"]).group(1)

@@ -6,18 +6,15 @@ import random
 from tool_case import CLIP, HAVE_FFMPEG, Case, decoded, needs_ffmpeg, read
 
 W, H = 21, 6
+PLANES = [random.Random(seed).randbytes(W * H) for seed in range(4)]
 PACKED = {"rgb888": "rgb", "bgr888": "bgr", "rgba8888": "rgba", "bgra8888": "bgra"}
 PLANAR = {"yuv444": "yuv", "yuv444a8": "yuva"}
 
 
-def from_yuv(y, u, v, a=255):
+def from_yuv(y, u=128, v=128, a=255):
     rgb = (y + ((359 * (v - 128) + 128) >> 8),
            y - ((183 * (v - 128) + 88 * (u - 128) + 128) >> 8), y + ((454 * (u - 128) + 128) >> 8))
     return dict(zip("rgbyuva", (*(min(max(c, 0), 255) for c in rgb), y, u, v, a)))
-
-
-def from_grey(y, a=255):
-    return from_yuv(y, 128, 128, a)
 
 
 def from_rgb(r, g, b, a=255):
@@ -40,24 +37,20 @@ def layout(target, pixels):
 
 
 class Convert(Case):
-    def setUp(self):
-        super().setUp()
-        self.planes = [random.Random(seed).randbytes(W * H) for seed in range(4)]
-
     def converted(self, path, *args, out="out.bin"):
         self.ok("convert", path, self.path(out), *args)
         return read(self.path(out))
 
     def sources(self):
         """(path, options, function from samples to a pixel, samples of each pixel)"""
-        three, four, size = self.planes[:3], self.planes, ["--size", f"{W}x{H}", "--cs", "43"]
-        yield self.written("four.yuv", b"".join(four)), size, from_yuv, zip(*four)
+        size = ["--size", f"{W}x{H}", "--cs", "43"]
+        yield self.written("four.yuv", b"".join(PLANES)), size, from_yuv, zip(*PLANES)
         head = f"YUV4MPEG2 W{W} H{H} F25:1 Ip C444 XCOLORRANGE=FULL\nFRAME\n".encode()
-        yield self.written("x.y4m", head + b"".join(three)), [], from_yuv, zip(*three)
-        pams = {"RGB": (three, from_rgb), "RGB_ALPHA": (four, from_rgb), "GRAYSCALE": (
-            four[:1], from_grey), "GRAYSCALE_ALPHA": (four[:2], from_grey)}
-        for kind, (planes, meaning) in pams.items():
-            head = f"P7\nWIDTH {W}\nHEIGHT {H}\nDEPTH {len(planes)}\nMAXVAL 255\nTUPLTYPE {kind}\n"
+        yield self.written("x.y4m", head + b"".join(PLANES[:3])), [], from_yuv, zip(*PLANES[:3])
+        for kind, count, meaning in ("RGB", 3, from_rgb), ("RGB_ALPHA", 4, from_rgb), \
+                ("GRAYSCALE", 1, from_yuv), ("GRAYSCALE_ALPHA", 2, lambda y, a: from_yuv(y, a=a)):
+            planes = PLANES[:count]
+            head = f"P7\nWIDTH {W}\nHEIGHT {H}\nDEPTH {count}\nMAXVAL 255\nTUPLTYPE {kind}\n"
             pixels = bytes(value for pixel in zip(*planes) for value in pixel)
             picture = self.written(kind + ".pam", f"{head}ENDHDR\n".encode() + pixels)
             yield picture, [], meaning, zip(*planes)
@@ -82,8 +75,8 @@ class Convert(Case):
         for cs, across, down in ("yuv420", 2, 2), ("yuv422", 2, 1), ("yuv440", 1, 2):
             w, h = -(-W // across), -(-H // down)
             around = lambda at, step, end: (at // step, min(-(-at // step), end - 1))
-            expected = raw = self.planes[0]
-            for plane in self.planes[1:3]:
+            expected = raw = PLANES[0]
+            for plane in PLANES[1:3]:
                 raw += plane[:w * h]
                 expected += bytes(sum(plane[r * w + c] for r in around(y, down, h)
                                       for c in around(x, across, w)) // 4
@@ -91,7 +84,7 @@ class Convert(Case):
             options = ["--size", f"{W}x{H}", "--cs", cs, "--to", "yuv444"]
             self.assertEqual(self.converted(self.written("x.yuv", raw), *options), expected, cs)
         grey = self.converted(self.path("x.yuv"), "--size", f"{W}x{H}", "--cs", "yuv400")
-        self.assertEqual(grey, bytes(value for value in self.planes[0] for _ in range(3)))
+        self.assertEqual(grey, bytes(value for value in PLANES[0] for _ in range(3)))
 
     def test_limited_range(self):
         raw = self.written("flat.yuv", bytes([180] * 256 + [90] * 64 + [160] * 64))

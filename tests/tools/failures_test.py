@@ -17,9 +17,8 @@ SHOWN = r"a\x0a\x1b[1m\x7f\xc2\x9b2J\xff\xc0\xaf\xed\xa0\x80\xc3: é🎬"
 
 class Failures(Case):
     def everywhere(self, path, says=""):
-        for command in ["probe", path], ["probe", path, "--json"], ["digest", path], \
-                ["sheet", path, "-o", self.path("out.png")]:
-            self.fails(*command, says=says or path)
+        for command in "probe", "probe --json", "digest", "sheet -o out.png":
+            self.fails(*command.split(), path, says=says or path, cwd=self.directory)
 
     def test_files_that_are_not_media(self):
         self.everywhere(self.path("missing.mp4"))

@@ -18,7 +18,7 @@ def page(command):
 
 
 def help_text(command):
-    return run(*[command] if command else [], "--help").stdout
+    return run(*command.split(), "--help").stdout
 
 
 def options(command):

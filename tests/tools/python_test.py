@@ -11,10 +11,8 @@ import unittest
 from tool_case import PROJECT
 
 FOLDER = os.path.join(PROJECT, "examples", "python")
-if not os.environ.get("TAVU_LIBRARY"):
-    raise unittest.SkipTest("needs a library that an ordinary Python can load")
-if not importlib.util.find_spec("numpy"):
-    raise unittest.SkipTest("needs NumPy")
+if not os.environ.get("TAVU_LIBRARY") or not importlib.util.find_spec("numpy"):
+    raise unittest.SkipTest("needs NumPy, and a library that an ordinary Python can load")
 
 import numpy as np  # noqa: E402
 

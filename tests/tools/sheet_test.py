@@ -4,8 +4,6 @@ import itertools
 
 from tool_case import CLIP, Case, decoded, ffmpeg, needs_ffmpeg, read, sample, stream
 
-AS_PPM = ["-f", "image2pipe", "-c:v", "ppm", "-"]
-
 
 class Picture:
     """A sheet, read from PPM."""
@@ -48,7 +46,8 @@ def difference(a, b):
 class Sheet(Case):
     def sheet(self, path, width, *args):
         self.ok("sheet", path, "-o", self.path("out.png"), "--width", width, *args)
-        return Picture(ffmpeg("-i", self.path("out.png"), *AS_PPM), width)
+        ppm = ffmpeg("-i", self.path("out.png"), "-f", "image2pipe", "-c:v", "ppm", "-")
+        return Picture(ppm, width)
 
     def references(self, path, w, h, select):
         """ffmpeg's pictures in RGB, scaled to the library's sample positions."""

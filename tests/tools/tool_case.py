@@ -11,7 +11,6 @@ import unittest
 import zlib
 
 TAVU = os.environ["TAVU"]
-SAMPLES = os.environ["TAVU_SAMPLES"]
 PROJECT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 HAVE_FFMPEG = shutil.which("ffmpeg") and shutil.which("ffprobe")
 NAMES = ["h264.mp4", "h264.h264", "hevc.mp4", "mpeg4.avi", "mpeg4.mp4", "h263.3gp", "wmv1.wmv",
@@ -23,11 +22,10 @@ PLAYLISTS = {"list.m3u8": "#EXTM3U\n#EXT-X-TARGETDURATION:9\n#EXTINF:9,\n{}\n#EX
                          '><BaseURL>{}</BaseURL></MPD>',
              "list.sdp": "v=0\no=- 0 0 IN IP4 127.0.0.1\ns=x\nc=IN IP4 127.0.0.1\nt=0 0\n"
                          "m=video 5004 RTP/AVP 96\na=rtpmap:96 H264/90000\na=control:{}\n"}
-COUNTING = "testsrc2=s={}:r=10:d={}"
 
 
 def sample(name):
-    return os.path.join(SAMPLES, name)
+    return os.path.join(os.environ["TAVU_SAMPLES"], name)
 
 
 CLIP = sample("h264.mp4")
@@ -94,7 +92,8 @@ class Case(unittest.TestCase):
         return str(path)
 
     def made(self, name, size, *args, seconds=1):
-        ffmpeg("-f", "lavfi", "-i", COUNTING.format(size, seconds), *args, self.path(name))
+        # The pattern counts the frames.
+        ffmpeg("-f", "lavfi", "-i", f"testsrc2=s={size}:r=10:d={seconds}", *args, self.path(name))
         return self.path(name)
 
     def files(self):
@@ -102,7 +101,8 @@ class Case(unittest.TestCase):
 
     def ok(self, *args, **options):
         result = run(*args, **options)
-        self.assertEqual((result.returncode, result.stderr), (0, ""), args)
+        self.assertEqual(result.returncode, 0, (args, result.stderr))
+        self.assertFalse(result.stderr, args)
         return result.stdout
 
     def json(self, *args, **options):
