@@ -51,8 +51,7 @@ class Compare(Case):
             frames, total = self.frames(a, b)
             self.assertEqual(frames, expected)
             sums = {key: sum(f[key] for f in expected) for key in ("sad", "ssd", "satd")}
-            psnr = ratio(sums["ssd"], w * h * 3)
-            self.assertEqual(total, {"frames": 3, "psnr": psnr, **sums})
+            self.assertEqual(total, {"frames": 3, "psnr": ratio(sums["ssd"], 3 * w * h), **sums})
         rows = [line.split() for line in self.ok("compare", a, b).splitlines()]
         self.assertEqual(rows[2], ["1", "0.100000", "0", "0", "inf", "0"])
         self.assertEqual(rows[4][:3], ["total", str(total["sad"]), str(total["ssd"])])

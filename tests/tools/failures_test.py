@@ -5,7 +5,6 @@ import json
 import os
 import random
 import resource
-import shutil
 
 from tool_case import (CLIP, COMMANDS, PLAYLISTS, Case, ffmpeg, needs_ffmpeg, packets, png_head,
                        read, sample)
@@ -106,7 +105,7 @@ class Failures(Case):
 
     def test_inputs_are_not_written(self):
         """Under any of their names."""
-        clip = shutil.copy(CLIP, self.path("clip.mp4"))
+        clip = self.written("clip.mp4", read(CLIP))
         os.link(clip, self.path("hard"))
         os.symlink("clip.mp4", self.path("soft"))
         kept = self.files()
@@ -139,7 +138,7 @@ class Failures(Case):
         self.assertGreater(os.path.getsize(old), 3)
 
     def test_usage(self):
-        shutil.copy(CLIP, self.path("clip"))
+        self.written("clip", read(CLIP))
         for args, says in {
                 **dict.fromkeys(["", "paint clip", "probe", "sheet clip", "digest --csv clip",
                                  "sheet clip -o out --columns 0", "sheet clip -o out --every 0",

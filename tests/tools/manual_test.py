@@ -1,7 +1,6 @@
 """Manual pages and completions have the options of --help, and JSON has the documented shape."""
 
 import json
-import os
 import re
 import shutil
 import subprocess
@@ -9,12 +8,12 @@ import unittest
 
 from tool_case import COMMANDS, PROJECT, TAVU, Case, read, run
 
-COMPLETION = os.path.join(PROJECT, "tools", "completion")
+COMPLETION = f"{PROJECT}/tools/completion"
 
 
 def page(command):
     name = f"tavu-{command}.1" if command else "tavu.1"
-    return read(os.path.join(PROJECT, "docs", "man", name)).decode()
+    return read(f"{PROJECT}/docs/man/{name}").decode()
 
 
 def help_text(command):

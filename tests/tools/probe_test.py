@@ -1,7 +1,6 @@
 """tavu probe, checked by ffprobe, and rare parameter sets."""
 
 import re
-import shutil
 
 from tool_case import (CLIP, NAMES, Case, decoded, ffmpeg, needs_ffmpeg, packets, read, run,
                        sample, stream)
@@ -54,7 +53,7 @@ class Probe(Case):
                      "fourcc_number": int.from_bytes(fourcc.encode(), "little")}
             track = self.video(sample(name))
             self.assertEqual(track | names | stream(sample(name), "width,height"), track)
-        shutil.copy(CLIP, self.path("colon:1.mp4"))
+        self.written("colon:1.mp4", read(CLIP))
         text = run("probe", "colon:1.mp4", cwd=self.directory).stdout
         self.assertIn("track 0: video  avc1  0x31637661  media type 104 VID_H264  320x180", text)
         self.assertIn("track 1: audio  mp4a  0x6134706d  media type 306 AUD_AAC", text)

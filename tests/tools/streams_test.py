@@ -1,7 +1,5 @@
 """Standard streams, terminals and signals."""
 
-import functools
-import json
 import os
 import pty
 import re
@@ -43,11 +41,11 @@ class Streams(Case):
 
     def test_quiet(self):
         for command, args in COMMANDS.items():
-            call = functools.partial(self.ok, command, *args, cwd=self.directory)
-            self.assertEqual(call("-q"), "")
-            self.assertGreater(len(call()), 10)
-            quiet, loud = json.loads(call("-q", "--json")), json.loads(call("--json"))
-            self.assertEqual(list(quiet), list(loud))
+            loud, quiet = [command, *args], [command, *args, "-q"]
+            self.assertEqual(self.ok(*quiet, cwd=self.directory), "")
+            self.assertGreater(len(self.ok(*loud, cwd=self.directory)), 10)
+            self.assertEqual(list(self.json(*quiet, cwd=self.directory)),
+                             list(self.json(*loud, cwd=self.directory)))
 
 
 class Signals(Case):
