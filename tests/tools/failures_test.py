@@ -90,7 +90,7 @@ class Failures(Case):
     def test_output_that_cannot_be_written(self):
         old = self.written("old.png", b"old")
         limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (4096, 4096))
-        # Python ignores the signal of the limit.
+        # SIGXFSZ stays ignored, as in Python, so that the write fails.
         self.fails("sheet", CLIP, "-o", old, preexec_fn=limit, restore_signals=False)
         self.fails("sheet", self.written("bad.mp4", b"bad"), "-o", old)
         os.mkfifo(self.path("pipe"))
