@@ -79,17 +79,16 @@ bool widen_and_narrow(const uint8_t *r) {
 }
 
 bool from_rgb(const uint8_t *r) {
-    const uint8_t *const g = r + LANES, *const b = g + LANES;
     U8 y, u, v;
-    rgb_to_yuv(load_as<U8>(r), load_as<U8>(g), load_as<U8>(b), &y, &u, &v);
-    return is<uint8_t>(y, [&](int i) { return (77 * r[i] + 150 * g[i] + 29 * b[i] + 128) >> 8; }) &&
-           is<uint8_t>(u,
-                       [&](int i) {
-                           return clamp(128 + ((128 * b[i] - 43 * r[i] - 85 * g[i] + 128) >> 8));
-                       }) &&
-           is<uint8_t>(v, [&](int i) {
-               return clamp(128 + ((128 * r[i] - 107 * g[i] - 21 * b[i] + 128) >> 8));
-           });
+    rgb_to_yuv(load_as<U8>(r), load_as<U8>(r + LANES), load_as<U8>(r + 2 * LANES), &y, &u, &v);
+    const auto is_sum = [r](U8 sum, int offset, int of_r, int of_g, int of_b) {
+        return is<uint8_t>(sum, [=](int i) {
+            const int weighted = of_r * r[i] + of_g * r[LANES + i] + of_b * r[2 * LANES + i];
+            return clamp(offset + ((weighted + 128) >> 8));
+        });
+    };
+    return is_sum(y, 0, 77, 150, 29) && is_sum(u, 128, -43, -85, 128) &&
+           is_sum(v, 128, 128, -107, -21);
 }
 
 // The terms are added to grey and narrowed to bytes, which restores the order of the lanes.
@@ -195,27 +194,28 @@ VecI16<N> small(const uint8_t *r, int most) {
 template <int N>
 bool butterflies(const uint8_t *r) {
     const auto a = small<N>(r, 8160), b = small<N>(r + N, 8160);
-    const auto x = lanes_of<int16_t>(a), y = lanes_of<int16_t>(b);
     auto sum = a, difference = b, magnitude = a, other = b, low = a, high = b;
     butterfly(sum, difference);
     butterfly_abs(magnitude, other);
     zip(low, high);
-    const auto zipped = [&](int i, int half) {
-        const int lane = i / 8 * 8 + half * 4 + i % 8 / 2;
-        return i % 2 == 0 ? x.at[lane] : y.at[lane];
+    const auto is_of = [x = lanes_of<int16_t>(a), y = lanes_of<int16_t>(b)](const auto &v,
+                                                                            auto meaning) {
+        return is<int16_t>(v, [&](int i) { return meaning(x.at[i], y.at[i]); });
     };
-    return is<int16_t>(sum, [&](int i) { return x.at[i] + y.at[i]; }) &&
-           is<int16_t>(add(a, b), [&](int i) { return x.at[i] + y.at[i]; }) &&
-           is<int16_t>(difference, [&](int i) { return x.at[i] - y.at[i]; }) &&
-           is<int16_t>(magnitude, [&](int i) { return abs_of(x.at[i] + y.at[i]); }) &&
-           is<int16_t>(other, [&](int i) { return abs_of(x.at[i] - y.at[i]); }) &&
-           is<int16_t>(larger(a, b),
-                       [&](int i) { return x.at[i] > y.at[i] ? x.at[i] : y.at[i]; }) &&
-           is<int16_t>(low, [&](int i) { return zipped(i, 0); }) &&
-           is<int16_t>(high, [&](int i) { return zipped(i, 1); });
+    const auto is_zip = [x = lanes_of<int16_t>(a), y = lanes_of<int16_t>(b)](const auto &v,
+                                                                             int half) {
+        return is<int16_t>(
+            v, [&](int i) { return (i % 2 == 0 ? x : y).at[i / 8 * 8 + half * 4 + i % 8 / 2]; });
+    };
+    return is_of(sum, [](int x, int y) { return x + y; }) &&
+           is_of(add(a, b), [](int x, int y) { return x + y; }) &&
+           is_of(difference, [](int x, int y) { return x - y; }) &&
+           is_of(magnitude, [](int x, int y) { return abs_of(x + y); }) &&
+           is_of(other, [](int x, int y) { return abs_of(x - y); }) &&
+           is_of(larger(a, b), [](int x, int y) { return x > y ? x : y; }) && is_zip(low, 0) &&
+           is_zip(high, 1);
 }
 
-// Whether two arrays have the same values, in any order.
 template <int N>
 bool same_values(Array<int16_t, N> x, const Array<int16_t, N> &y) {
     for (int i = 0; i < N; i++) {
