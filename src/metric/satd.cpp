@@ -54,12 +54,18 @@ __attribute__((noinline)) int32_t sum_single(int32_t width, int32_t height, cons
                        [](const BlockPair &tile) { return satd_kernel<Size>(tile); });
 }
 
+constexpr int32_t BAND_HEIGHT = 8, SPLIT_WIDTH = 384, MAX_UNSPLIT_HEIGHT = 64;
+
+template <int Size>
+int32_t split_area(int32_t width, int32_t height, BlockPair band);
+
 // Takes the members of the pair, because a record would be passed in memory.
 template <int Size>
-__attribute__((noinline)) int32_t sum_band(int32_t width, int32_t height, const uint8_t *a,
-                                           const uint8_t *b, ptrdiff_t stride_a,
-                                           ptrdiff_t stride_b) {
+__attribute__((noinline)) int32_t satd_area(int32_t width, int32_t height, const uint8_t *a,
+                                            const uint8_t *b, ptrdiff_t stride_a,
+                                            ptrdiff_t stride_b) {
     const BlockPair at = {a, b, stride_a, stride_b};
+    if (SPLIT_PICTURES && height > MAX_UNSPLIT_HEIGHT) return split_area<Size>(width, height, at);
     if constexpr (LANES == 64 && Size == 4) {
         if (width % 16 == 0 && height % 8 == 0) {
             return sum_strips<Satd4x4Sum<LANES>>(width, height, at);
@@ -75,8 +81,6 @@ __attribute__((noinline)) int32_t sum_band(int32_t width, int32_t height, const 
     return static_cast<int32_t>(static_cast<uint32_t>(sum) + static_cast<uint32_t>(more));
 }
 
-constexpr int32_t BAND_HEIGHT = 8, SPLIT_WIDTH = 384, MAX_UNSPLIT_HEIGHT = 64;
-
 inline void prefetch_band(const uint8_t *p, ptrdiff_t stride, int32_t width) {
     constexpr int32_t CACHE_LINE = 64;
     for (int32_t y = 0; y < BAND_HEIGHT; y++, p += stride) {
@@ -84,8 +88,10 @@ inline void prefetch_band(const uint8_t *p, ptrdiff_t stride, int32_t width) {
     }
 }
 
+// Pictures are split into bands, because a strip down a whole picture would touch a page with every row,
+// and bands by width, so that a part and the next one fit the first-level cache.
 template <int Size>
-__attribute__((noinline)) int32_t sum_bands(int32_t width, int32_t height, BlockPair band) {
+__attribute__((noinline)) int32_t split_area(int32_t width, int32_t height, BlockPair band) {
     uint32_t sum = 0;
     for (; height > 0; height -= BAND_HEIGHT, band = band.tile(0, BAND_HEIGHT)) {
         const int32_t rows = height < BAND_HEIGHT ? height : BAND_HEIGHT;
@@ -97,18 +103,10 @@ __attribute__((noinline)) int32_t sum_bands(int32_t width, int32_t height, Block
             prefetch_band(next.a, next.stride_a, columns);
             prefetch_band(next.b, next.stride_b, columns);
             sum += static_cast<uint32_t>(
-                sum_band<Size>(columns, rows, at.a, at.b, at.stride_a, at.stride_b));
+                satd_area<Size>(columns, rows, at.a, at.b, at.stride_a, at.stride_b));
         }
     }
     return static_cast<int32_t>(sum);
-}
-
-// Pictures are split into bands, because a strip down a whole picture would touch a page with every row,
-// and bands by width, so that a part and the next one fit the first-level cache.
-template <int Size>
-TAVU_VEC_INLINE int32_t satd_area_kernel(int32_t width, int32_t height, const BlockPair &at) {
-    if (SPLIT_PICTURES && height > MAX_UNSPLIT_HEIGHT) return sum_bands<Size>(width, height, at);
-    return sum_band<Size>(width, height, at.a, at.b, at.stride_a, at.stride_b);
 }
 
 #else
@@ -125,8 +123,9 @@ int32_t satd_kernel(const BlockPair &at) {
 }
 
 template <int Size>
-int32_t satd_area_kernel(int32_t width, int32_t height, const BlockPair &at) {
-    return (Size == 4 ? satd4x4_area : satd8x8_area)(width, height, at);
+int32_t satd_area(int32_t width, int32_t height, const uint8_t *a, const uint8_t *b,
+                  ptrdiff_t stride_a, ptrdiff_t stride_b) {
+    return (Size == 4 ? satd4x4_area : satd8x8_area)(width, height, {a, b, stride_a, stride_b});
 }
 
 #endif
@@ -138,8 +137,15 @@ using namespace tavu;
 
 TAVU_METRIC_BLOCK(tavu_satd4x4, satd_kernel<4>)
 TAVU_METRIC_BLOCK(tavu_satd8x8, satd_kernel<8>)
-TAVU_METRIC_AREA(tavu_satd, satd_area_kernel<4>)
-TAVU_METRIC_AREA(tavu_satd1, satd_area_kernel<4>)
-TAVU_METRIC_AREA(tavu_satd2, satd_area_kernel<8>)
+#define TAVU_SATD_AREA(name, size)                                                  \
+    TAVU_KERNEL(int32_t, name,                                                      \
+                (int32_t width, int32_t height, const uint8_t *a, const uint8_t *b, \
+                 int32_t stride_a, int32_t stride_b)) {                             \
+        return satd_area<size>(width, height, a, b, stride_a, stride_b);            \
+    }
+
+TAVU_SATD_AREA(tavu_satd, 4)
+TAVU_SATD_AREA(tavu_satd1, 4)
+TAVU_SATD_AREA(tavu_satd2, 8)
 
 TAVU_KERNEL(int32_t, tavu_hadamard4x4, (const int16_t *block)) { return hadamard4x4_kernel(block); }

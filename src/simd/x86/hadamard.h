@@ -65,18 +65,14 @@ TAVU_VEC_INLINE VecU8<N> load_columns([[maybe_unused]] const uint8_t *p,
 }
 
 template <int N>
-TAVU_VEC_INLINE VecI16<N> load_column_butterflies(const uint8_t *p, ptrdiff_t stride) {
-    return maddubs_epi16(load_columns<N>(p, stride), constant<VecU8<N>>(BLOCK_CONSTANTS.both));
-}
-
-template <int N>
 TAVU_VEC_INLINE void load_next_butterflies(const uint8_t *&a, ptrdiff_t stride_a, const uint8_t *&b,
                                            ptrdiff_t stride_b, VecI16<N> *v) {
     if constexpr (N == 16) {
         butterfly_difference(load<16>(a), load<16>(b), &v[0], &v[1]);
     } else {
-        v[0] = sub_epi16(load_column_butterflies<N>(a, stride_a),
-                         load_column_butterflies<N>(b, stride_b));
+        const VecU8<N> both = constant<VecU8<N>>(BLOCK_CONSTANTS.both);
+        v[0] = sub_epi16(maddubs_epi16(load_columns<N>(a, stride_a), both),
+                         maddubs_epi16(load_columns<N>(b, stride_b), both));
     }
     a += stride_a;
     b += stride_b;

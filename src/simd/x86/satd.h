@@ -7,7 +7,7 @@
 namespace tavu {
 namespace {
 
-// Wider strips gain nothing for areas of a general width.
+// For areas of any size. Satd4x4Sum<64> takes 8 rows at once, which not every area has.
 constexpr int STRIP_BYTES = LANES < 32 ? LANES : 32;
 using Satd4x4Strip = Satd4x4Sum<STRIP_BYTES>;
 using Satd8x8Strip = Satd8x8Sum<STRIP_BYTES>;
@@ -57,7 +57,7 @@ TAVU_VEC_INLINE int32_t vec_satd4x4(BlockPair at) {
 
 #if TAVU_LEVEL == 2
 
-TAVU_VEC_INLINE int32_t vec_satd8x8(BlockPair at) { return satd8x8_of_rows(at); }
+TAVU_VEC_INLINE int32_t vec_satd8x8(const BlockPair &at) { return satd8x8_of_rows(at); }
 
 #elif TAVU_LEVEL == 3
 
