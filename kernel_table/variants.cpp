@@ -11,7 +11,7 @@ namespace {
 
 // As many of v2, v3 and v4 as the processor has the instructions for.
 size_t levels() {
-#if defined(__x86_64__)
+#if defined(__x86_64__) || defined(__i386__)
     if (!__builtin_cpu_supports("avx2") || !__builtin_cpu_supports("bmi2")) return 1;
     return __builtin_cpu_supports("avx512vbmi") ? 3 : 2;
 #else
